@@ -1,0 +1,60 @@
+# Compile settings and the few rules that every engine, test and benchmark is built by.
+
+add_library(pixmorph_options INTERFACE)
+target_compile_options(pixmorph_options INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wimplicit-fallthrough
+  # Floating-point results are part of the contract: no fused multiply-add behind the code's back.
+  -ffp-contract=off)
+target_include_directories(pixmorph_options INTERFACE ${PROJECT_SOURCE_DIR}/src ${PROJECT_SOURCE_DIR}/include)
+target_link_libraries(pixmorph_options INTERFACE Threads::Threads)
+if(PIXMORPH_SANITIZE)
+  target_compile_options(pixmorph_options INTERFACE -fsanitize=${PIXMORPH_SANITIZE} -fno-omit-frame-pointer
+    -fno-sanitize-recover=all)
+  target_link_options(pixmorph_options INTERFACE -fsanitize=${PIXMORPH_SANITIZE})
+endif()
+
+# Flags of the instruction sets. Only files whose names end in the set's suffix are compiled with them.
+set(PIXMORPH_FLAGS_sse41 -msse4.1)
+set(PIXMORPH_FLAGS_avx2 -mavx2)
+set(PIXMORPH_FLAGS_avx512 -mavx2 -mavx512f -mavx512bw -mavx512dq)
+
+# pixmorph_engine(NAME files...): the objects of one engine. They become part of the shared library and of every test.
+set_property(GLOBAL PROPERTY PIXMORPH_ENGINES "")
+function(pixmorph_engine name)
+  add_library(pixmorph_${name} OBJECT ${ARGN})
+  target_link_libraries(pixmorph_${name} PUBLIC pixmorph_options)
+  foreach(file IN LISTS ARGN)
+    if(file MATCHES "_(sse41|avx2|avx512)\\.cpp$")
+      set_source_files_properties(${file} PROPERTIES COMPILE_OPTIONS "${PIXMORPH_FLAGS_${CMAKE_MATCH_1}}")
+    endif()
+  endforeach()
+  set_property(GLOBAL APPEND PROPERTY PIXMORPH_ENGINES pixmorph_${name})
+endfunction()
+
+# pixmorph_link_engines(TARGET): links the library's objects into a test or benchmark, so that it reaches what the shared
+# library hides.
+function(pixmorph_link_engines target)
+  get_property(engines GLOBAL PROPERTY PIXMORPH_ENGINES)
+  target_link_libraries(${target} PRIVATE pixmorph_options)
+  foreach(engine IN LISTS engines)
+    target_link_libraries(${target} PRIVATE ${engine})
+  endforeach()
+endfunction()
+
+# pixmorph_test(NAME files...): a GoogleTest program that reaches the library's inside.
+function(pixmorph_test name)
+  add_executable(${name} ${ARGN})
+  pixmorph_link_engines(${name})
+  target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
+  target_link_libraries(${name} PRIVATE GTest::gtest_main)
+  gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 600)
+endfunction()
+
+# pixmorph_component_test(NAME files...): a GoogleTest program that uses the shared library and include/pixmorph only.
+function(pixmorph_component_test name)
+  add_executable(${name} ${ARGN})
+  target_link_libraries(${name} PRIVATE pixmorph GTest::gtest_main)
+  target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
+  target_compile_options(${name} PRIVATE -Wall -Wextra -Wpedantic -Wshadow)
+  gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 600)
+endfunction()

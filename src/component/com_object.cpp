@@ -1,0 +1,33 @@
+#include "component/com_object.h"
+
+namespace KorvaneSoftware {
+
+namespace {
+
+constinit std::atomic<std::int32_t> g_moduleLocks{0};
+
+}  // namespace
+
+void LockModule() { g_moduleLocks.fetch_add(1, std::memory_order_relaxed); }
+void UnlockModule() { g_moduleLocks.fetch_sub(1, std::memory_order_acq_rel); }
+bool IsModuleLocked() { return g_moduleLocks.load(std::memory_order_acquire) != 0; }
+
+HRESULT QueryInterfaceTable(void* self, std::span<const InterfaceEntry> table, const GUID& iid, void** object) {
+    if (self == nullptr || table.empty()) return E_INVALIDARG;
+    if (object == nullptr) return E_POINTER;
+    *object = nullptr;
+    const auto handOut = [&](const InterfaceEntry& entry) {
+        IUnknown* const interface = entry.cast(self);
+        interface->AddRef();
+        *object = interface;
+        return S_OK;
+    };
+    if (iid == IID_IUnknown) return handOut(table.front());
+    for (const InterfaceEntry& entry : table) {
+        if (*entry.iid != iid) continue;
+        return entry.query != nullptr ? entry.query(self, iid, object) : handOut(entry);
+    }
+    return E_NOINTERFACE;
+}
+
+}  // namespace KorvaneSoftware

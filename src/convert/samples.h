@@ -1,0 +1,95 @@
+// Readers and writers of 4:2:2 samples: where luma, chroma and alpha of a line lie in each format. Kernels are templates
+// over these, so that a family is written once and not once per pair of formats.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "foundation/image_descriptor.h"
+
+namespace KorvaneSoftware {
+
+/// First bytes of one picture line in up to three planes.
+template <class Byte>
+struct LineOf {
+    Byte* plane[3];
+};
+using ReadLine = LineOf<const std::uint8_t>;
+using WriteLine = LineOf<std::uint8_t>;
+
+/// Packed 4:2:2, four bytes for a pair of pixels.
+template <int Y0, int U, int V>
+struct PackedSamples {
+    static constexpr bool kHasAlpha = false;
+    template <class Line>
+    static auto& Luma(const Line& line, std::size_t x) { return line.plane[0][2 * x + Y0]; }
+    template <class Line>
+    static auto& Cb(const Line& line, std::size_t pair) { return line.plane[0][4 * pair + U]; }
+    template <class Line>
+    static auto& Cr(const Line& line, std::size_t pair) { return line.plane[0][4 * pair + V]; }
+};
+using UyvySamples = PackedSamples<1, 0, 2>;
+using Yuy2Samples = PackedSamples<0, 1, 3>;
+using YvyuSamples = PackedSamples<0, 3, 1>;
+
+/// Blocks of 16 pixels. Offsets of the runs within a block; alpha at -1: none.
+template <int BlockBytes, int Y, int A, int U, int V>
+struct BlockSamples {
+    static constexpr bool kHasAlpha = A >= 0;
+    template <class Line>
+    static auto& Luma(const Line& line, std::size_t x) { return line.plane[0][x / 16 * BlockBytes + Y + x % 16]; }
+    template <class Line>
+    static auto& Alpha(const Line& line, std::size_t x) { return line.plane[0][x / 16 * BlockBytes + A + x % 16]; }
+    template <class Line>
+    static auto& Cb(const Line& line, std::size_t pair) { return line.plane[0][pair / 8 * BlockBytes + U + pair % 8]; }
+    template <class Line>
+    static auto& Cr(const Line& line, std::size_t pair) { return line.plane[0][pair / 8 * BlockBytes + V + pair % 8]; }
+};
+using Y16Samples = BlockSamples<32, 0, -1, 16, 24>;
+using Y16ASamples = BlockSamples<48, 0, 16, 32, 40>;
+using Y32Samples = BlockSamples<64, 0, -1, 32, 40>;
+using Y32ASamples = BlockSamples<80, 0, 32, 48, 56>;
+using Y32ABSamples = BlockSamples<80, 16, 32, 64, 72>;
+
+/// Three planes, chroma halved in width.
+struct PlanarSamples {
+    static constexpr bool kHasAlpha = false;
+    template <class Line>
+    static auto& Luma(const Line& line, std::size_t x) { return line.plane[0][x]; }
+    template <class Line>
+    static auto& Cb(const Line& line, std::size_t pair) { return line.plane[1][pair]; }
+    template <class Line>
+    static auto& Cr(const Line& line, std::size_t pair) { return line.plane[2][pair]; }
+};
+
+/// A luma plane and a plane of interleaved chroma pairs.
+struct SemiPlanarSamples {
+    static constexpr bool kHasAlpha = false;
+    template <class Line>
+    static auto& Luma(const Line& line, std::size_t x) { return line.plane[0][x]; }
+    template <class Line>
+    static auto& Cb(const Line& line, std::size_t pair) { return line.plane[1][2 * pair]; }
+    template <class Line>
+    static auto& Cr(const Line& line, std::size_t pair) { return line.plane[1][2 * pair + 1]; }
+};
+
+/// First byte of line `row` of a plane.
+inline std::uint8_t* PlaneLine(const ImageDescriptor& desc, int plane, std::int64_t row) {
+    return desc.planes[plane] + row * desc.strides[plane];
+}
+
+/// Line `row` of a picture of top-down order whose chroma line is `chromaRow`.
+template <class Line>
+Line LineAt(const ImageDescriptor& desc, std::int64_t row, std::int64_t chromaRow) {
+    Line line{{PlaneLine(desc, 0, row), nullptr, nullptr}};
+    for (int plane = 1; plane < 3; ++plane)
+        if (desc.planes[plane] != nullptr) line.plane[plane] = PlaneLine(desc, plane, chromaRow);
+    return line;
+}
+
+/// Line `row`, counted from the top, of a bottom-up picture (BGR, BGRA).
+inline std::uint8_t* BottomUpLine(const ImageDescriptor& desc, std::int64_t row) {
+    return PlaneLine(desc, 0, static_cast<std::int64_t>(desc.height) - 1 - row);
+}
+
+}  // namespace KorvaneSoftware

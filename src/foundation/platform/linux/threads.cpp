@@ -1,0 +1,113 @@
+// Events and threads over POSIX. Thread priorities are not offered by ordinary Linux scheduling: every thread is at level
+// 0, and setting a level succeeds without effect.
+#include <pthread.h>
+#include <sched.h>
+
+#include <chrono>
+#include <condition_variable>
+#include <mutex>
+#include <new>
+
+#include "foundation/platform/platform.h"
+
+namespace KorvaneSoftware::platform {
+
+namespace {
+
+struct Event {
+    std::mutex mutex;
+    std::condition_variable condition;
+    bool signalled = false;
+};
+
+struct Thread {
+    pthread_t id{};
+    ThreadFunction function = nullptr;
+    void* argument = nullptr;
+    bool joined = false;
+};
+
+void* RunThread(void* raw) {
+    const Thread* const thread = static_cast<Thread*>(raw);
+    thread->function(thread->argument);
+    return nullptr;
+}
+
+}  // namespace
+
+EventHandle CreateAutoResetEvent() { return new (std::nothrow) Event; }
+
+void DestroyEvent(EventHandle event) { delete static_cast<Event*>(event); }
+
+bool SetEvent(EventHandle handle) {
+    Event* const event = static_cast<Event*>(handle);
+    try {
+        // Notified under the lock: the waiter may destroy the event as soon as it has seen the signal.
+        const std::lock_guard lock(event->mutex);
+        event->signalled = true;
+        event->condition.notify_one();
+    } catch (...) {
+        return false;
+    }
+    return true;
+}
+
+WaitResult WaitEvent(EventHandle handle, std::uint32_t timeoutMs) {
+    Event* const event = static_cast<Event*>(handle);
+    try {
+        std::unique_lock lock(event->mutex);
+        const auto signalled = [event] { return event->signalled; };
+        if (timeoutMs == kWaitForever)
+            event->condition.wait(lock, signalled);
+        else if (!event->condition.wait_for(lock, std::chrono::milliseconds(timeoutMs), signalled))
+            return WaitResult::TimedOut;
+        event->signalled = false;
+    } catch (...) {
+        return WaitResult::Failed;
+    }
+    return WaitResult::Signalled;
+}
+
+ThreadHandle StartThread(ThreadFunction function, void* argument) {
+    Thread* const thread = new (std::nothrow) Thread;
+    if (thread == nullptr) return nullptr;
+    thread->function = function;
+    thread->argument = argument;
+    if (pthread_create(&thread->id, nullptr, RunThread, thread) != 0) {
+        delete thread;
+        return nullptr;
+    }
+    return thread;
+}
+
+bool JoinThread(ThreadHandle handle) {
+    Thread* const thread = static_cast<Thread*>(handle);
+    if (thread->joined) return true;
+    thread->joined = pthread_join(thread->id, nullptr) == 0;
+    return thread->joined;
+}
+
+void DestroyThread(ThreadHandle handle) { delete static_cast<Thread*>(handle); }
+
+ThreadHandle CurrentThread() {
+    thread_local Thread current;
+    current.id = pthread_self();
+    return &current;
+}
+
+bool GetThreadPriority(ThreadHandle, std::int32_t& level) {
+    level = 0;
+    return true;
+}
+
+bool SetThreadPriority(ThreadHandle, std::int32_t) { return true; }
+
+void SetThreadAffinityMask(ThreadHandle handle, std::uint64_t mask) {
+    cpu_set_t set;
+    CPU_ZERO(&set);
+    for (int i = 0; i < 64; ++i)
+        if (((mask >> i) & 1) != 0) CPU_SET(i, &set);
+    pthread_setaffinity_np(static_cast<Thread*>(handle)->id, sizeof(set), &set);
+}
+
+}  // namespace KorvaneSoftware::platform

@@ -1,0 +1,74 @@
+// 64-byte registers for kernels that are written once for several instruction sets. See README.md here.
+#pragma once
+
+#include <immintrin.h>
+
+#include <cstddef>
+#include <cstdint>
+
+#define PIXMORPH_SIMD simd_avx512
+#define PIXMORPH_SIMD_NAME(primitive) primitive##_Avx512
+
+namespace KorvaneSoftware::PIXMORPH_SIMD {
+
+struct Vec {
+    __m512i v;
+};
+constexpr std::size_t kVecBytes = 64;
+constexpr int kVecLanes = 4;
+
+#define PIXMORPH_VEC_UNARY(name, op) \
+    static inline Vec name(Vec a) { return {op(a.v)}; }
+#define PIXMORPH_VEC_BINARY(name, op) \
+    static inline Vec name(Vec a, Vec b) { return {op(a.v, b.v)}; }
+#define PIXMORPH_VEC_SHIFT(name, op) \
+    template <int N>                 \
+    static inline Vec name(Vec a) {  \
+        return {op(a.v, N)};         \
+    }
+
+static inline Vec Load(const void* p) { return {_mm512_loadu_si512(p)}; }
+static inline void Store(void* p, Vec a) { _mm512_storeu_si512(p, a.v); }
+static inline void StoreAligned(void* p, Vec a) { _mm512_store_si512(p, a.v); }
+static inline void Stream(void* p, Vec a) { _mm512_stream_si512(static_cast<__m512i*>(p), a.v); }
+static inline void StreamFence() { _mm_sfence(); }
+static inline Vec Zero() { return {_mm512_setzero_si512()}; }
+static inline Vec Set8(int x) { return {_mm512_set1_epi8(static_cast<char>(x))}; }
+static inline Vec Set16(int x) { return {_mm512_set1_epi16(static_cast<short>(x))}; }
+static inline Vec Set32(int x) { return {_mm512_set1_epi32(x)}; }
+static inline Vec Repeat128(const void* p) {
+    return {_mm512_broadcast_i32x4(_mm_loadu_si128(static_cast<const __m128i*>(p)))};
+}
+static inline Vec LoadWiden8(const void* p) {
+    return {_mm512_cvtepu8_epi16(_mm256_loadu_si256(static_cast<const __m256i*>(p)))};
+}
+static inline Vec LoadHalf(const void* p) {
+    return {_mm512_castsi256_si512(_mm256_loadu_si256(static_cast<const __m256i*>(p)))};
+}
+static inline void StoreHalf(void* p, Vec a) {
+    _mm256_storeu_si256(static_cast<__m256i*>(p), _mm512_castsi512_si256(a.v));
+}
+
+#define PIXMORPH_VEC_OP(op) _mm512_##op
+#define PIXMORPH_VEC_BITOP(op) _mm512_##op##_si512
+#include "foundation/simd/vec_ops.inc.h"
+
+static inline Vec Min8u(Vec a, Vec b) { return {_mm512_min_epu8(a.v, b.v)}; }
+// Takes b where the top bit of the mask byte is set.
+static inline Vec Blend8(Vec a, Vec b, Vec mask) {
+    return {_mm512_mask_blend_epi8(_mm512_movepi8_mask(mask.v), a.v, b.v)};
+}
+static inline Vec FixPack(Vec a) {
+    return {_mm512_permutexvar_epi64(_mm512_setr_epi64(0, 2, 4, 6, 1, 3, 5, 7), a.v)};
+}
+static inline Vec PreUnpack(Vec a) {
+    return {_mm512_permutexvar_epi64(_mm512_setr_epi64(0, 4, 1, 5, 2, 6, 3, 7), a.v)};
+}
+static inline void FixUnpack(Vec& low, Vec& high) {
+    const __m512i first = _mm512_permutex2var_epi64(low.v, _mm512_setr_epi64(0, 1, 8, 9, 2, 3, 10, 11), high.v);
+    high.v = _mm512_permutex2var_epi64(low.v, _mm512_setr_epi64(4, 5, 12, 13, 6, 7, 14, 15), high.v);
+    low.v = first;
+}
+static inline bool AllZero(Vec a) { return _mm512_test_epi32_mask(a.v, a.v) == 0; }
+
+}  // namespace KorvaneSoftware::PIXMORPH_SIMD

@@ -1,0 +1,99 @@
+// Block copies and fills over registers of any width.
+#include "foundation/x86/block_ops_x86.h"
+
+namespace KorvaneSoftware {
+namespace PIXMORPH_SIMD {
+
+// Below this a block is not worth aligning for non-temporal stores.
+constexpr std::size_t kSmallestStream = 8 * kVecBytes;
+
+static inline std::size_t BytesToAlignment(const void* p) {
+    return (kVecBytes - (reinterpret_cast<std::uintptr_t>(p) & (kVecBytes - 1))) & (kVecBytes - 1);
+}
+
+static void CopyBytes(std::uint8_t* dst, const std::uint8_t* src, std::size_t count) {
+    if (count < kVecBytes) {
+        for (std::size_t i = 0; i < count; ++i) dst[i] = src[i];
+        return;
+    }
+    std::size_t i = 0;
+    for (; i + kVecBytes <= count; i += kVecBytes) Store(dst + i, Load(src + i));
+    if (i < count) Store(dst + count - kVecBytes, Load(src + count - kVecBytes));
+}
+
+static void CopyStreamed(std::uint8_t* dst, const std::uint8_t* src, std::size_t count) {
+    if (count < kSmallestStream) {
+        CopyBytes(dst, src, count);
+        return;
+    }
+    Store(dst, Load(src));
+    std::size_t i = BytesToAlignment(dst);
+    for (; i + 4 * kVecBytes <= count; i += 4 * kVecBytes) {
+        const Vec a = Load(src + i);
+        const Vec b = Load(src + i + kVecBytes);
+        const Vec c = Load(src + i + 2 * kVecBytes);
+        const Vec d = Load(src + i + 3 * kVecBytes);
+        Stream(dst + i, a);
+        Stream(dst + i + kVecBytes, b);
+        Stream(dst + i + 2 * kVecBytes, c);
+        Stream(dst + i + 3 * kVecBytes, d);
+    }
+    StreamFence();
+    CopyBytes(dst + i, src + i, count - i);
+}
+
+// Fills `bytes` bytes with a pattern of kVecBytes whose phase starts at `dst`; `pattern` repeats every 4 bytes.
+static void FillPattern(std::uint8_t* dst, std::size_t bytes, std::uint32_t pattern) {
+    const Vec value = Set32(static_cast<int>(pattern));
+    if (bytes < kVecBytes) {
+        for (std::size_t i = 0; i < bytes; ++i) dst[i] = static_cast<std::uint8_t>(pattern >> (8 * (i & 3)));
+        return;
+    }
+    std::size_t i = 0;
+    for (; i + kVecBytes <= bytes; i += kVecBytes) Store(dst + i, value);
+    for (; i < bytes; ++i) dst[i] = static_cast<std::uint8_t>(pattern >> (8 * (i & 3)));
+}
+
+static void FillPatternStreamed(std::uint8_t* dst, std::size_t bytes, std::uint32_t pattern) {
+    if (bytes < kSmallestStream) {
+        FillPattern(dst, bytes, pattern);
+        return;
+    }
+    const std::size_t head = BytesToAlignment(dst);
+    Store(dst, Set32(static_cast<int>(pattern)));
+    // The phase of the pattern at the first aligned byte.
+    const int rotation = 8 * static_cast<int>(head & 3);
+    const std::uint32_t rotated = rotation == 0 ? pattern : (pattern >> rotation) | (pattern << (32 - rotation));
+    const Vec value = Set32(static_cast<int>(rotated));
+    std::size_t i = head;
+    for (; i + kVecBytes <= bytes; i += kVecBytes) Stream(dst + i, value);
+    StreamFence();
+    FillPattern(dst + i, bytes - i, rotated);
+}
+
+static inline std::uint32_t Repeat(std::uint8_t value) { return value * 0x01010101u; }
+static inline std::uint32_t Repeat(std::uint16_t value) { return value * 0x00010001u; }
+static inline std::uint32_t Repeat(std::uint32_t value) { return value; }
+
+}  // namespace PIXMORPH_SIMD
+
+void PIXMORPH_SIMD_NAME(CopyStreaming)(std::uint8_t* dst, const std::uint8_t* src, std::size_t count) {
+    PIXMORPH_SIMD::CopyStreamed(dst, src, count);
+}
+void PIXMORPH_SIMD_NAME(FillBytesStreaming)(std::uint8_t* dst, std::size_t count, std::uint8_t value) {
+    PIXMORPH_SIMD::FillPatternStreamed(dst, count, PIXMORPH_SIMD::Repeat(value));
+}
+void PIXMORPH_SIMD_NAME(FillWordsStreaming)(std::uint16_t* dst, std::size_t count, std::uint16_t value) {
+    PIXMORPH_SIMD::FillPatternStreamed(reinterpret_cast<std::uint8_t*>(dst), count * 2, PIXMORPH_SIMD::Repeat(value));
+}
+void PIXMORPH_SIMD_NAME(FillDwordsStreaming)(std::uint32_t* dst, std::size_t count, std::uint32_t value) {
+    PIXMORPH_SIMD::FillPatternStreamed(reinterpret_cast<std::uint8_t*>(dst), count * 4, PIXMORPH_SIMD::Repeat(value));
+}
+void PIXMORPH_SIMD_NAME(FillWordsCached)(std::uint16_t* dst, std::size_t count, std::uint16_t value) {
+    PIXMORPH_SIMD::FillPattern(reinterpret_cast<std::uint8_t*>(dst), count * 2, PIXMORPH_SIMD::Repeat(value));
+}
+void PIXMORPH_SIMD_NAME(FillDwordsCached)(std::uint32_t* dst, std::size_t count, std::uint32_t value) {
+    PIXMORPH_SIMD::FillPattern(reinterpret_cast<std::uint8_t*>(dst), count * 4, PIXMORPH_SIMD::Repeat(value));
+}
+
+}  // namespace KorvaneSoftware

@@ -1,0 +1,3 @@
+#include "foundation/simd/vec_sse41.h"
+
+#include "foundation/x86/block_ops.inc.h"
