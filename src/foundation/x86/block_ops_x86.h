@@ -20,4 +20,11 @@ void FillWordsStreaming_Avx2(std::uint16_t* dst, std::size_t count, std::uint16_
 void FillDwordsCached_Avx2(std::uint32_t* dst, std::size_t count, std::uint32_t value);
 void FillDwordsStreaming_Avx2(std::uint32_t* dst, std::size_t count, std::uint32_t value);
 
+void CopyStreaming_Avx512(std::uint8_t* dst, const std::uint8_t* src, std::size_t count);
+void FillBytesStreaming_Avx512(std::uint8_t* dst, std::size_t count, std::uint8_t value);
+void FillWordsCached_Avx512(std::uint16_t* dst, std::size_t count, std::uint16_t value);
+void FillWordsStreaming_Avx512(std::uint16_t* dst, std::size_t count, std::uint16_t value);
+void FillDwordsCached_Avx512(std::uint32_t* dst, std::size_t count, std::uint32_t value);
+void FillDwordsStreaming_Avx512(std::uint32_t* dst, std::size_t count, std::uint32_t value);
+
 }  // namespace KorvaneSoftware
