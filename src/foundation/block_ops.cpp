@@ -25,30 +25,32 @@ constexpr CopySlot::Entry kCopyStreamingRows[] = {
     {FEATURES_PLAIN, Copy_Plain, "CopyStreaming_Plain"},
     {FEATURES_SSE41, CopyStreaming_Sse41, "CopyStreaming_Sse41"},
     {FEATURES_AVX2, CopyStreaming_Avx2, "CopyStreaming_Avx2"},
+    {FEATURES_AVX512BW, CopyStreaming_Avx512, "CopyStreaming_Avx512"},
 };
 constexpr FillBytesSlot::Entry kFillBytesCachedRows[] = {{FEATURES_PLAIN, FillBytes_Plain, "FillBytesCached_Plain"}};
 constexpr FillBytesSlot::Entry kFillBytesStreamingRows[] = {
     {FEATURES_PLAIN, FillBytes_Plain, "FillBytesStreaming_Plain"},
     {FEATURES_SSE41, FillBytesStreaming_Sse41, "FillBytesStreaming_Sse41"},
     {FEATURES_AVX2, FillBytesStreaming_Avx2, "FillBytesStreaming_Avx2"},
+    {FEATURES_AVX512BW, FillBytesStreaming_Avx512, "FillBytesStreaming_Avx512"},
 };
 constexpr FillWordsSlot::Entry kFillWordsCachedRows[] = {
     {FEATURES_PLAIN, Fill_Plain<std::uint16_t>, "FillWordsCached_Plain"},
-    {FEATURES_AVX2, FillWordsCached_Avx2, "FillWordsCached_Avx2"},
 };
 constexpr FillWordsSlot::Entry kFillWordsStreamingRows[] = {
     {FEATURES_PLAIN, Fill_Plain<std::uint16_t>, "FillWordsStreaming_Plain"},
     {FEATURES_SSE41, FillWordsStreaming_Sse41, "FillWordsStreaming_Sse41"},
     {FEATURES_AVX2, FillWordsStreaming_Avx2, "FillWordsStreaming_Avx2"},
+    {FEATURES_AVX512BW, FillWordsStreaming_Avx512, "FillWordsStreaming_Avx512"},
 };
 constexpr FillDwordsSlot::Entry kFillDwordsCachedRows[] = {
     {FEATURES_PLAIN, Fill_Plain<std::uint32_t>, "FillDwordsCached_Plain"},
-    {FEATURES_AVX2, FillDwordsCached_Avx2, "FillDwordsCached_Avx2"},
 };
 constexpr FillDwordsSlot::Entry kFillDwordsStreamingRows[] = {
     {FEATURES_PLAIN, Fill_Plain<std::uint32_t>, "FillDwordsStreaming_Plain"},
     {FEATURES_SSE41, FillDwordsStreaming_Sse41, "FillDwordsStreaming_Sse41"},
     {FEATURES_AVX2, FillDwordsStreaming_Avx2, "FillDwordsStreaming_Avx2"},
+    {FEATURES_AVX512BW, FillDwordsStreaming_Avx512, "FillDwordsStreaming_Avx512"},
 };
 
 }  // namespace

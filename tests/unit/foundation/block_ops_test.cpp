@@ -62,15 +62,9 @@ void TestFill(Status (*fill)(void*, std::size_t, Word) noexcept, Word value) {
     }
 }
 
-TEST(FillBytesSized, FillsAnyRun) {
-    TestFill<std::uint8_t>(FillBytesSized, 0xC3);
-}
-TEST(FillWordsSized, FillsAnyRun) {
-    TestFill<std::uint16_t>(FillWordsSized, 0x1280);
-}
-TEST(FillDwordsSized, FillsAnyRun) {
-    TestFill<std::uint32_t>(FillDwordsSized, 0x12345680);
-}
+TEST(FillBytesSized, FillsAnyRun) { TestFill<std::uint8_t>(FillBytesSized, 0xC3); }
+TEST(FillWordsSized, FillsAnyRun) { TestFill<std::uint16_t>(FillWordsSized, 0x1280); }
+TEST(FillDwordsSized, FillsAnyRun) { TestFill<std::uint32_t>(FillDwordsSized, 0x12345680); }
 
 TEST(CopySized, CopiesAnyRun) {
     std::vector<std::uint8_t> source(GetCacheSize() / 4 + 1000);
@@ -125,9 +119,7 @@ TEST(BlockOps, NullPointersFail) {
     EXPECT_EQ(bytes[3], 4);
 }
 
-TEST(CachedCountLimit, IsAQuarterOfTheLevel2Cache) {
-    EXPECT_EQ(CachedCountLimit(), GetCacheSize() / 4);
-}
+TEST(CachedCountLimit, IsAQuarterOfTheLevel2Cache) { EXPECT_EQ(CachedCountLimit(), GetCacheSize() / 4); }
 
 // A slot that was sent back to its resolver has left it again only when it was called.
 TEST(SizedForms, SwitchBehindTheLimit) {

@@ -14,9 +14,7 @@ using namespace KorvaneSoftware;
 
 std::vector<std::string> g_lines;
 
-void Collect(const char* text) {
-    g_lines.emplace_back(text);
-}
+void Collect(const char* text) { g_lines.emplace_back(text); }
 
 TEST(DebugOutput, GoesToTheSink) {
     g_lines.clear();

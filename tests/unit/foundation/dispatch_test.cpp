@@ -19,18 +19,10 @@ using namespace KorvaneSoftware;
 using pixmorph_test::FeatureLevels;
 using pixmorph_test::RestrictedFeatures;
 
-int Plain(int value) {
-    return value + 1000;
-}
-int Second(int value) {
-    return value + 2000;
-}
-int Third(int value) {
-    return value + 3000;
-}
-int Last(int value) {
-    return value + 4000;
-}
+int Plain(int value) { return value + 1000; }
+int Second(int value) { return value + 2000; }
+int Third(int value) { return value + 3000; }
+int Last(int value) { return value + 4000; }
 
 using Slot = DispatchSlot<int(int)>;
 

@@ -7,12 +7,8 @@
 #include "foundation/aligned_memory.h"
 
 // Sanitizers would end the program where an allocation is refused.
-extern "C" const char* __asan_default_options() {
-    return "allocator_may_return_null=1";
-}
-extern "C" const char* __tsan_default_options() {
-    return "allocator_may_return_null=1";
-}
+extern "C" const char* __asan_default_options() { return "allocator_may_return_null=1"; }
+extern "C" const char* __tsan_default_options() { return "allocator_may_return_null=1"; }
 
 namespace {
 
@@ -87,9 +83,7 @@ TEST(AlignedAlloc16, CountsWords) {
     EXPECT_EQ(AlignedAlloc16(SIZE_MAX / 2), nullptr);
 }
 
-TEST(AlignedFree, IgnoresNull) {
-    AlignedFree(nullptr);
-}
+TEST(AlignedFree, IgnoresNull) { AlignedFree(nullptr); }
 
 TEST(AlignedBuffer, StartsEmpty) {
     const AlignedBuffer buffer;
