@@ -2,12 +2,14 @@
 
 #include "component/com_object.h"
 #include "component/copy_memory.h"
+#include "component/pixmorph.h"
 
 namespace KorvaneSoftware {
 
 namespace {
 
 constexpr ComponentClass kClasses[] = {
+    {&CLSID_Pixmorph, "Pixmorph", &CreateComponent<CPixmorph>},
     {&CLSID_CopyMemory, "CopyMemory", &CreateComponent<CCopyMemory>},
 };
 
