@@ -13,10 +13,10 @@
 //   };
 #pragma once
 
+#include <pixmorph/pixmorph.h>
 #include <atomic>
 #include <cstdint>
 #include <new>
-#include <pixmorph/pixmorph.h>
 #include <span>
 
 #include "foundation/status.h"
@@ -29,8 +29,8 @@ void UnlockModule();
 /// Whether anything is alive.
 bool IsModuleLocked();
 
-/// One interface of a class: its identifier and either a cast from the object to it, or a function that answers the query
-/// in the object's place.
+/// One interface of a class: its identifier and either a cast from the object to it, or a function that answers the
+/// query in the object's place.
 struct InterfaceEntry {
     const GUID* iid;
     IUnknown* (*cast)(void* self);

@@ -6,8 +6,8 @@ namespace KorvaneSoftware {
 
 namespace {
 
-/// Makes objects of one class. Class objects are part of the module and live as long as it: a reference to one is counted
-/// as a lock on the module.
+/// Makes objects of one class. Class objects are part of the module and live as long as it: a reference to one is
+/// counted as a lock on the module.
 class CClassFactory final : public IClassFactory {
 public:
     constexpr CClassFactory() = default;

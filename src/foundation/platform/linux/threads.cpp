@@ -1,5 +1,5 @@
-// Events and threads over POSIX. Thread priorities are not offered by ordinary Linux scheduling: every thread is at level
-// 0, and setting a level succeeds without effect.
+// Events and threads over POSIX. Thread priorities are not offered by ordinary Linux scheduling: every thread is at
+// level 0, and setting a level succeeds without effect.
 #include <pthread.h>
 #include <sched.h>
 
