@@ -3,6 +3,8 @@
 #include "component/com_object.h"
 #include "component/copy_memory.h"
 #include "component/pixmorph.h"
+#include "component/title_mixer.h"
+#include "component/y16a_rle_compressor.h"
 
 namespace KorvaneSoftware {
 
@@ -11,10 +13,16 @@ namespace {
 constexpr ComponentClass kClasses[] = {
     {&CLSID_Pixmorph, "Pixmorph", &CreateComponent<CPixmorph>},
     {&CLSID_CopyMemory, "CopyMemory", &CreateComponent<CCopyMemory>},
+    {&CLSID_TitleMixer, "TitleMixer", &CreateComponent<CTitleMixer>},
+    {&CLSID_TitleMixer2, "TitleMixer2", &CreateComponent<CTitleMixer2>},
+    {&CLSID_TitleMixer3, "TitleMixer3", &CreateComponent<CTitleMixer3>},
+    {&CLSID_Y16ARLECompressor, "Y16ARLECompressor", &CreateComponent<CY16ARLECompressor>},
 };
 
 }  // namespace
 
-std::span<const ComponentClass> ComponentClasses() { return kClasses; }
+std::span<const ComponentClass> ComponentClasses() {
+    return kClasses;
+}
 
 }  // namespace KorvaneSoftware
