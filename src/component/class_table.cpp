@@ -2,6 +2,9 @@
 
 #include "component/com_object.h"
 #include "component/copy_memory.h"
+#include "component/deinterlace_maker.h"
+#include "component/video_deinterlacer.h"
+#include "component/video_interpolation.h"
 
 namespace KorvaneSoftware {
 
@@ -9,6 +12,9 @@ namespace {
 
 constexpr ComponentClass kClasses[] = {
     {&CLSID_CopyMemory, "CopyMemory", &CreateComponent<CCopyMemory>},
+    {&CLSID_DeinterlaceMaker, "DeinterlaceMaker", &CreateComponent<CDeinterlaceMaker>},
+    {&CLSID_VideoInterpolation, "VideoInterpolation", &CreateComponent<CVideoInterpolation>},
+    {&CLSID_VideoDeinterlacer, "VideoDeinterlacer", &CreateComponent<CVideoDeinterlacer>},
 };
 
 }  // namespace
