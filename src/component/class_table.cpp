@@ -3,6 +3,7 @@
 #include "component/com_object.h"
 #include "component/copy_memory.h"
 #include "component/deinterlace_maker.h"
+#include "component/pixmorph.h"
 #include "component/video_deinterlacer.h"
 #include "component/video_interpolation.h"
 
@@ -11,6 +12,7 @@ namespace KorvaneSoftware {
 namespace {
 
 constexpr ComponentClass kClasses[] = {
+    {&CLSID_Pixmorph, "Pixmorph", &CreateComponent<CPixmorph>},
     {&CLSID_CopyMemory, "CopyMemory", &CreateComponent<CCopyMemory>},
     {&CLSID_DeinterlaceMaker, "DeinterlaceMaker", &CreateComponent<CDeinterlaceMaker>},
     {&CLSID_VideoInterpolation, "VideoInterpolation", &CreateComponent<CVideoInterpolation>},

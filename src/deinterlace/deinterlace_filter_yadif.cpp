@@ -2,7 +2,8 @@
 
 #include <algorithm>
 
-#include "foundation/block_ops.h"
+#include "convert/conversion_dispatch.h"
+#include "convert/copy_image.h"
 
 namespace KorvaneSoftware {
 
@@ -59,18 +60,6 @@ Status PlaceImage(ImageDescriptor& image, AlignedBuffer& buffer) {
     std::fill(std::begin(image.planes), std::end(image.planes), nullptr);
     std::fill(std::begin(image.strides), std::end(image.strides), 0);
     return ImageSetPlanes(&image, buffer.Data(), static_cast<std::int64_t>(ImageAlign(rowBytes, kRowAlignment)));
-}
-
-// Copies a frame into the history, which has its format and size.
-Status CopyFrame(const ImageDescriptor& dst, ImageDescriptor src) {
-    if (const Status status = ImageCompletePlanes(&src); status != IMG_OK) return status;
-    for (std::uint32_t plane = 0; plane < ImagePlaneCount(&dst); ++plane) {
-        const std::uint64_t rowBytes = ImagePlaneRowBytes(&dst, plane);
-        for (std::int64_t row = 0; row < std::int64_t{ImagePlaneHeight(&dst, plane)}; ++row)
-            CopyCached(dst.planes[plane] + row * dst.strides[plane], src.planes[plane] + row * src.strides[plane],
-                       rowBytes);
-    }
-    return IMG_OK;
 }
 
 std::uint32_t ParityOf(std::uint32_t fieldIntact, std::uint32_t structure) {
@@ -150,7 +139,8 @@ Status CDeinterlaceFilterYADIF::SetSourceFrame(const ImageDescriptor& source, st
         FrameSlot& slot = SlotOf(frameCount_);
         if (const Status status = PlaceImage(image, slot.buffer); status != IMG_OK) return status;
         slot.image = image;
-        const Status status = source.format == image.format ? CopyFrame(slot.image, source) : IMG_E_UNSUPPORTED;
+        const Status status =
+            source.format == image.format ? CopyImage(&slot.image, &source) : ConvertToUYVY(&slot.image, &source);
         if (status == IMG_OK) ++frameCount_;
         return status;
     });
@@ -244,7 +234,10 @@ Status CDeinterlaceFilterYADIF::GetFrame(const ImageDescriptor& image, std::uint
         if (image.planes[0] == nullptr) return IMG_E_NULL_ARG;
         const std::uint32_t parity = ParityOf(fieldIntact, structure_);
         if (image.format == shown.format) return RunBands(image, parity);
-        return IMG_E_UNSUPPORTED;
+        temporary_.image = shown;
+        if (const Status status = PlaceImage(temporary_.image, temporary_.buffer); status != IMG_OK) return status;
+        if (const Status status = RunBands(temporary_.image, parity); status != IMG_OK) return status;
+        return ImageConversionDispatch(&image, &temporary_.image);
     });
 }
 
