@@ -119,12 +119,12 @@ Sample Scene::At(double x, double y, double time) const {
     const auto column = static_cast<std::uint32_t>(x + 3 * time) % kTextureSide;
     const auto row = static_cast<std::uint32_t>(y) % kTextureSide;
     Sample sample = {110 + texture_[row * kTextureSide + column],
-                     static_cast<float>(128 + 30 * std::sin((x + 3 * time) * 2 * std::numbers::pi / 1024)),
-                     static_cast<float>(128 + 25 * std::sin(y * 2 * std::numbers::pi / height))};
+                     static_cast<float>(128 + 12 * std::sin((x + 3 * time) * 2 * std::numbers::pi / 1024)),
+                     static_cast<float>(128 + 10 * std::sin(y * 2 * std::numbers::pi / height))};
 
     // A fence of upright pickets that runs to the right and comes in again on the left.
     const double unit = width / 240;
-    const double fence = x - std::fmod(9 * time, width + 120 * unit) + 120 * unit;
+    const double fence = x - std::fmod(9 * time + width * 0.6, width + 120 * unit) + 120 * unit;
     if (y >= height * 0.42 && y < height * 0.62 && fence >= 0 && fence < 120 * unit &&
         std::fmod(fence, 6 * unit) < 3 * unit)
         sample = {30, 128, 128};
