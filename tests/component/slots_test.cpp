@@ -147,16 +147,17 @@ TEST(Slots, Yuv420Planar) {
         kInvalidArgument);
 }
 
-// An opaque layer is its own premultiplied form.
+// An opaque layer and its premultiplied form, colour * 255 * 256 >> 16.
 const Bytes kOpaque = {10, 20, 30, 255, 40, 50, 60, 255};
+const Bytes kPremultiplied = {9, 19, 29, 255, 39, 49, 59, 255};
 
 void ExpectFirstTitleSlots(const Object& object) {
     Bytes title(8);
     EXPECT_EQ(object.Call<Result>(3, title.data(), kOpaque.data(), 2u, 1u, 8, 8, 255u), kOk);
-    EXPECT_EQ(title, kOpaque);
+    EXPECT_EQ(title, kPremultiplied);
     const Bytes other = {1, 1, 1, 255, 1, 1, 1, 255};
     EXPECT_EQ(object.Call<Result>(4, title.data(), other.data(), 2u, 1u, 8, 8, 255u), kOk);
-    EXPECT_EQ(title, kOpaque) << "nothing shows through an opaque title";
+    EXPECT_EQ(title, kPremultiplied) << "nothing shows through an opaque title";
     EXPECT_EQ(object.Call<Result>(5, static_cast<void*>(nullptr), static_cast<void*>(nullptr), 16u, 1u, 64,
                                   static_cast<void*>(nullptr)),
               kOk);
@@ -182,17 +183,17 @@ TEST(Slots, TitleMixer2) {
 void ExpectImageSlots(const Object& object) {
     Bytes title(8);
     EXPECT_EQ(object.Call<Result>(6, title.data(), kOpaque.data(), 2u, 1u, 8, 8, 255u, 8u), kOk);
-    EXPECT_EQ(title, kOpaque);
+    EXPECT_EQ(title, kPremultiplied);
     Bytes plain(8);
     EXPECT_EQ(object.Call<Result>(7, plain.data(), kOpaque.data(), 2u, 1u, 8, 8, 255u, 8u), kOk);
     EXPECT_EQ(plain, kOpaque);
     EXPECT_EQ(object.Call<Result>(7, plain.data(), kOpaque.data(), 2u, 1u, 8, 8, 255u, 7u), kFail);
     EXPECT_EQ(object.Call<Result>(8, title.data(), kUyvy.data(), 2u, 1u, 8, 8, 255u, 0u), kOk);
-    EXPECT_EQ(title, kOpaque);
+    EXPECT_EQ(title, kPremultiplied);
     EXPECT_EQ(object.Call<Result>(9, title.data(), title.data(), 2u, 1u, 8, 8, 255u, 8u), kFail);
     Bytes image(8);
     EXPECT_EQ(object.Call<Result>(10, image.data(), title.data(), 2u, 1u, 8, 8, 8u), kOk);
-    EXPECT_EQ(image, kOpaque);
+    EXPECT_EQ(image, kPremultiplied);
     EXPECT_EQ(object.Call<Result>(10, image.data(), title.data(), 2u, 1u, 8, 8, 7u), kFail);
 }
 
@@ -239,21 +240,22 @@ TEST(Slots, Y16ARLECompressor) {
 
 TEST(Slots, DeinterlaceMaker) {
     const Object object = Make("DeinterlaceMaker", "IDeinterlaceMaker");
-    // The alpha forms carry the fields' alpha into the lines of the present field: even lines for the lower field's
-    // restoration, odd lines for the upper's. The picture is bottom-up.
-    Bytes field(48, 128);
+    // Two field lines with alphas 77 and 33 make four picture lines, bottom-up: each method has its own pattern of
+    // present, copied and rebuilt lines. A rebuilt line has alpha 0, or the mean (77 + 33) / 2 in the alpha forms.
+    Bytes field(96, 128);
     std::fill(field.begin() + 16, field.begin() + 32, std::uint8_t{77});
+    std::fill(field.begin() + 64, field.begin() + 80, std::uint8_t{33});
     const auto alphas = [&](std::size_t slot) {
-        Bytes target(128, 1);
-        EXPECT_EQ(object.Call<Result>(slot, target.data(), field.data(), field.data(), field.data(), 16u, 1u, 64, 48,
+        Bytes target(256, 1);
+        EXPECT_EQ(object.Call<Result>(slot, target.data(), field.data(), field.data(), field.data(), 16u, 2u, 64, 48,
                                       10u, 20u),
                   kOk);
-        return std::vector<int>{target[3], target[67]};
+        return std::vector<int>{target[195], target[131], target[67], target[3]};
     };
-    EXPECT_EQ(alphas(3), (std::vector<int>{0, 255}));
-    EXPECT_EQ(alphas(4), (std::vector<int>{255, 0}));
-    EXPECT_EQ(alphas(5)[1], 77);
-    EXPECT_EQ(alphas(6)[0], 77);
+    EXPECT_EQ(alphas(3), (std::vector<int>{255, 0, 255, 255}));
+    EXPECT_EQ(alphas(4), (std::vector<int>{255, 255, 0, 255}));
+    EXPECT_EQ(alphas(5), (std::vector<int>{77, 55, 33, 33}));
+    EXPECT_EQ(alphas(6), (std::vector<int>{77, 77, 55, 33}));
 }
 
 TEST(Slots, VideoInterpolation) {
