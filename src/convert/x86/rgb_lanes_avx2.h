@@ -47,4 +47,9 @@ static inline void JoinGroups12(Vec a, Vec b, Vec c, Vec d, Vec (&out)[3]) {
     out[2].v = _mm256_blend_epi32(c.v, d.v, 0xFC);
 }
 
+static inline void OrderSites(Vec first, Vec second, Vec& u, Vec& v) {
+    u.v = _mm256_blend_epi16(first.v, _mm256_slli_epi32(second.v, 16), 0xAA);
+    v.v = _mm256_blend_epi16(_mm256_srli_epi32(first.v, 16), second.v, 0xAA);
+}
+
 }  // namespace KorvaneSoftware::PIXMORPH_SIMD

@@ -49,4 +49,11 @@ static inline void JoinGroups12(Vec a, Vec b, Vec c, Vec d, Vec (&out)[3]) {
         c.v, _mm512_setr_epi32(10, 12, 13, 14, 16, 17, 18, 20, 21, 22, 24, 25, 26, 28, 29, 30), d.v);
 }
 
+static inline void OrderSites(Vec first, Vec second, Vec& u, Vec& v) {
+    // Words of each pair of words exchanged, and merged in by a mask: one instruction instead of a shift and a blend.
+    const __m512i exchange = _mm512_set4_epi32(0x0D0C0F0E, 0x09080B0A, 0x05040706, 0x01000302);
+    u.v = _mm512_mask_shuffle_epi8(first.v, 0xCCCCCCCCCCCCCCCC, second.v, exchange);
+    v.v = _mm512_mask_shuffle_epi8(second.v, 0x3333333333333333, first.v, exchange);
+}
+
 }  // namespace KorvaneSoftware::PIXMORPH_SIMD

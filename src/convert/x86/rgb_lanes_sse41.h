@@ -38,4 +38,11 @@ static inline void JoinGroups12(Vec a, Vec b, Vec c, Vec d, Vec (&out)[3]) {
     out[2].v = _mm_or_si128(_mm_srli_si128(c.v, 8), _mm_slli_si128(d.v, 4));
 }
 
+/// From words first = U, V, U, V... at the first pixels of pairs and second = U, V... at the second ones: the U and the
+/// V of all pixels in order.
+static inline void OrderSites(Vec first, Vec second, Vec& u, Vec& v) {
+    u.v = _mm_blend_epi16(first.v, _mm_slli_epi32(second.v, 16), 0xAA);
+    v.v = _mm_blend_epi16(_mm_srli_epi32(first.v, 16), second.v, 0xAA);
+}
+
 }  // namespace KorvaneSoftware::PIXMORPH_SIMD

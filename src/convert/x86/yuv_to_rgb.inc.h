@@ -15,34 +15,24 @@ struct LumaWords {
     Vec low, high;
 };
 
-/// 8.8 words of chroma, one per pixel pair: the pairs of a step, and the pairs that follow each of them.
-struct PairWords {
-    Vec u, v, nextU, nextV;
-};
-
-/// 8.8 words of chroma at the first and at the second pixel of each pair.
-struct SitedWords {
-    Vec firstU, secondU, firstV, secondV;
+/// 8.8 words of chroma at the pixels of those registers.
+struct ChromaWords {
+    Vec lowU, highU, lowV, highV;
 };
 
 // Means of 8.8 words that come from bytes are exact, and so are means of two such means: the rounding of the average
 // instruction never shows.
-static inline SitedWords Interpolate(const PairWords& c) {
-    return {c.u, Avg16(c.u, c.nextU), c.v, Avg16(c.v, c.nextV)};
+static inline ChromaWords Mean(const ChromaWords& a, const ChromaWords& b) {
+    return {Avg16(a.lowU, b.lowU), Avg16(a.highU, b.highU), Avg16(a.lowV, b.lowV), Avg16(a.highV, b.highV)};
 }
 
-static inline SitedWords Mean(const SitedWords& a, const SitedWords& b) {
-    return {Avg16(a.firstU, b.firstU), Avg16(a.secondU, b.secondU), Avg16(a.firstV, b.firstV),
-            Avg16(a.secondV, b.secondV)};
+/// Chroma at all pixels from a word for each pixel pair, and the word of the pair that follows.
+static inline ChromaWords Interpolate(Vec u, Vec v, Vec nextU, Vec nextV) {
+    const Vec secondU = Avg16(u, nextU), secondV = Avg16(v, nextV);
+    return {UnpackLow16(u, secondU), UnpackHigh16(u, secondU), UnpackLow16(v, secondV), UnpackHigh16(v, secondV)};
 }
 
 static inline LumaWords WidenLuma(Vec bytes) { return {UnpackLow8(Zero(), bytes), UnpackHigh8(Zero(), bytes)}; }
-
-/// Words of U and V from bytes U, V, U, V..., and from those one pair on.
-static inline PairWords SplitPairs(Vec pairs, Vec next) {
-    const Vec high = Set16(0xFF00);
-    return {ShiftLeft16<8>(pairs), And(pairs, high), ShiftLeft16<8>(next), And(next, high)};
-}
 
 /// The register `Bytes` on in memory, where the last `Bytes` bytes of a line are repeated behind it.
 template <int Bytes>
@@ -67,17 +57,17 @@ struct PackedSource {
         return {LumaOf(Load(p)), LumaOf(Load(p + kVecBytes))};
     }
     template <bool kLast>
-    static inline PairWords Chroma(const SampleLine& line, std::size_t x) {
+    static inline ChromaWords Chroma(const SampleLine& line, std::size_t x) {
         const std::uint8_t* const p = line.plane[0] + 2 * x;
         const std::uint8_t* const second = p + kVecBytes;
-        const Vec pairs = ChromaOf(Load(p), Load(second));
-        Vec afterSecond;
+        Vec behind;
         if constexpr (kLast)
-            afterSecond = NextAtEnd<4>(second);
+            behind = NextAtEnd<4>(second);
         else
-            afterSecond = Load(second + 4);
-        const PairWords words = SplitPairs(pairs, ChromaOf(Load(p + 4), afterSecond));
-        if constexpr (kVFirst) return {words.v, words.u, words.nextV, words.nextU};
+            behind = Load(second + 4);
+        ChromaWords words;
+        SitesOf(Load(p), Load(p + 4), words.lowU, words.lowV);
+        SitesOf(Load(second), behind, words.highU, words.highV);
         return words;
     }
 
@@ -88,13 +78,19 @@ private:
         else
             return ShiftLeft16<8>(a);
     }
-    static inline Vec ChromaOf(Vec a, Vec b) {
-        if constexpr (kLuma == 1) {
-            const Vec low = Set16(0x00FF);
-            return Pack16To8u(And(a, low), And(b, low));
-        } else {
-            return Pack16To8u(ShiftRight16u<8>(a), ShiftRight16u<8>(b));
-        }
+    static inline Vec ChromaOf(Vec a) {
+        if constexpr (kLuma == 1)
+            return ShiftLeft16<8>(a);
+        else
+            return And(a, Set16(0xFF00));
+    }
+    static inline void SitesOf(Vec pairs, Vec next, Vec& u, Vec& v) {
+        const Vec first = ChromaOf(pairs);
+        const Vec second = Avg16(first, ChromaOf(next));
+        if constexpr (kVFirst)
+            OrderSites(first, second, v, u);
+        else
+            OrderSites(first, second, u, v);
     }
 };
 using UyvySource = PackedSource<1, false>;
@@ -107,10 +103,10 @@ struct PlanarSource {
 
     static inline LumaWords Luma(const SampleLine& line, std::size_t x) { return WidenLuma(Load(line.plane[0] + x)); }
     template <bool kLast>
-    static inline PairWords Chroma(const SampleLine& line, std::size_t x) {
+    static inline ChromaWords Chroma(const SampleLine& line, std::size_t x) {
         const std::uint8_t* const u = line.plane[1] + x / 2;
         const std::uint8_t* const v = line.plane[2] + x / 2;
-        return {Widen(LoadWiden8(u)), Widen(LoadWiden8(v)), Next<kLast>(u), Next<kLast>(v)};
+        return Interpolate(Widen(LoadWiden8(u)), Widen(LoadWiden8(v)), Next<kLast>(u), Next<kLast>(v));
     }
 
 private:
@@ -134,12 +130,16 @@ struct SemiPlanarSource {
 
     static inline LumaWords Luma(const SampleLine& line, std::size_t x) { return WidenLuma(Load(line.plane[0] + x)); }
     template <bool kLast>
-    static inline PairWords Chroma(const SampleLine& line, std::size_t x) {
+    static inline ChromaWords Chroma(const SampleLine& line, std::size_t x) {
         const std::uint8_t* const p = line.plane[1] + x;
+        const Vec pairs = Load(p);
+        Vec next;
         if constexpr (kLast)
-            return SplitPairs(Load(p), NextAtEnd<2>(p));
+            next = NextAtEnd<2>(p);
         else
-            return SplitPairs(Load(p), Load(p + 2));
+            next = Load(p + 2);
+        const Vec high = Set16(0xFF00);
+        return Interpolate(ShiftLeft16<8>(pairs), And(pairs, high), ShiftLeft16<8>(next), And(next, high));
     }
 };
 
@@ -160,7 +160,7 @@ struct BlockSource {
         return GatherLanes(BlockAt(line, x) + 16, kBlockBytes);
     }
     template <bool kLast>
-    static inline PairWords Chroma(const SampleLine& line, std::size_t x) {
+    static inline ChromaWords Chroma(const SampleLine& line, std::size_t x) {
         const std::uint8_t* const p = BlockAt(line, x) + kChroma;
         const Vec chroma = GatherLanes(p, kBlockBytes);
         Vec behind;
@@ -177,8 +177,8 @@ struct BlockSource {
         }
         const LumaWords words = WidenLuma(chroma);
         const LumaWords wordsBehind = WidenLuma(behind);
-        return {words.low, words.high, AlignRight<2>(wordsBehind.low, words.low),
-                AlignRight<2>(wordsBehind.high, words.high)};
+        return Interpolate(words.low, words.high, AlignRight<2>(wordsBehind.low, words.low),
+                           AlignRight<2>(wordsBehind.high, words.high));
     }
 };
 using Y16Source = BlockSource<32>;
@@ -186,11 +186,11 @@ using Y16ASource = BlockSource<48>;
 
 /// One step of one line.
 template <class Source, class Pixels, bool kStreamed>
-static inline void WriteStep(std::uint8_t* out, const SampleLine& line, std::size_t x, const SitedWords& c,
+static inline void WriteStep(std::uint8_t* out, const SampleLine& line, std::size_t x, const ChromaWords& c,
                              const YuvToRgbVectors& m) {
     const LumaWords y = Source::Luma(line, x);
-    const BgrVectors low = YuvToBgr(m, y.low, UnpackLow16(c.firstU, c.secondU), UnpackLow16(c.firstV, c.secondV));
-    const BgrVectors high = YuvToBgr(m, y.high, UnpackHigh16(c.firstU, c.secondU), UnpackHigh16(c.firstV, c.secondV));
+    const BgrVectors low = YuvToBgr(m, y.low, c.lowU, c.lowV);
+    const BgrVectors high = YuvToBgr(m, y.high, c.highU, c.highV);
     const auto deal = [](Vec a) { return Source::kPacked ? DealPacked(a) : DealLanes(a); };
     PixelBytes bytes = {deal(Pack16To8u(low.b, high.b)), deal(Pack16To8u(low.g, high.g)),
                         deal(Pack16To8u(low.r, high.r)), Set8(255)};
@@ -202,9 +202,9 @@ template <class Source, class Pixels, bool kStreamed>
 static void ConvertLine(std::uint8_t* out, const SampleLine& line, std::size_t width, const YuvToRgbVectors& m) {
     std::size_t x = 0;
     for (; x + kPixels < width; x += kPixels)
-        WriteStep<Source, Pixels, kStreamed>(out, line, x, Interpolate(Source::template Chroma<false>(line, x)), m);
+        WriteStep<Source, Pixels, kStreamed>(out, line, x, Source::template Chroma<false>(line, x), m);
     x = width - kPixels;
-    WriteStep<Source, Pixels, false>(out, line, x, Interpolate(Source::template Chroma<true>(line, x)), m);
+    WriteStep<Source, Pixels, false>(out, line, x, Source::template Chroma<true>(line, x), m);
 }
 
 /// The two lines that share a chroma line, the second of which lies between that one and the next.
@@ -213,14 +213,14 @@ static void ConvertLinePair(std::uint8_t* const (&out)[2], const SampleLine& fir
                             std::size_t width, const YuvToRgbVectors& m) {
     std::size_t x = 0;
     for (; x + kPixels < width; x += kPixels) {
-        const SitedWords chroma = Interpolate(Source::template Chroma<false>(first, x));
-        const SitedWords next = Interpolate(Source::template Chroma<false>(second, x));
+        const ChromaWords chroma = Source::template Chroma<false>(first, x);
+        const ChromaWords next = Source::template Chroma<false>(second, x);
         WriteStep<Source, Pixels, kStreamed>(out[0], first, x, chroma, m);
         WriteStep<Source, Pixels, kStreamed>(out[1], second, x, Mean(chroma, next), m);
     }
     x = width - kPixels;
-    const SitedWords chroma = Interpolate(Source::template Chroma<true>(first, x));
-    const SitedWords next = Interpolate(Source::template Chroma<true>(second, x));
+    const ChromaWords chroma = Source::template Chroma<true>(first, x);
+    const ChromaWords next = Source::template Chroma<true>(second, x);
     WriteStep<Source, Pixels, false>(out[0], first, x, chroma, m);
     WriteStep<Source, Pixels, false>(out[1], second, x, Mean(chroma, next), m);
 }
