@@ -3,6 +3,7 @@
 #include "component/com_object.h"
 #include "component/copy_memory.h"
 #include "component/pixmorph.h"
+#include "component/stretch_image.h"
 
 namespace KorvaneSoftware {
 
@@ -10,6 +11,7 @@ namespace {
 
 constexpr ComponentClass kClasses[] = {
     {&CLSID_Pixmorph, "Pixmorph", &CreateComponent<CPixmorph>},
+    {&CLSID_StretchImage, "StretchImage", &CreateComponent<CStretchImage>},
     {&CLSID_CopyMemory, "CopyMemory", &CreateComponent<CCopyMemory>},
 };
 
