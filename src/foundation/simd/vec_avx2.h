@@ -49,6 +49,19 @@ static inline void StoreHalf(void* p, Vec a) {
     _mm_storeu_si128(static_cast<__m128i*>(p), _mm256_castsi256_si128(a.v));
 }
 
+// 32-bit integers to floats and back, truncating; floats are kept as their bits.
+static inline Vec IntToFloat32(Vec a) { return {_mm256_castps_si256(_mm256_cvtepi32_ps(a.v))}; }
+static inline Vec FloatToInt32(Vec a) { return {_mm256_cvttps_epi32(_mm256_castsi256_ps(a.v))}; }
+static inline Vec AddFloat32(Vec a, Vec b) {
+    return {_mm256_castps_si256(_mm256_add_ps(_mm256_castsi256_ps(a.v), _mm256_castsi256_ps(b.v)))};
+}
+static inline Vec MulFloat32(Vec a, Vec b) {
+    return {_mm256_castps_si256(_mm256_mul_ps(_mm256_castsi256_ps(a.v), _mm256_castsi256_ps(b.v)))};
+}
+static inline Vec DivideFloat32(Vec a, Vec b) {
+    return {_mm256_castps_si256(_mm256_div_ps(_mm256_castsi256_ps(a.v), _mm256_castsi256_ps(b.v)))};
+}
+
 #define PIXMORPH_VEC_OP(op) _mm256_##op
 #define PIXMORPH_VEC_BITOP(op) _mm256_##op##_si256
 #include "foundation/simd/vec_ops.inc.h"

@@ -58,6 +58,19 @@ static inline void StoreHalf(void* p, Vec a) {
     _mm256_storeu_si256(static_cast<__m256i*>(p), _mm512_castsi512_si256(a.v));
 }
 
+// 32-bit integers to floats and back, truncating; floats are kept as their bits.
+static inline Vec IntToFloat32(Vec a) { return {_mm512_castps_si512(_mm512_cvtepi32_ps(a.v))}; }
+static inline Vec FloatToInt32(Vec a) { return {_mm512_cvttps_epi32(_mm512_castsi512_ps(a.v))}; }
+static inline Vec AddFloat32(Vec a, Vec b) {
+    return {_mm512_castps_si512(_mm512_add_ps(_mm512_castsi512_ps(a.v), _mm512_castsi512_ps(b.v)))};
+}
+static inline Vec MulFloat32(Vec a, Vec b) {
+    return {_mm512_castps_si512(_mm512_mul_ps(_mm512_castsi512_ps(a.v), _mm512_castsi512_ps(b.v)))};
+}
+static inline Vec DivideFloat32(Vec a, Vec b) {
+    return {_mm512_castps_si512(_mm512_div_ps(_mm512_castsi512_ps(a.v), _mm512_castsi512_ps(b.v)))};
+}
+
 #define PIXMORPH_VEC_OP(op) _mm512_##op
 #define PIXMORPH_VEC_BITOP(op) _mm512_##op##_si512
 #include "foundation/simd/vec_ops.inc.h"

@@ -46,6 +46,19 @@ static inline Vec LoadWiden8(const void* p) {
 static inline Vec LoadHalf(const void* p) { return {_mm_loadl_epi64(static_cast<const __m128i*>(p))}; }
 static inline void StoreHalf(void* p, Vec a) { _mm_storel_epi64(static_cast<__m128i*>(p), a.v); }
 
+// 32-bit integers to floats and back, truncating; floats are kept as their bits.
+static inline Vec IntToFloat32(Vec a) { return {_mm_castps_si128(_mm_cvtepi32_ps(a.v))}; }
+static inline Vec FloatToInt32(Vec a) { return {_mm_cvttps_epi32(_mm_castsi128_ps(a.v))}; }
+static inline Vec AddFloat32(Vec a, Vec b) {
+    return {_mm_castps_si128(_mm_add_ps(_mm_castsi128_ps(a.v), _mm_castsi128_ps(b.v)))};
+}
+static inline Vec MulFloat32(Vec a, Vec b) {
+    return {_mm_castps_si128(_mm_mul_ps(_mm_castsi128_ps(a.v), _mm_castsi128_ps(b.v)))};
+}
+static inline Vec DivideFloat32(Vec a, Vec b) {
+    return {_mm_castps_si128(_mm_div_ps(_mm_castsi128_ps(a.v), _mm_castsi128_ps(b.v)))};
+}
+
 #define PIXMORPH_VEC_OP(op) _mm_##op
 #define PIXMORPH_VEC_BITOP(op) _mm_##op##_si128
 #include "foundation/simd/vec_ops.inc.h"
