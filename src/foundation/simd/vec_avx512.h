@@ -77,19 +77,18 @@ static inline Vec LoadLanes128(const std::uint8_t* base, const std::uint32_t* of
     v = _mm512_mask_broadcast_i32x4(v, 0x0F00, lane(2));
     return {_mm512_mask_broadcast_i32x4(v, 0xF000, lane(3))};
 }
-// Full masks: the forms without one read an undefined register, of which one compiler warns.
 static inline void StoreNarrow16To8(void* p, Vec a) {
-    _mm256_storeu_si256(static_cast<__m256i*>(p), _mm512_maskz_cvtusepi16_epi8(0xFFFFFFFF, a.v));
+    _mm256_storeu_si256(static_cast<__m256i*>(p), _mm512_cvtusepi16_epi8(a.v));
 }
 static inline void StoreNarrow32To16(void* p, Vec a) {
-    _mm256_storeu_si256(static_cast<__m256i*>(p), _mm512_maskz_cvtusepi32_epi16(0xFFFF, a.v));
+    _mm256_storeu_si256(static_cast<__m256i*>(p), _mm512_cvtusepi32_epi16(a.v));
 }
 static inline void StoreNarrow32To8(void* p, Vec a) {
-    _mm_storeu_si128(static_cast<__m128i*>(p), _mm512_maskz_cvtusepi32_epi8(0xFFFF, a.v));
+    _mm_storeu_si128(static_cast<__m128i*>(p), _mm512_cvtusepi32_epi8(a.v));
 }
 static inline Vec ScaleAndRound32(Vec a, float scale) {
-    const __m512 product = _mm512_mul_ps(_mm512_maskz_cvtepi32_ps(0xFFFF, a.v), _mm512_set1_ps(scale));
-    return {_mm512_maskz_cvttps_epi32(0xFFFF, _mm512_add_ps(product, _mm512_set1_ps(0.5f)))};
+    const __m512 product = _mm512_mul_ps(_mm512_cvtepi32_ps(a.v), _mm512_set1_ps(scale));
+    return {_mm512_cvttps_epi32(_mm512_add_ps(product, _mm512_set1_ps(0.5f)))};
 }
 
 }  // namespace KorvaneSoftware::PIXMORPH_SIMD
