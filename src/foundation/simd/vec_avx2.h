@@ -103,4 +103,27 @@ static inline void SplitLanePairs(Vec& a, Vec& b) {
     b.v = _mm256_permutevar8x32_epi32(b.v, order);
 }
 
+static inline Vec LoadLanes128(const std::uint8_t* base, const std::uint32_t* offsets) {
+    const __m128i low = _mm_loadu_si128(reinterpret_cast<const __m128i*>(base + offsets[0]));
+    const __m128i high = _mm_loadu_si128(reinterpret_cast<const __m128i*>(base + offsets[1]));
+    return {_mm256_inserti128_si256(_mm256_castsi128_si256(low), high, 1)};
+}
+static inline void StoreNarrow16To8(void* p, Vec a) {
+    const __m256i bytes = _mm256_permute4x64_epi64(_mm256_packus_epi16(a.v, a.v), 0xD8);
+    _mm_storeu_si128(static_cast<__m128i*>(p), _mm256_castsi256_si128(bytes));
+}
+static inline void StoreNarrow32To16(void* p, Vec a) {
+    const __m256i words = _mm256_permute4x64_epi64(_mm256_packus_epi32(a.v, a.v), 0xD8);
+    _mm_storeu_si128(static_cast<__m128i*>(p), _mm256_castsi256_si128(words));
+}
+static inline void StoreNarrow32To8(void* p, Vec a) {
+    const __m256i words = _mm256_permute4x64_epi64(_mm256_packus_epi32(a.v, a.v), 0xD8);
+    const __m128i low = _mm256_castsi256_si128(words);
+    _mm_storel_epi64(static_cast<__m128i*>(p), _mm_packus_epi16(low, low));
+}
+static inline Vec ScaleAndRound32(Vec a, float scale) {
+    const __m256 product = _mm256_mul_ps(_mm256_cvtepi32_ps(a.v), _mm256_set1_ps(scale));
+    return {_mm256_cvttps_epi32(_mm256_add_ps(product, _mm256_set1_ps(0.5f)))};
+}
+
 }  // namespace KorvaneSoftware::PIXMORPH_SIMD

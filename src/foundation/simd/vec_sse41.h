@@ -93,4 +93,27 @@ static inline void SplitLanePairs(Vec& a, Vec& b) {
     a.v = _mm_unpacklo_epi64(a.v, ordered);
 }
 
+// 16 bytes for each 128-bit lane, each from an offset of its own.
+static inline Vec LoadLanes128(const std::uint8_t* base, const std::uint32_t* offsets) {
+    return Load(base + offsets[0]);
+}
+// Lanes of 16 or 32 bits narrowed without a change of order, saturated as unsigned: kVecBytes / 2 or / 4 bytes.
+static inline void StoreNarrow16To8(void* p, Vec a) {
+    _mm_storel_epi64(static_cast<__m128i*>(p), _mm_packus_epi16(a.v, a.v));
+}
+static inline void StoreNarrow32To16(void* p, Vec a) {
+    _mm_storel_epi64(static_cast<__m128i*>(p), _mm_packus_epi32(a.v, a.v));
+}
+static inline void StoreNarrow32To8(void* p, Vec a) {
+    const __m128i words = _mm_packus_epi32(a.v, a.v);
+    const int bytes = _mm_cvtsi128_si32(_mm_packus_epi16(words, words));
+    __builtin_memcpy(p, &bytes, sizeof(bytes));
+}
+// Signed 32-bit lanes times `scale` plus 0.5, truncated; conversion, product and sum are each rounded to single
+// precision.
+static inline Vec ScaleAndRound32(Vec a, float scale) {
+    const __m128 product = _mm_mul_ps(_mm_cvtepi32_ps(a.v), _mm_set1_ps(scale));
+    return {_mm_cvttps_epi32(_mm_add_ps(product, _mm_set1_ps(0.5f)))};
+}
+
 }  // namespace KorvaneSoftware::PIXMORPH_SIMD
