@@ -1,0 +1,279 @@
+// Samples in 16-bit words to bytes, over registers of any width. Words stay in 16-bit lanes until they are stored: a
+// packed picture is then a luma word and a chroma word joined, with no bytes to interleave.
+#include "convert/x86/sixteen_bit_forms.h"
+
+namespace KorvaneSoftware {
+namespace PIXMORPH_SIMD {
+namespace {
+
+inline std::uint8_t* Row(const ImageDescriptor& desc, int plane, std::int64_t row) {
+    return desc.planes[plane] + row * desc.strides[plane];
+}
+
+inline std::uint32_t WordAt(const std::uint8_t* line, std::size_t index) {
+    return line[2 * index] | static_cast<std::uint32_t>(line[2 * index + 1]) << 8;
+}
+
+// (a + b) >> 1 in the lanes of `rounded` = (a + b + 1) >> 1: one less where a + b is odd and `odd` has the lane's bit
+// 0.
+inline Vec Unrounded(Vec rounded, Vec a, Vec b, Vec odd) { return Sub16(rounded, And(Xor(a, b), odd)); }
+
+// Left-justified words.
+struct HighByte {
+    Vec odd = Set16(1);
+
+    Vec One(Vec words) const { return ShiftRight16u<8>(words); }
+    Vec Mean(Vec a, Vec b) const { return One(Unrounded(Avg16(a, b), a, b, odd)); }
+    std::uint32_t One(std::uint32_t word) const { return word >> 8; }
+    std::uint32_t Mean(std::uint32_t a, std::uint32_t b) const { return (a + b) >> 9; }
+};
+
+// Left-justified words whose mean is rounded.
+struct RoundedHighByte {
+    Vec Mean(Vec a, Vec b) const { return ShiftRight16u<8>(Avg16(a, b)); }
+    std::uint32_t Mean(std::uint32_t a, std::uint32_t b) const { return (a + 1 + b) >> 9; }
+};
+
+// Right-justified words with at most 8 extra bits. Adding the rounding may saturate at 65535: that is 255 or more after
+// the shift, as the exact sum is, and both end at 255. With s extra bits, s above 0, the mean of two words
+// (a + b + (1 << s)) >> (s + 1) is the rounding of (a + b) >> 1; without any it is the rounded mean.
+struct RoundedShift {
+    static constexpr int kMostExtraBits = 8;
+
+    explicit RoundedShift(int extraBits)
+        : shift(extraBits),
+          rounding(Set16(extraBits == 0 ? 0 : 1 << (extraBits - 1))),
+          odd(Set16(extraBits == 0 ? 0 : 1)),
+          limit(Set16(255)) {}
+
+    Vec One(Vec words) const { return Min16u(ShiftRight16uBy(AddSat16u(words, rounding), shift), limit); }
+    Vec Mean(Vec a, Vec b) const { return One(Unrounded(Avg16(a, b), a, b, odd)); }
+    std::uint32_t One(std::uint32_t word) const {
+        const std::uint32_t value = (word + (shift == 0 ? 0 : 1u << (shift - 1))) >> shift;
+        return value > 255 ? 255 : value;
+    }
+    std::uint32_t Mean(std::uint32_t a, std::uint32_t b) const {
+        const std::uint32_t value = (a + b + (1u << shift)) >> (shift + 1);
+        return value > 255 ? 255 : value;
+    }
+
+    int shift;
+    Vec rounding;
+    Vec odd;
+    Vec limit;
+};
+
+// A chroma sample from one line, or from two.
+struct FromOneLine {
+    template <class Narrow, class Load>
+    static auto Take(const Narrow& narrow, const std::uint8_t* line, const std::uint8_t*, Load load) {
+        return narrow.One(load(line));
+    }
+};
+struct FromTwoLines {
+    template <class Narrow, class Load>
+    static auto Take(const Narrow& narrow, const std::uint8_t* line, const std::uint8_t* next, Load load) {
+        return narrow.Mean(load(line), load(next));
+    }
+};
+
+// Where the bytes of a pixel pair lie, and the same for words of 0 to 255.
+struct Uyvy {
+    static constexpr std::size_t kLuma = 1;
+    static Vec Join(Vec luma, Vec chroma) { return Or(ShiftLeft16<8>(luma), chroma); }
+};
+struct Yuy2 {
+    static constexpr std::size_t kLuma = 0;
+    static Vec Join(Vec luma, Vec chroma) { return Or(luma, ShiftLeft16<8>(chroma)); }
+};
+
+// Calls `step` for each kStep samples of a line that is at least that long. The last step may overlap the one before
+// it, which writes the same bytes again.
+template <std::size_t kStep, class Step>
+inline void WalkLine(std::size_t count, Step step) {
+    std::size_t x = 0;
+    for (; x + kStep <= count; x += kStep) step(x);
+    if (x < count) step(count - kStep);
+}
+
+// A run of words to a run of bytes.
+template <class Lines, class Narrow>
+void NarrowRow(std::uint8_t* dst, const std::uint8_t* line, const std::uint8_t* next, std::size_t count,
+               const Narrow& narrow) {
+    if (count < kVecBytes) {
+        for (std::size_t x = 0; x < count; ++x)
+            dst[x] = static_cast<std::uint8_t>(
+                Lines::Take(narrow, line, next, [x](const std::uint8_t* p) { return WordAt(p, x); }));
+        return;
+    }
+    WalkLine<kVecBytes>(count, [&](std::size_t x) {
+        const Vec low = Lines::Take(narrow, line, next, [x](const std::uint8_t* p) { return Load(p + 2 * x); });
+        const Vec high =
+            Lines::Take(narrow, line, next, [x](const std::uint8_t* p) { return Load(p + 2 * x + kVecBytes); });
+        Store(dst + x, FixPack(Pack16To8u(low, high)));
+    });
+}
+
+// A line of pairs of chroma words to packed 4:2:2. `next` is the chroma line for the mean.
+template <class Order, class Lines, class Narrow>
+void PackRow(std::uint8_t* dst, const std::uint8_t* luma, const std::uint8_t* line, const std::uint8_t* next,
+             std::size_t width, const Narrow& narrow) {
+    constexpr std::size_t kStep = kVecBytes / 2;
+    if (width < kStep) {
+        for (std::size_t x = 0; x < width; ++x) {
+            dst[2 * x + Order::kLuma] = static_cast<std::uint8_t>(narrow.One(WordAt(luma, x)));
+            dst[2 * x + 1 - Order::kLuma] = static_cast<std::uint8_t>(
+                Lines::Take(narrow, line, next, [x](const std::uint8_t* p) { return WordAt(p, x); }));
+        }
+        return;
+    }
+    WalkLine<kStep>(width, [&](std::size_t x) {
+        const Vec chroma = Lines::Take(narrow, line, next, [x](const std::uint8_t* p) { return Load(p + 2 * x); });
+        Store(dst + 2 * x, Order::Join(narrow.One(Load(luma + 2 * x)), chroma));
+    });
+}
+
+// The chroma of a line in two planes of words.
+struct ChromaRows {
+    const std::uint8_t* u;
+    const std::uint8_t* v;
+};
+
+// A line of separate chroma words to packed 4:2:2.
+template <class Order, class Lines, class Narrow>
+void PackRow(std::uint8_t* dst, const std::uint8_t* luma, const ChromaRows& line, const ChromaRows& next,
+             std::size_t width, const Narrow& narrowLuma, const Narrow& narrowChroma) {
+    constexpr std::size_t kStep = kVecBytes;
+    if (width < kStep) {
+        for (std::size_t x = 0; x < width; ++x) {
+            const auto word = [x](const std::uint8_t* p) { return WordAt(p, x / 2); };
+            const std::uint32_t chroma = x % 2 == 0 ? Lines::Take(narrowChroma, line.u, next.u, word)
+                                                    : Lines::Take(narrowChroma, line.v, next.v, word);
+            dst[2 * x + Order::kLuma] = static_cast<std::uint8_t>(narrowLuma.One(WordAt(luma, x)));
+            dst[2 * x + 1 - Order::kLuma] = static_cast<std::uint8_t>(chroma);
+        }
+        return;
+    }
+    WalkLine<kStep>(width, [&](std::size_t x) {
+        // x is even, so the chroma words of the pairs start x bytes into their lines.
+        const auto load = [x](const std::uint8_t* p) { return Load(p + x); };
+        const Vec u = Lines::Take(narrowChroma, line.u, next.u, load);
+        const Vec v = Lines::Take(narrowChroma, line.v, next.v, load);
+        Vec low = UnpackLow16(u, v);
+        Vec high = UnpackHigh16(u, v);
+        FixUnpack(low, high);
+        Store(dst + 2 * x, Order::Join(narrowLuma.One(Load(luma + 2 * x)), low));
+        Store(dst + 2 * x + kVecBytes, Order::Join(narrowLuma.One(Load(luma + 2 * x + kVecBytes)), high));
+    });
+}
+
+// Whole pictures.
+
+template <class Order>
+void PackP216(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    const HighByte narrow;
+    for (std::int64_t y = 0; y < src.height; ++y)
+        PackRow<Order, FromOneLine>(Row(dst, 0, y), Row(src, 0, y), Row(src, 1, y), nullptr, src.width, narrow);
+}
+
+// Odd lines but the last take the mean of their chroma line and the next.
+template <class Order>
+void PackP016(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    const HighByte narrow;
+    for (std::int64_t y = 0; y < src.height; ++y) {
+        const std::uint8_t* const chroma = Row(src, 1, y / 2);
+        if (y % 2 == 0 || y + 1 == src.height)
+            PackRow<Order, FromOneLine>(Row(dst, 0, y), Row(src, 0, y), chroma, nullptr, src.width, narrow);
+        else
+            PackRow<Order, FromTwoLines>(Row(dst, 0, y), Row(src, 0, y), chroma, chroma + src.strides[1], src.width,
+                                         narrow);
+    }
+}
+
+template <class Narrow>
+void NarrowPlane(const ImageDescriptor& dst, const ImageDescriptor& src, int plane, std::size_t samples,
+                 std::int64_t rows, const Narrow& narrow) {
+    for (std::int64_t row = 0; row < rows; ++row)
+        NarrowRow<FromOneLine>(Row(dst, plane, row), Row(src, plane, row), nullptr, samples, narrow);
+}
+
+void NarrowP216(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    NarrowPlane(dst, src, 0, src.width, src.height, HighByte());
+    for (std::int64_t row = 0; row < src.height / 2; ++row)
+        NarrowRow<FromTwoLines>(Row(dst, 1, row), Row(src, 1, 2 * row), Row(src, 1, 2 * row + 1), src.width,
+                                RoundedHighByte());
+}
+
+void NarrowP016(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    NarrowPlane(dst, src, 0, src.width, src.height, HighByte());
+    NarrowPlane(dst, src, 1, src.width, src.height / 2, HighByte());
+}
+
+template <class Order>
+void PackS422(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    const RoundedShift luma(src.lumaExtraBits);
+    const RoundedShift chroma(src.chromaExtraBits);
+    for (std::int64_t y = 0; y < src.height; ++y) {
+        const ChromaRows rows = {Row(src, 1, y), Row(src, 2, y)};
+        PackRow<Order, FromOneLine>(Row(dst, 0, y), Row(src, 0, y), rows, rows, src.width, luma, chroma);
+    }
+}
+
+template <class Order>
+void PackS420(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    const RoundedShift luma(src.lumaExtraBits);
+    const RoundedShift chroma(src.chromaExtraBits);
+    for (std::int64_t y = 0; y < src.height; ++y) {
+        const ChromaRows rows = {Row(src, 1, y / 2), Row(src, 2, y / 2)};
+        if (y % 2 == 0 || y + 1 == src.height) {
+            PackRow<Order, FromOneLine>(Row(dst, 0, y), Row(src, 0, y), rows, rows, src.width, luma, chroma);
+        } else {
+            const ChromaRows next = {rows.u + src.strides[1], rows.v + src.strides[2]};
+            PackRow<Order, FromTwoLines>(Row(dst, 0, y), Row(src, 0, y), rows, next, src.width, luma, chroma);
+        }
+    }
+}
+
+template <int kLinesPerChroma>
+void NarrowPlanes(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    const RoundedShift chroma(src.chromaExtraBits);
+    NarrowPlane(dst, src, 0, src.width, src.height, RoundedShift(src.lumaExtraBits));
+    for (const int plane : {1, 2}) NarrowPlane(dst, src, plane, src.width / 2, src.height / kLinesPerChroma, chroma);
+}
+
+bool FitsWords(const ImageDescriptor& src) {
+    return src.lumaExtraBits <= RoundedShift::kMostExtraBits && src.chromaExtraBits <= RoundedShift::kMostExtraBits;
+}
+
+}  // namespace
+}  // namespace PIXMORPH_SIMD
+
+#define PIXMORPH_HIGH_BYTE_FORM(name, kernel)                                               \
+    void PIXMORPH_SIMD_NAME(name)(const ImageDescriptor& dst, const ImageDescriptor& src) { \
+        PIXMORPH_SIMD::kernel(dst, src);                                                    \
+    }
+PIXMORPH_HIGH_BYTE_FORM(P216ToUyvy, PackP216<PIXMORPH_SIMD::Uyvy>)
+PIXMORPH_HIGH_BYTE_FORM(P216ToYuy2, PackP216<PIXMORPH_SIMD::Yuy2>)
+PIXMORPH_HIGH_BYTE_FORM(P216ToNv12, NarrowP216)
+PIXMORPH_HIGH_BYTE_FORM(P016ToUyvy, PackP016<PIXMORPH_SIMD::Uyvy>)
+PIXMORPH_HIGH_BYTE_FORM(P016ToYuy2, PackP016<PIXMORPH_SIMD::Yuy2>)
+PIXMORPH_HIGH_BYTE_FORM(P016ToNv12, NarrowP016)
+#undef PIXMORPH_HIGH_BYTE_FORM
+
+// Depths beyond the registers' 16-bit arithmetic are rare enough for the plain form.
+#define PIXMORPH_ROUNDED_WORD_FORM(name, kernel)                                            \
+    void PIXMORPH_SIMD_NAME(name)(const ImageDescriptor& dst, const ImageDescriptor& src) { \
+        if (PIXMORPH_SIMD::FitsWords(src))                                                  \
+            PIXMORPH_SIMD::kernel(dst, src);                                                \
+        else                                                                                \
+            name##_Plain(dst, src);                                                         \
+    }
+PIXMORPH_ROUNDED_WORD_FORM(S420ToUyvy, PackS420<PIXMORPH_SIMD::Uyvy>)
+PIXMORPH_ROUNDED_WORD_FORM(S420ToYuy2, PackS420<PIXMORPH_SIMD::Yuy2>)
+PIXMORPH_ROUNDED_WORD_FORM(S420ToI420, NarrowPlanes<2>)
+PIXMORPH_ROUNDED_WORD_FORM(S422ToUyvy, PackS422<PIXMORPH_SIMD::Uyvy>)
+PIXMORPH_ROUNDED_WORD_FORM(S422ToYuy2, PackS422<PIXMORPH_SIMD::Yuy2>)
+PIXMORPH_ROUNDED_WORD_FORM(S422ToY422, NarrowPlanes<1>)
+#undef PIXMORPH_ROUNDED_WORD_FORM
+
+}  // namespace KorvaneSoftware
