@@ -65,4 +65,30 @@ static inline void FixUnpack(Vec& low, Vec& high) {
 }
 static inline bool AllZero(Vec a) { return _mm256_testz_si256(a.v, a.v) != 0; }
 
+static inline void Deinterleave128(Vec& even, Vec& odd) { FixUnpack(even, odd); }
+static inline void Deinterleave128(Vec& a, Vec& b, Vec& c) {
+    const __m256i first = _mm256_permute2x128_si256(a.v, b.v, 0x30);
+    const __m256i second = _mm256_permute2x128_si256(a.v, c.v, 0x21);
+    c.v = _mm256_permute2x128_si256(b.v, c.v, 0x30);
+    b.v = second;
+    a.v = first;
+}
+static inline void Interleave128(Vec& a, Vec& b, Vec& c) {
+    const __m256i first = _mm256_permute2x128_si256(a.v, b.v, 0x20);
+    const __m256i second = _mm256_permute2x128_si256(c.v, a.v, 0x30);
+    c.v = _mm256_permute2x128_si256(b.v, c.v, 0x31);
+    b.v = second;
+    a.v = first;
+}
+static inline void JoinLanePairs(Vec& a, Vec& b) {
+    const __m256i order = _mm256_setr_epi32(0, 1, 4, 5, 2, 6, 3, 7);
+    a.v = _mm256_permutevar8x32_epi32(a.v, order);
+    b.v = _mm256_permutevar8x32_epi32(b.v, order);
+}
+static inline void SplitLanePairs(Vec& a, Vec& b) {
+    const __m256i order = _mm256_setr_epi32(0, 1, 4, 6, 2, 3, 5, 7);
+    a.v = _mm256_permutevar8x32_epi32(a.v, order);
+    b.v = _mm256_permutevar8x32_epi32(b.v, order);
+}
+
 }  // namespace KorvaneSoftware::PIXMORPH_SIMD

@@ -62,4 +62,24 @@ static inline Vec PreUnpack(Vec a) { return a; }
 static inline void FixUnpack(Vec&, Vec&) {}
 static inline bool AllZero(Vec a) { return _mm_testz_si128(a.v, a.v) != 0; }
 
+// 128-bit lanes of two registers, seen as one row: the even ones into the first, the odd ones into the second. FixUnpack
+// is the inverse.
+static inline void Deinterleave128(Vec&, Vec&) {}
+// 128-bit lanes of three registers, seen as one row: every third one. Interleave128 is the inverse.
+static inline void Deinterleave128(Vec&, Vec&, Vec&) {}
+static inline void Interleave128(Vec&, Vec&, Vec&) {}
+
+// Double words of two neighbouring lanes, of one register or (here) of two: 0 1 4 5, then 2 6 3 7. SplitLanePairs is the
+// inverse.
+static inline void JoinLanePairs(Vec& a, Vec& b) {
+    const __m128i first = _mm_unpacklo_epi64(a.v, b.v);
+    b.v = _mm_unpackhi_epi32(a.v, b.v);
+    a.v = first;
+}
+static inline void SplitLanePairs(Vec& a, Vec& b) {
+    const __m128i ordered = _mm_shuffle_epi32(b.v, _MM_SHUFFLE(3, 1, 2, 0));
+    b.v = _mm_unpackhi_epi64(a.v, ordered);
+    a.v = _mm_unpacklo_epi64(a.v, ordered);
+}
+
 }  // namespace KorvaneSoftware::PIXMORPH_SIMD
