@@ -1,6 +1,7 @@
 // Samples in 16-bit words to bytes, over registers of any width. Words stay in 16-bit lanes until they are stored: a
 // packed picture is then a luma word and a chroma word joined, with no bytes to interleave.
 #include "convert/x86/sixteen_bit_forms.h"
+#include "foundation/block_ops.h"
 
 namespace KorvaneSoftware {
 namespace PIXMORPH_SIMD {
@@ -87,6 +88,29 @@ struct Yuy2 {
     static Vec Join(Vec luma, Vec chroma) { return Or(luma, ShiftLeft16<8>(chroma)); }
 };
 
+// Stores. Frames that do not fit the cache leave past it, which saves reading the destination first.
+struct CachedStores {
+    static void Put(void* p, Vec a) { Store(p, a); }
+};
+struct StreamingStores {
+    static void Put(void* p, Vec a) { Stream(p, a); }
+};
+
+// Whether a packed picture is written past the cache. Every line must start at a cache line and end with a whole step,
+// so that cache lines leave the processor in one piece.
+bool IsStreamed(const ImageDescriptor& dst) {
+    constexpr std::int64_t kCacheLine = 64;
+    const bool isAligned = reinterpret_cast<std::uintptr_t>(dst.planes[0]) % kCacheLine == 0 &&
+                           dst.strides[0] % kCacheLine == 0 && dst.width % kVecBytes == 0;
+    return isAligned && std::size_t{2} * dst.width * dst.height > CachedCountLimit();
+}
+
+// Asks for bytes of a later line: the processor's own prefetching starts anew at each page, that is every few lines.
+template <std::size_t kBytes>
+inline void Prefetch(const std::uint8_t* p) {
+    for (std::size_t i = 0; i < kBytes; i += 64) _mm_prefetch(reinterpret_cast<const char*>(p + i), _MM_HINT_T0);
+}
+
 // Calls `step` for each kStep samples of a line that is at least that long. The last step may overlap the one before
 // it, which writes the same bytes again.
 template <std::size_t kStep, class Step>
@@ -114,79 +138,129 @@ void NarrowRow(std::uint8_t* dst, const std::uint8_t* line, const std::uint8_t* 
     });
 }
 
-// A line of pairs of chroma words to packed 4:2:2. `next` is the chroma line for the mean.
-template <class Order, class Lines, class Narrow>
-void PackRow(std::uint8_t* dst, const std::uint8_t* luma, const std::uint8_t* line, const std::uint8_t* next,
-             std::size_t width, const Narrow& narrow) {
-    constexpr std::size_t kStep = kVecBytes / 2;
+// A line of a source with pairs of chroma words, and one with separate chroma words. `next` is the chroma line for the
+// mean; `ahead` are the distances to the lines of luma and chroma that come after.
+struct PairedLine {
+    const std::uint8_t* luma;
+    const std::uint8_t* chroma;
+    const std::uint8_t* next;
+};
+struct SeparateLine {
+    const std::uint8_t* luma;
+    const std::uint8_t* u;
+    const std::uint8_t* v;
+    const std::uint8_t* nextU;
+    const std::uint8_t* nextV;
+};
+struct Distances {
+    std::int64_t luma, u, v;
+};
+
+// Paired chroma words to packed 4:2:2: they lie as the luma words do.
+template <class Order, class Out, class Lines, class Narrow>
+void PackRow(std::uint8_t* dst, const PairedLine& from, const Distances& ahead, std::size_t width,
+             const Narrow& narrowLuma, const Narrow& narrowChroma) {
+    constexpr std::size_t kStep = kVecBytes;
     if (width < kStep) {
         for (std::size_t x = 0; x < width; ++x) {
-            dst[2 * x + Order::kLuma] = static_cast<std::uint8_t>(narrow.One(WordAt(luma, x)));
-            dst[2 * x + 1 - Order::kLuma] = static_cast<std::uint8_t>(
-                Lines::Take(narrow, line, next, [x](const std::uint8_t* p) { return WordAt(p, x); }));
+            const auto word = [x](const std::uint8_t* p) { return WordAt(p, x); };
+            dst[2 * x + Order::kLuma] = static_cast<std::uint8_t>(narrowLuma.One(word(from.luma)));
+            dst[2 * x + 1 - Order::kLuma] =
+                static_cast<std::uint8_t>(Lines::Take(narrowChroma, from.chroma, from.next, word));
         }
         return;
     }
     WalkLine<kStep>(width, [&](std::size_t x) {
-        const Vec chroma = Lines::Take(narrow, line, next, [x](const std::uint8_t* p) { return Load(p + 2 * x); });
-        Store(dst + 2 * x, Order::Join(narrow.One(Load(luma + 2 * x)), chroma));
+        Prefetch<2 * kVecBytes>(from.luma + ahead.luma + 2 * x);
+        Prefetch<2 * kVecBytes>(from.chroma + ahead.u + 2 * x);
+        for (const std::size_t i : {2 * x, 2 * x + kVecBytes}) {
+            const Vec chroma =
+                Lines::Take(narrowChroma, from.chroma, from.next, [i](const std::uint8_t* p) { return Load(p + i); });
+            Out::Put(dst + i, Order::Join(narrowLuma.One(Load(from.luma + i)), chroma));
+        }
     });
 }
 
-// The chroma of a line in two planes of words.
-struct ChromaRows {
-    const std::uint8_t* u;
-    const std::uint8_t* v;
-};
-
-// A line of separate chroma words to packed 4:2:2.
-template <class Order, class Lines, class Narrow>
-void PackRow(std::uint8_t* dst, const std::uint8_t* luma, const ChromaRows& line, const ChromaRows& next,
-             std::size_t width, const Narrow& narrowLuma, const Narrow& narrowChroma) {
+// Separate chroma words to packed 4:2:2.
+template <class Order, class Out, class Lines, class Narrow>
+void PackRow(std::uint8_t* dst, const SeparateLine& from, const Distances& ahead, std::size_t width,
+             const Narrow& narrowLuma, const Narrow& narrowChroma) {
     constexpr std::size_t kStep = kVecBytes;
     if (width < kStep) {
         for (std::size_t x = 0; x < width; ++x) {
             const auto word = [x](const std::uint8_t* p) { return WordAt(p, x / 2); };
-            const std::uint32_t chroma = x % 2 == 0 ? Lines::Take(narrowChroma, line.u, next.u, word)
-                                                    : Lines::Take(narrowChroma, line.v, next.v, word);
-            dst[2 * x + Order::kLuma] = static_cast<std::uint8_t>(narrowLuma.One(WordAt(luma, x)));
+            const std::uint32_t chroma = x % 2 == 0 ? Lines::Take(narrowChroma, from.u, from.nextU, word)
+                                                    : Lines::Take(narrowChroma, from.v, from.nextV, word);
+            dst[2 * x + Order::kLuma] = static_cast<std::uint8_t>(narrowLuma.One(WordAt(from.luma, x)));
             dst[2 * x + 1 - Order::kLuma] = static_cast<std::uint8_t>(chroma);
         }
         return;
     }
     WalkLine<kStep>(width, [&](std::size_t x) {
+        Prefetch<2 * kVecBytes>(from.luma + ahead.luma + 2 * x);
+        Prefetch<kVecBytes>(from.u + ahead.u + x);
+        Prefetch<kVecBytes>(from.v + ahead.v + x);
         // x is even, so the chroma words of the pairs start x bytes into their lines.
         const auto load = [x](const std::uint8_t* p) { return Load(p + x); };
-        const Vec u = Lines::Take(narrowChroma, line.u, next.u, load);
-        const Vec v = Lines::Take(narrowChroma, line.v, next.v, load);
+        const Vec u = Lines::Take(narrowChroma, from.u, from.nextU, load);
+        const Vec v = Lines::Take(narrowChroma, from.v, from.nextV, load);
         Vec low = UnpackLow16(u, v);
         Vec high = UnpackHigh16(u, v);
         FixUnpack(low, high);
-        Store(dst + 2 * x, Order::Join(narrowLuma.One(Load(luma + 2 * x)), low));
-        Store(dst + 2 * x + kVecBytes, Order::Join(narrowLuma.One(Load(luma + 2 * x + kVecBytes)), high));
+        Out::Put(dst + 2 * x, Order::Join(narrowLuma.One(Load(from.luma + 2 * x)), low));
+        Out::Put(dst + 2 * x + kVecBytes, Order::Join(narrowLuma.One(Load(from.luma + 2 * x + kVecBytes)), high));
     });
 }
 
 // Whole pictures.
 
-template <class Order>
-void PackP216(const ImageDescriptor& dst, const ImageDescriptor& src) {
-    const HighByte narrow;
-    for (std::int64_t y = 0; y < src.height; ++y)
-        PackRow<Order, FromOneLine>(Row(dst, 0, y), Row(src, 0, y), Row(src, 1, y), nullptr, src.width, narrow);
+// How a source's lines are found and its words narrowed.
+struct PairedWords {
+    using Narrow = HighByte;
+
+    static PairedLine LineAt(const ImageDescriptor& src, std::int64_t y, std::int64_t chromaRow, bool hasNext) {
+        const std::uint8_t* const chroma = Row(src, 1, chromaRow);
+        return {Row(src, 0, y), chroma, hasNext ? chroma + src.strides[1] : chroma};
+    }
+    static Narrow LumaOf(const ImageDescriptor&) { return {}; }
+    static Narrow ChromaOf(const ImageDescriptor&) { return {}; }
+};
+struct SeparateWords {
+    using Narrow = RoundedShift;
+
+    static SeparateLine LineAt(const ImageDescriptor& src, std::int64_t y, std::int64_t chromaRow, bool hasNext) {
+        const std::uint8_t* const u = Row(src, 1, chromaRow);
+        const std::uint8_t* const v = Row(src, 2, chromaRow);
+        return {Row(src, 0, y), u, v, hasNext ? u + src.strides[1] : u, hasNext ? v + src.strides[2] : v};
+    }
+    static Narrow LumaOf(const ImageDescriptor& src) { return Narrow(src.lumaExtraBits); }
+    static Narrow ChromaOf(const ImageDescriptor& src) { return Narrow(src.chromaExtraBits); }
+};
+
+// kLinesPerChroma picture lines share a chroma line. Where that is two, odd lines but the last take the mean of theirs
+// and the next.
+template <class Order, class Words, int kLinesPerChroma, class Out>
+void PackLines(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    const typename Words::Narrow luma = Words::LumaOf(src);
+    const typename Words::Narrow chroma = Words::ChromaOf(src);
+    const Distances ahead = {src.strides[0], src.strides[1], src.strides[2]};
+    for (std::int64_t y = 0; y < src.height; ++y) {
+        const bool isBetween = kLinesPerChroma == 2 && y % 2 != 0 && y + 1 < src.height;
+        const auto from = Words::LineAt(src, y, y / kLinesPerChroma, isBetween);
+        if (isBetween)
+            PackRow<Order, Out, FromTwoLines>(Row(dst, 0, y), from, ahead, src.width, luma, chroma);
+        else
+            PackRow<Order, Out, FromOneLine>(Row(dst, 0, y), from, ahead, src.width, luma, chroma);
+    }
 }
 
-// Odd lines but the last take the mean of their chroma line and the next.
-template <class Order>
-void PackP016(const ImageDescriptor& dst, const ImageDescriptor& src) {
-    const HighByte narrow;
-    for (std::int64_t y = 0; y < src.height; ++y) {
-        const std::uint8_t* const chroma = Row(src, 1, y / 2);
-        if (y % 2 == 0 || y + 1 == src.height)
-            PackRow<Order, FromOneLine>(Row(dst, 0, y), Row(src, 0, y), chroma, nullptr, src.width, narrow);
-        else
-            PackRow<Order, FromTwoLines>(Row(dst, 0, y), Row(src, 0, y), chroma, chroma + src.strides[1], src.width,
-                                         narrow);
+template <class Order, class Words, int kLinesPerChroma>
+void Pack(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    if (IsStreamed(dst)) {
+        PackLines<Order, Words, kLinesPerChroma, StreamingStores>(dst, src);
+        StreamFence();
+    } else {
+        PackLines<Order, Words, kLinesPerChroma, CachedStores>(dst, src);
     }
 }
 
@@ -209,31 +283,6 @@ void NarrowP016(const ImageDescriptor& dst, const ImageDescriptor& src) {
     NarrowPlane(dst, src, 1, src.width, src.height / 2, HighByte());
 }
 
-template <class Order>
-void PackS422(const ImageDescriptor& dst, const ImageDescriptor& src) {
-    const RoundedShift luma(src.lumaExtraBits);
-    const RoundedShift chroma(src.chromaExtraBits);
-    for (std::int64_t y = 0; y < src.height; ++y) {
-        const ChromaRows rows = {Row(src, 1, y), Row(src, 2, y)};
-        PackRow<Order, FromOneLine>(Row(dst, 0, y), Row(src, 0, y), rows, rows, src.width, luma, chroma);
-    }
-}
-
-template <class Order>
-void PackS420(const ImageDescriptor& dst, const ImageDescriptor& src) {
-    const RoundedShift luma(src.lumaExtraBits);
-    const RoundedShift chroma(src.chromaExtraBits);
-    for (std::int64_t y = 0; y < src.height; ++y) {
-        const ChromaRows rows = {Row(src, 1, y / 2), Row(src, 2, y / 2)};
-        if (y % 2 == 0 || y + 1 == src.height) {
-            PackRow<Order, FromOneLine>(Row(dst, 0, y), Row(src, 0, y), rows, rows, src.width, luma, chroma);
-        } else {
-            const ChromaRows next = {rows.u + src.strides[1], rows.v + src.strides[2]};
-            PackRow<Order, FromTwoLines>(Row(dst, 0, y), Row(src, 0, y), rows, next, src.width, luma, chroma);
-        }
-    }
-}
-
 template <int kLinesPerChroma>
 void NarrowPlanes(const ImageDescriptor& dst, const ImageDescriptor& src) {
     const RoundedShift chroma(src.chromaExtraBits);
@@ -248,31 +297,31 @@ bool FitsWords(const ImageDescriptor& src) {
 }  // namespace
 }  // namespace PIXMORPH_SIMD
 
-#define PIXMORPH_HIGH_BYTE_FORM(name, kernel)                                               \
+#define PIXMORPH_HIGH_BYTE_FORM(name, ...)                                                  \
     void PIXMORPH_SIMD_NAME(name)(const ImageDescriptor& dst, const ImageDescriptor& src) { \
-        PIXMORPH_SIMD::kernel(dst, src);                                                    \
+        PIXMORPH_SIMD::__VA_ARGS__(dst, src);                                               \
     }
-PIXMORPH_HIGH_BYTE_FORM(P216ToUyvy, PackP216<PIXMORPH_SIMD::Uyvy>)
-PIXMORPH_HIGH_BYTE_FORM(P216ToYuy2, PackP216<PIXMORPH_SIMD::Yuy2>)
+PIXMORPH_HIGH_BYTE_FORM(P216ToUyvy, Pack<PIXMORPH_SIMD::Uyvy, PIXMORPH_SIMD::PairedWords, 1>)
+PIXMORPH_HIGH_BYTE_FORM(P216ToYuy2, Pack<PIXMORPH_SIMD::Yuy2, PIXMORPH_SIMD::PairedWords, 1>)
 PIXMORPH_HIGH_BYTE_FORM(P216ToNv12, NarrowP216)
-PIXMORPH_HIGH_BYTE_FORM(P016ToUyvy, PackP016<PIXMORPH_SIMD::Uyvy>)
-PIXMORPH_HIGH_BYTE_FORM(P016ToYuy2, PackP016<PIXMORPH_SIMD::Yuy2>)
+PIXMORPH_HIGH_BYTE_FORM(P016ToUyvy, Pack<PIXMORPH_SIMD::Uyvy, PIXMORPH_SIMD::PairedWords, 2>)
+PIXMORPH_HIGH_BYTE_FORM(P016ToYuy2, Pack<PIXMORPH_SIMD::Yuy2, PIXMORPH_SIMD::PairedWords, 2>)
 PIXMORPH_HIGH_BYTE_FORM(P016ToNv12, NarrowP016)
 #undef PIXMORPH_HIGH_BYTE_FORM
 
 // Depths beyond the registers' 16-bit arithmetic are rare enough for the plain form.
-#define PIXMORPH_ROUNDED_WORD_FORM(name, kernel)                                            \
+#define PIXMORPH_ROUNDED_WORD_FORM(name, ...)                                               \
     void PIXMORPH_SIMD_NAME(name)(const ImageDescriptor& dst, const ImageDescriptor& src) { \
         if (PIXMORPH_SIMD::FitsWords(src))                                                  \
-            PIXMORPH_SIMD::kernel(dst, src);                                                \
+            PIXMORPH_SIMD::__VA_ARGS__(dst, src);                                           \
         else                                                                                \
             name##_Plain(dst, src);                                                         \
     }
-PIXMORPH_ROUNDED_WORD_FORM(S420ToUyvy, PackS420<PIXMORPH_SIMD::Uyvy>)
-PIXMORPH_ROUNDED_WORD_FORM(S420ToYuy2, PackS420<PIXMORPH_SIMD::Yuy2>)
+PIXMORPH_ROUNDED_WORD_FORM(S420ToUyvy, Pack<PIXMORPH_SIMD::Uyvy, PIXMORPH_SIMD::SeparateWords, 2>)
+PIXMORPH_ROUNDED_WORD_FORM(S420ToYuy2, Pack<PIXMORPH_SIMD::Yuy2, PIXMORPH_SIMD::SeparateWords, 2>)
 PIXMORPH_ROUNDED_WORD_FORM(S420ToI420, NarrowPlanes<2>)
-PIXMORPH_ROUNDED_WORD_FORM(S422ToUyvy, PackS422<PIXMORPH_SIMD::Uyvy>)
-PIXMORPH_ROUNDED_WORD_FORM(S422ToYuy2, PackS422<PIXMORPH_SIMD::Yuy2>)
+PIXMORPH_ROUNDED_WORD_FORM(S422ToUyvy, Pack<PIXMORPH_SIMD::Uyvy, PIXMORPH_SIMD::SeparateWords, 1>)
+PIXMORPH_ROUNDED_WORD_FORM(S422ToYuy2, Pack<PIXMORPH_SIMD::Yuy2, PIXMORPH_SIMD::SeparateWords, 1>)
 PIXMORPH_ROUNDED_WORD_FORM(S422ToY422, NarrowPlanes<1>)
 #undef PIXMORPH_ROUNDED_WORD_FORM
 
