@@ -78,6 +78,12 @@ struct FromTwoLines {
     }
 };
 
+// FromOneLine or FromTwoLines by their number.
+template <int kCount>
+struct LinesOf : FromOneLine {};
+template <>
+struct LinesOf<2> : FromTwoLines {};
+
 // Where the bytes of a pixel pair lie, and the same for words of 0 to 255.
 struct Uyvy {
     static constexpr std::size_t kLuma = 1;
@@ -96,13 +102,14 @@ struct StreamingStores {
     static void Put(void* p, Vec a) { Stream(p, a); }
 };
 
-// Whether a packed picture is written past the cache. Every line must start at a cache line and end with a whole step,
-// so that cache lines leave the processor in one piece.
-bool IsStreamed(const ImageDescriptor& dst) {
+// Whether a plane is written past the cache, in rows of whole steps of kStep bytes. Every row must start and end with a
+// cache line, so that cache lines leave the processor in one piece.
+template <std::size_t kStep>
+bool IsStreamed(const ImageDescriptor& dst, int plane, std::size_t rowBytes) {
     constexpr std::int64_t kCacheLine = 64;
-    const bool isAligned = reinterpret_cast<std::uintptr_t>(dst.planes[0]) % kCacheLine == 0 &&
-                           dst.strides[0] % kCacheLine == 0 && dst.width % kVecBytes == 0;
-    return isAligned && std::size_t{2} * dst.width * dst.height > CachedCountLimit();
+    const bool isAligned = reinterpret_cast<std::uintptr_t>(dst.planes[plane]) % kCacheLine == 0 &&
+                           dst.strides[plane] % kCacheLine == 0 && rowBytes % kCacheLine == 0 && rowBytes % kStep == 0;
+    return isAligned && std::size_t{dst.width} * dst.height > CachedCountLimit();
 }
 
 // Asks for bytes of a later line: the processor's own prefetching starts anew at each page, that is every few lines.
@@ -120,10 +127,10 @@ inline void WalkLine(std::size_t count, Step step) {
     if (x < count) step(count - kStep);
 }
 
-// A run of words to a run of bytes.
-template <class Lines, class Narrow>
-void NarrowRow(std::uint8_t* dst, const std::uint8_t* line, const std::uint8_t* next, std::size_t count,
-               const Narrow& narrow) {
+// A run of words to a run of bytes. `ahead` is the distance to the words that come after, on both lines.
+template <class Out, class Lines, class Narrow>
+void NarrowRow(std::uint8_t* dst, const std::uint8_t* line, const std::uint8_t* next, std::int64_t ahead,
+               std::size_t count, const Narrow& narrow) {
     if (count < kVecBytes) {
         for (std::size_t x = 0; x < count; ++x)
             dst[x] = static_cast<std::uint8_t>(
@@ -131,10 +138,11 @@ void NarrowRow(std::uint8_t* dst, const std::uint8_t* line, const std::uint8_t* 
         return;
     }
     WalkLine<kVecBytes>(count, [&](std::size_t x) {
+        Prefetch<2 * kVecBytes>(line + ahead + 2 * x);
         const Vec low = Lines::Take(narrow, line, next, [x](const std::uint8_t* p) { return Load(p + 2 * x); });
         const Vec high =
             Lines::Take(narrow, line, next, [x](const std::uint8_t* p) { return Load(p + 2 * x + kVecBytes); });
-        Store(dst + x, FixPack(Pack16To8u(low, high)));
+        Out::Put(dst + x, FixPack(Pack16To8u(low, high)));
     });
 }
 
@@ -256,7 +264,7 @@ void PackLines(const ImageDescriptor& dst, const ImageDescriptor& src) {
 
 template <class Order, class Words, int kLinesPerChroma>
 void Pack(const ImageDescriptor& dst, const ImageDescriptor& src) {
-    if (IsStreamed(dst)) {
+    if (IsStreamed<2 * kVecBytes>(dst, 0, std::size_t{2} * src.width)) {
         PackLines<Order, Words, kLinesPerChroma, StreamingStores>(dst, src);
         StreamFence();
     } else {
@@ -264,30 +272,45 @@ void Pack(const ImageDescriptor& dst, const ImageDescriptor& src) {
     }
 }
 
-template <class Narrow>
+// The rows of a plane, each from kSourceRows rows of the source.
+template <int kSourceRows, class Out, class Narrow>
+void NarrowRows(const ImageDescriptor& dst, const ImageDescriptor& src, int plane, std::size_t samples,
+                std::int64_t rows, const Narrow& narrow) {
+    using Lines = LinesOf<kSourceRows>;
+    const std::int64_t stride = src.strides[plane];
+    for (std::int64_t row = 0; row < rows; ++row) {
+        const std::uint8_t* const line = Row(src, plane, kSourceRows * row);
+        NarrowRow<Out, Lines>(Row(dst, plane, row), line, line + (kSourceRows - 1) * stride, kSourceRows * stride,
+                              samples, narrow);
+    }
+}
+
+template <int kSourceRows, class Narrow>
 void NarrowPlane(const ImageDescriptor& dst, const ImageDescriptor& src, int plane, std::size_t samples,
                  std::int64_t rows, const Narrow& narrow) {
-    for (std::int64_t row = 0; row < rows; ++row)
-        NarrowRow<FromOneLine>(Row(dst, plane, row), Row(src, plane, row), nullptr, samples, narrow);
+    if (IsStreamed<kVecBytes>(dst, plane, samples)) {
+        NarrowRows<kSourceRows, StreamingStores>(dst, src, plane, samples, rows, narrow);
+        StreamFence();
+    } else {
+        NarrowRows<kSourceRows, CachedStores>(dst, src, plane, samples, rows, narrow);
+    }
 }
 
 void NarrowP216(const ImageDescriptor& dst, const ImageDescriptor& src) {
-    NarrowPlane(dst, src, 0, src.width, src.height, HighByte());
-    for (std::int64_t row = 0; row < src.height / 2; ++row)
-        NarrowRow<FromTwoLines>(Row(dst, 1, row), Row(src, 1, 2 * row), Row(src, 1, 2 * row + 1), src.width,
-                                RoundedHighByte());
+    NarrowPlane<1>(dst, src, 0, src.width, src.height, HighByte());
+    NarrowPlane<2>(dst, src, 1, src.width, src.height / 2, RoundedHighByte());
 }
 
 void NarrowP016(const ImageDescriptor& dst, const ImageDescriptor& src) {
-    NarrowPlane(dst, src, 0, src.width, src.height, HighByte());
-    NarrowPlane(dst, src, 1, src.width, src.height / 2, HighByte());
+    NarrowPlane<1>(dst, src, 0, src.width, src.height, HighByte());
+    NarrowPlane<1>(dst, src, 1, src.width, src.height / 2, HighByte());
 }
 
 template <int kLinesPerChroma>
 void NarrowPlanes(const ImageDescriptor& dst, const ImageDescriptor& src) {
     const RoundedShift chroma(src.chromaExtraBits);
-    NarrowPlane(dst, src, 0, src.width, src.height, RoundedShift(src.lumaExtraBits));
-    for (const int plane : {1, 2}) NarrowPlane(dst, src, plane, src.width / 2, src.height / kLinesPerChroma, chroma);
+    NarrowPlane<1>(dst, src, 0, src.width, src.height, RoundedShift(src.lumaExtraBits));
+    for (const int plane : {1, 2}) NarrowPlane<1>(dst, src, plane, src.width / 2, src.height / kLinesPerChroma, chroma);
 }
 
 bool FitsWords(const ImageDescriptor& src) {

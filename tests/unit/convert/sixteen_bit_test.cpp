@@ -146,10 +146,12 @@ INSTANTIATE_TEST_SUITE_P(SixteenBit, LeftJustified,
 // Frames that do not fit the cache are written another way where lines start at cache lines.
 TEST(SixteenBit, LargeFramesAreTheSameAtEveryLevel) {
     constexpr std::uint32_t kWide = 1024;
-    const auto height = static_cast<std::uint32_t>(km::CachedCountLimit() / (2 * kWide) / 2 * 2 + 4);
+    const auto height = static_cast<std::uint32_t>(km::CachedCountLimit() / kWide / 2 * 2 + 4);
     for (const auto& [dstFormat, srcFormat] :
          {DepthPair{km::FMT_UYVY, km::FMT_P216}, DepthPair{km::FMT_YUY2, km::FMT_P016},
-          DepthPair{km::FMT_UYVY, km::FMT_S422}, DepthPair{km::FMT_YUY2, km::FMT_S420}}) {
+          DepthPair{km::FMT_UYVY, km::FMT_S422}, DepthPair{km::FMT_YUY2, km::FMT_S420},
+          DepthPair{km::FMT_NV12, km::FMT_P216}, DepthPair{km::FMT_NV12, km::FMT_P016},
+          DepthPair{km::FMT_Y422, km::FMT_S422}, DepthPair{km::FMT_I420, km::FMT_S420}}) {
         TestPicture src(srcFormat, kWide, height, {}, 0, 2);
         src.Fill(Fill::Random, dstFormat);
         for (const PictureLayout& layout : {PictureLayout{}, {64, true, 0}, {0, false, 4}}) {
