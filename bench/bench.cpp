@@ -52,8 +52,8 @@ public:
     bool ReportContext(const Context&) override {
         char vendor[64];
         std::snprintf(vendor, sizeof(vendor), "%s", km::ThisCpu().vendor);
-        std::printf("machine: %s, features 0x%08X, level-2 cache %zu KiB, last-level cache %zu KiB, %u processors\n", vendor,
-                    km::EnabledFeatures(), km::GetCacheSize() >> 10, LastLevelCacheSize() >> 10,
+        std::printf("machine: %s, features 0x%08X, level-2 cache %zu KiB, last-level cache %zu KiB, %u processors\n",
+                    vendor, km::EnabledFeatures(), km::GetCacheSize() >> 10, LastLevelCacheSize() >> 10,
                     km::GetProcessorCount());
         std::printf("ratios: time of the other / time of this row, fastest of the repetitions of one run\n");
         return true;
@@ -63,7 +63,8 @@ public:
         for (const Run& run : runs) {
             if (run.run_type != Run::RT_Iteration || run.error_occurred) continue;
             const double time = run.GetAdjustedRealTime();
-            // Google Benchmark appends words to the name for repetitions and time units; the name is what was registered.
+            // Google Benchmark appends words to the name for repetitions and time units; the name is what was
+            // registered.
             const auto [place, isNew] = fastest_.try_emplace(run.run_name.function_name, time);
             if (!isNew) place->second = std::min(place->second, time);
         }
@@ -120,8 +121,8 @@ private:
 }  // namespace
 
 std::size_t ArenaSize() {
-    static const std::size_t size = std::clamp<std::size_t>(3 * LastLevelCacheSize(), std::size_t{128} << 20,
-                                                            std::size_t{800} << 20);
+    static const std::size_t size =
+        std::clamp<std::size_t>(3 * LastLevelCacheSize(), std::size_t{128} << 20, std::size_t{800} << 20);
     return size;
 }
 
@@ -202,8 +203,8 @@ void AddResize(const char* group, const char* variant, std::uint32_t format, std
 
 int main(int argc, char** argv) {
     using namespace pixmorph_bench;
-    // Interleaved repetitions, so that all rows of a group see the same drift of the machine. What the caller passes comes
-    // later and wins.
+    // Interleaved repetitions, so that all rows of a group see the same drift of the machine. What the caller passes
+    // comes later and wins.
     std::vector<std::string> words = {argv[0], "--benchmark_enable_random_interleaving=true",
                                       "--benchmark_repetitions=7", "--benchmark_min_time=0.02"};
     words.insert(words.end(), argv + 1, argv + argc);

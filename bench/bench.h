@@ -1,6 +1,7 @@
 // Benchmarks. A timed thing belongs to a group ("UyvyToI420"); within it stand the plain form, the variants and a peer
-// library's function for the same work, all measured in one run, interleaved, on the same frames. Each runs in two regimes:
-// hot (the same frames again and again) and cold (rotating over buffers of several times the last-level cache).
+// library's function for the same work, all measured in one run, interleaved, on the same frames. Each runs in two
+// regimes: hot (the same frames again and again) and cold (rotating over buffers of several times the last-level
+// cache).
 //
 // A row of a dispatch table is timed as soon as it stands there:
 //

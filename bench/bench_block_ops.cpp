@@ -9,16 +9,16 @@ namespace {
 
 constexpr std::size_t kFrameBytes = std::size_t{kWidth} * kHeight * 2;
 
-void AddCopy(const char* group, const char* variant, const std::function<void(std::uint8_t*, const std::uint8_t*)>& copy) {
+void AddCopy(const char* group, const char* variant,
+             const std::function<void(std::uint8_t*, const std::uint8_t*)>& copy) {
     Add({group, variant, kFrameBytes, 2.0 * kFrameBytes, [copy](Regime regime, std::size_t i) {
              copy(Slice(Arena::Destination, regime, kFrameBytes, i), Slice(Arena::Source, regime, kFrameBytes, i));
          }});
 }
 
 void AddFill(const char* group, const char* variant, const std::function<void(std::uint8_t*)>& fill) {
-    Add({group, variant, kFrameBytes, kFrameBytes, [fill](Regime regime, std::size_t i) {
-             fill(Slice(Arena::Destination, regime, kFrameBytes, i));
-         }});
+    Add({group, variant, kFrameBytes, kFrameBytes,
+         [fill](Regime regime, std::size_t i) { fill(Slice(Arena::Destination, regime, kFrameBytes, i)); }});
 }
 
 void AddCopySlot(const km::CopySlot& slot) {

@@ -11,8 +11,7 @@ namespace KorvaneSoftware {
 inline constexpr char kModuleName[] = "IPixmorph";
 inline constexpr char kTypeLibraryName[] = "IPIXMORPHLib";
 inline constexpr char kTypeLibraryVersion[] = "1.0";
-inline constexpr GUID kTypeLibraryId = {
-    0xB6D80AF6, 0xB6D4, 0x411A, {0xBF, 0xD6, 0x77, 0xC1, 0x61, 0x3F, 0x51, 0x1F}};
+inline constexpr GUID kTypeLibraryId = {0xB6D80AF6, 0xB6D4, 0x411A, {0xBF, 0xD6, 0x77, 0xC1, 0x61, 0x3F, 0x51, 0x1F}};
 inline constexpr char kThreadingModel[] = "Both";
 
 /// A class that this module can create.

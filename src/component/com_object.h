@@ -13,24 +13,24 @@
 //   };
 #pragma once
 
+#include <pixmorph/pixmorph.h>
 #include <atomic>
 #include <cstdint>
 #include <new>
-#include <pixmorph/pixmorph.h>
 #include <span>
 
 #include "foundation/status.h"
 
 namespace KorvaneSoftware {
 
-/// Counts a live object, a reference to a class object or a lock on the module.
+/// Counts a live object or a lock on the module.
 void LockModule();
 void UnlockModule();
 /// Whether anything is alive.
 bool IsModuleLocked();
 
-/// One interface of a class: its identifier and either a cast from the object to it, or a function that answers the query
-/// in the object's place.
+/// One interface of a class: its identifier and either a cast from the object to it, or a function that answers the
+/// query in the object's place.
 struct InterfaceEntry {
     const GUID* iid;
     IUnknown* (*cast)(void* self);

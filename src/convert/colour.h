@@ -1,5 +1,5 @@
-// The colour arithmetic of the library: fixed-point tables and the formulas of one pixel. Every term is truncated on its
-// own, as a 16-bit multiply-high does; a computation that sums first gives different pixels.
+// The colour arithmetic of the library: fixed-point tables and the formulas of one pixel. Every term is truncated on
+// its own, as a 16-bit multiply-high does; a computation that sums first gives different pixels.
 #pragma once
 
 #include <algorithm>
@@ -39,9 +39,7 @@ constexpr std::int32_t MulHigh(std::uint32_t coefficient, std::uint32_t sample) 
     return static_cast<std::int32_t>((coefficient * sample) >> 16);
 }
 
-constexpr std::uint8_t ClampToByte(std::int32_t value) {
-    return static_cast<std::uint8_t>(std::clamp(value, 0, 255));
-}
+constexpr std::uint8_t ClampToByte(std::int32_t value) { return static_cast<std::uint8_t>(std::clamp(value, 0, 255)); }
 
 struct Bgr {
     std::uint8_t b, g, r;
@@ -63,8 +61,8 @@ constexpr Bgr YuvToBgr(const YuvToRgbRow& m, std::uint32_t y, std::uint32_t u, s
 
 /// Luma of a pixel; b, g, r in 8.8 form.
 constexpr std::uint8_t RgbToLuma(const RgbToYuvRow& m, std::uint32_t b, std::uint32_t g, std::uint32_t r) {
-    return ClampToByte((MulHigh(m.bToY, b) + MulHigh(m.gToY, g) + MulHigh(m.rToY, r) +
-                        static_cast<std::int32_t>(m.yOffset)) >> 5);
+    return ClampToByte(
+        (MulHigh(m.bToY, b) + MulHigh(m.gToY, g) + MulHigh(m.rToY, r) + static_cast<std::int32_t>(m.yOffset)) >> 5);
 }
 
 /// Chroma of a pixel or of the mean of several; b, g, r in 8.8 form.

@@ -1,5 +1,5 @@
-// Readers and writers of 4:2:2 samples: where luma, chroma and alpha of a line lie in each format. Kernels are templates
-// over these, so that a family is written once and not once per pair of formats.
+// Readers and writers of 4:2:2 samples: where luma, chroma and alpha of a line lie in each format. Kernels are
+// templates over these, so that a family is written once and not once per pair of formats.
 #pragma once
 
 #include <cstddef>
@@ -22,11 +22,17 @@ template <int Y0, int U, int V>
 struct PackedSamples {
     static constexpr bool kHasAlpha = false;
     template <class Line>
-    static auto& Luma(const Line& line, std::size_t x) { return line.plane[0][2 * x + Y0]; }
+    static auto& Luma(const Line& line, std::size_t x) {
+        return line.plane[0][2 * x + Y0];
+    }
     template <class Line>
-    static auto& Cb(const Line& line, std::size_t pair) { return line.plane[0][4 * pair + U]; }
+    static auto& Cb(const Line& line, std::size_t pair) {
+        return line.plane[0][4 * pair + U];
+    }
     template <class Line>
-    static auto& Cr(const Line& line, std::size_t pair) { return line.plane[0][4 * pair + V]; }
+    static auto& Cr(const Line& line, std::size_t pair) {
+        return line.plane[0][4 * pair + V];
+    }
 };
 using UyvySamples = PackedSamples<1, 0, 2>;
 using Yuy2Samples = PackedSamples<0, 1, 3>;
@@ -37,13 +43,21 @@ template <int BlockBytes, int Y, int A, int U, int V>
 struct BlockSamples {
     static constexpr bool kHasAlpha = A >= 0;
     template <class Line>
-    static auto& Luma(const Line& line, std::size_t x) { return line.plane[0][x / 16 * BlockBytes + Y + x % 16]; }
+    static auto& Luma(const Line& line, std::size_t x) {
+        return line.plane[0][x / 16 * BlockBytes + Y + x % 16];
+    }
     template <class Line>
-    static auto& Alpha(const Line& line, std::size_t x) { return line.plane[0][x / 16 * BlockBytes + A + x % 16]; }
+    static auto& Alpha(const Line& line, std::size_t x) {
+        return line.plane[0][x / 16 * BlockBytes + A + x % 16];
+    }
     template <class Line>
-    static auto& Cb(const Line& line, std::size_t pair) { return line.plane[0][pair / 8 * BlockBytes + U + pair % 8]; }
+    static auto& Cb(const Line& line, std::size_t pair) {
+        return line.plane[0][pair / 8 * BlockBytes + U + pair % 8];
+    }
     template <class Line>
-    static auto& Cr(const Line& line, std::size_t pair) { return line.plane[0][pair / 8 * BlockBytes + V + pair % 8]; }
+    static auto& Cr(const Line& line, std::size_t pair) {
+        return line.plane[0][pair / 8 * BlockBytes + V + pair % 8];
+    }
 };
 using Y16Samples = BlockSamples<32, 0, -1, 16, 24>;
 using Y16ASamples = BlockSamples<48, 0, 16, 32, 40>;
@@ -55,22 +69,34 @@ using Y32ABSamples = BlockSamples<80, 16, 32, 64, 72>;
 struct PlanarSamples {
     static constexpr bool kHasAlpha = false;
     template <class Line>
-    static auto& Luma(const Line& line, std::size_t x) { return line.plane[0][x]; }
+    static auto& Luma(const Line& line, std::size_t x) {
+        return line.plane[0][x];
+    }
     template <class Line>
-    static auto& Cb(const Line& line, std::size_t pair) { return line.plane[1][pair]; }
+    static auto& Cb(const Line& line, std::size_t pair) {
+        return line.plane[1][pair];
+    }
     template <class Line>
-    static auto& Cr(const Line& line, std::size_t pair) { return line.plane[2][pair]; }
+    static auto& Cr(const Line& line, std::size_t pair) {
+        return line.plane[2][pair];
+    }
 };
 
 /// A luma plane and a plane of interleaved chroma pairs.
 struct SemiPlanarSamples {
     static constexpr bool kHasAlpha = false;
     template <class Line>
-    static auto& Luma(const Line& line, std::size_t x) { return line.plane[0][x]; }
+    static auto& Luma(const Line& line, std::size_t x) {
+        return line.plane[0][x];
+    }
     template <class Line>
-    static auto& Cb(const Line& line, std::size_t pair) { return line.plane[1][2 * pair]; }
+    static auto& Cb(const Line& line, std::size_t pair) {
+        return line.plane[1][2 * pair];
+    }
     template <class Line>
-    static auto& Cr(const Line& line, std::size_t pair) { return line.plane[1][2 * pair + 1]; }
+    static auto& Cr(const Line& line, std::size_t pair) {
+        return line.plane[1][2 * pair + 1];
+    }
 };
 
 /// First byte of line `row` of a plane.

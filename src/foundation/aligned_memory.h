@@ -9,8 +9,8 @@ namespace KorvaneSoftware {
 constexpr std::size_t kDefaultAlignment = 64;
 constexpr std::size_t kLargestAlignment = 0x100000;
 
-/// Allocates `size` bytes aligned to 64, or to `alignment` where that is a larger power of two (at most 1 MiB; any other
-/// value gives 64). The block is framed by guard words that a debugger can show:
+/// Allocates `size` bytes aligned to 64, or to `alignment` where that is a larger power of two (at most 1 MiB; any
+/// other value gives 64). The block is framed by guard words that a debugger can show:
 ///   P - 40 guard, P - 32 raw block, P - 24 size rounded up to 8, P - 16 raw size, P - 8 guard, P + rounded size guard.
 /// @return the payload, or null.
 [[nodiscard]] void* AlignedAlloc(std::size_t size, std::size_t alignment = kDefaultAlignment) noexcept;

@@ -1,8 +1,8 @@
 // Root of the library's inward objects, which never leave it: one object, one user, so the count is a plain integer.
 #pragma once
 
-#include <cstdint>
 #include <pixmorph/com.h>
+#include <cstdint>
 
 #include "foundation/status.h"
 

@@ -36,7 +36,6 @@ constexpr FillBytesSlot::Entry kFillBytesStreamingRows[] = {
 };
 constexpr FillWordsSlot::Entry kFillWordsCachedRows[] = {
     {FEATURES_PLAIN, Fill_Plain<std::uint16_t>, "FillWordsCached_Plain"},
-    {FEATURES_AVX2, FillWordsCached_Avx2, "FillWordsCached_Avx2"},
 };
 constexpr FillWordsSlot::Entry kFillWordsStreamingRows[] = {
     {FEATURES_PLAIN, Fill_Plain<std::uint16_t>, "FillWordsStreaming_Plain"},
@@ -46,7 +45,6 @@ constexpr FillWordsSlot::Entry kFillWordsStreamingRows[] = {
 };
 constexpr FillDwordsSlot::Entry kFillDwordsCachedRows[] = {
     {FEATURES_PLAIN, Fill_Plain<std::uint32_t>, "FillDwordsCached_Plain"},
-    {FEATURES_AVX2, FillDwordsCached_Avx2, "FillDwordsCached_Avx2"},
 };
 constexpr FillDwordsSlot::Entry kFillDwordsStreamingRows[] = {
     {FEATURES_PLAIN, Fill_Plain<std::uint32_t>, "FillDwordsStreaming_Plain"},

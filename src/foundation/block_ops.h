@@ -1,5 +1,5 @@
-// Block copies and fills. All plane and line copies and fills of the library go through the sized operations, which pick
-// a form that keeps the data in the cache or one that bypasses it. Source and destination must not overlap.
+// Block copies and fills. All plane and line copies and fills of the library go through the sized operations, which
+// pick a form that keeps the data in the cache or one that bypasses it. Source and destination must not overlap.
 #pragma once
 
 #include <cstddef>

@@ -1,5 +1,5 @@
-// Dispatch slots: each primitive that has several forms is one global slot, called like a function. A slot starts at its
-// resolver, which looks the best form up in the primitive's table on the first call; from then on a call costs one
+// Dispatch slots: each primitive that has several forms is one global slot, called like a function. A slot starts at
+// its resolver, which looks the best form up in the primitive's table on the first call; from then on a call costs one
 // indirect jump. Resolution takes no lock: all threads compute and store the same pointer.
 //
 // How a primitive is laid out:
@@ -29,7 +29,8 @@ namespace KorvaneSoftware {
 std::uint32_t EnabledFeatures();
 
 /// For tests and benchmarks: lets the whole library run as on a processor that has only the features of `allowed`, by
-/// sending every slot back to its resolver. All ones lifts the restriction. Not to be called while another thread works.
+/// sending every slot back to its resolver. All ones lifts the restriction. Not to be called while another thread
+/// works.
 void RestrictFeatures(std::uint32_t allowed);
 
 /// One form of a primitive.
@@ -95,6 +96,7 @@ public:
     const Entry& Row(std::size_t row) const { return rows_[row]; }
     const char* RowName(std::size_t row) const override { return rows_[row].name; }
     std::uint32_t RowFeatures(std::size_t row) const override { return rows_[row].requiredFeatures; }
+    bool IsResolved() const { return target_.load(std::memory_order_relaxed) != resolver_; }
     void Unresolve() override { target_.store(resolver_, std::memory_order_relaxed); }
 
     /// Picks the form for the enabled features and remembers it.

@@ -46,14 +46,14 @@ std::uint32_t ComputeFeatureWord(const RawCpuId& cpu) {
     const auto add = [&word](bool present, std::uint32_t feature) {
         if (present) word |= feature;
     };
-    add(Bit(cpu.leaf1Edx, 15), 0x1);           // CMOV
-    add(Bit(cpu.leaf1Ecx, 12), 0x80);          // FMA
-    add(Bit(cpu.leaf1Ecx, 25), 0x800);         // AES
-    add(Bit(cpu.leaf1Ecx, 30), 0x2000);        // RDRAND
-    add(Bit(cpu.leaf80000001Ecx, 5), 0x400);   // LZCNT
-    add(Bit(cpu.leaf7Ebx, 3), 0x4000);         // BMI1
-    add(Bit(cpu.leaf7Ebx, 8), 0x10000);        // BMI2
-    add(Bit(cpu.leaf7Ebx, 9), 0x20000);        // ERMS
+    add(Bit(cpu.leaf1Edx, 15), 0x1);          // CMOV
+    add(Bit(cpu.leaf1Ecx, 12), 0x80);         // FMA
+    add(Bit(cpu.leaf1Ecx, 25), 0x800);        // AES
+    add(Bit(cpu.leaf1Ecx, 30), 0x2000);       // RDRAND
+    add(Bit(cpu.leaf80000001Ecx, 5), 0x400);  // LZCNT
+    add(Bit(cpu.leaf7Ebx, 3), 0x4000);        // BMI1
+    add(Bit(cpu.leaf7Ebx, 8), 0x10000);       // BMI2
+    add(Bit(cpu.leaf7Ebx, 9), 0x20000);       // ERMS
     if (HasVendor(cpu, "GenuineIntel"))
         word |= FEATURES_INTEL;
     else if (HasVendor(cpu, "AuthenticAMD"))
@@ -97,7 +97,7 @@ std::int32_t SelectCpuLevel(const RawCpuId& cpu, CpuLevelState& state) {
     const std::uint64_t bits = ComputeCpuInfoBits(cpu);
     const auto permitted = [bits](std::uint32_t mask) { return static_cast<std::uint16_t>(bits & mask); };
     std::int32_t status = CPU_OK;
-    if (bits == 0) {
+    if (cpu.maxLeaf == 0) {
         state = {0, 0, 7};
     } else if (Bit(bits, 8) && Bit(bits, 9)) {
         state = {5, 0, permitted(0xFDF)};
@@ -122,8 +122,8 @@ std::int32_t SelectCpuLevelFor(std::int32_t type, const RawCpuId& cpu, CpuLevelS
         CpuLevelState state;
     };
     static constexpr ForcedLevel kForced[] = {
-        {0, {1, 0, 15}},  {32, {1, 0, 15}}, {66, {1, 0, 15}},  {33, {2, 0, 31}},   {34, {2, 0, 31}},
-        {67, {2, 0, 31}}, {35, {4, 0, 95}}, {68, {4, 0, 95}},  {36, {3, 1, 63}},   {37, {4, 0, 223}},
+        {0, {1, 0, 15}},   {32, {1, 0, 15}},   {66, {1, 0, 15}},   {33, {2, 0, 31}},   {34, {2, 0, 31}},
+        {67, {2, 0, 31}},  {35, {4, 0, 95}},   {68, {4, 0, 95}},   {36, {3, 1, 63}},   {37, {4, 0, 223}},
         {69, {4, 0, 223}}, {38, {4, 0, 3295}}, {71, {4, 0, 3295}}, {70, {5, 0, 4063}},
     };
     if (type == -1) return SelectCpuLevel(cpu, state);

@@ -8,15 +8,15 @@ namespace KorvaneSoftware {
 
 /// Raw register values, as CPUID and XGETBV report them. Leaves that the processor lacks are zero.
 struct RawCpuId {
-    char vendor[13] = {};           ///< Leaf 0, as a string.
-    std::uint32_t maxLeaf = 0;      ///< Leaf 0, EAX; 0 when the processor reports nothing.
+    char vendor[13] = {};       ///< Leaf 0, as a string.
+    std::uint32_t maxLeaf = 0;  ///< Leaf 0, EAX; 0 when the processor reports nothing.
     std::uint32_t leaf1Eax = 0;
     std::uint32_t leaf1Ecx = 0;
     std::uint32_t leaf1Edx = 0;
     std::uint32_t leaf7Ebx = 0;
     std::uint32_t leaf80000001Ecx = 0;
     std::uint32_t leaf20000001Edx = 0;
-    std::uint32_t xcr0 = 0;         ///< Read only where OSXSAVE is set.
+    std::uint32_t xcr0 = 0;  ///< Read only where OSXSAVE is set.
 };
 
 /// Requirements of variants: the feature bits that a form needs, in ascending order of demand.
@@ -43,15 +43,15 @@ std::uint32_t ComputeFeatureWord(const RawCpuId& cpu);
 std::uint64_t ComputeCpuInfoBits(const RawCpuId& cpu);
 
 /// Selection of the older level scheme: which of six forms of a block transform runs, 0 the plainest.
-struct CpuLevelState {
-    std::uint8_t level = 0;   ///< `CpuLevel`
-    std::uint8_t atom = 0;    ///< `CpuLevelAtom`
-    std::uint16_t mask = 0;   ///< Permitted features, as CpuInfoBits counts them.
+struct alignas(4) CpuLevelState {  // Loaded and stored as one word.
+    std::uint8_t level = 0;        ///< `CpuLevel`
+    std::uint8_t atom = 0;         ///< `CpuLevelAtom`
+    std::uint16_t mask = 0;        ///< Permitted features, as CpuInfoBits counts them.
 };
 
 // Statuses of the level scheme, a numbering of its own.
 constexpr std::int32_t CPU_OK = 0;
-constexpr std::int32_t CPU_VENDOR_NOT_INTEL = 20;   ///< A remark: the level is valid all the same.
+constexpr std::int32_t CPU_VENDOR_NOT_INTEL = 20;  ///< A remark: the level is valid all the same.
 constexpr std::int32_t CPU_UNKNOWN_TYPE = 21;
 constexpr std::int32_t CPU_NOT_SUPPORTED = 36;
 

@@ -1,5 +1,6 @@
-// The record that describes a picture in memory, the closed set of pixel formats with their geometry, and all arithmetic
-// of layout: plane positions, strides, buffer sizes, crops and field views. No other file computes a plane position.
+// The record that describes a picture in memory, the closed set of pixel formats with their geometry, and all
+// arithmetic of layout: plane positions, strides, buffer sizes, crops and field views. No other file computes a plane
+// position.
 #pragma once
 
 #include <cstdint>
@@ -52,13 +53,13 @@ enum FormatId : std::uint32_t {
 /// head. A descriptor may carry plane 0 and stride 0 only and be completed by ImageCompletePlanes.
 struct ImageDescriptor {
     std::uint32_t format = 0;
-    std::uint32_t width = 0;          ///< Pixels.
-    std::uint32_t height = 0;         ///< Lines of this descriptor: a field view has half the frame's.
-    std::uint8_t lumaExtraBits = 0;   ///< Bit depth of plane 0 minus 8.
-    std::uint8_t chromaExtraBits = 0; ///< Bit depth of the chroma planes minus 8.
-    std::uint16_t colorMatrix = 0;    ///< Low two bits: 0 BT.601 limited, 1 and 2 BT.709 limited, 3 BT.601 full range.
-    std::uint8_t* planes[4] = {};     ///< First byte of each plane; BGR, BGRA, BGR8 are bottom-up.
-    std::int64_t strides[4] = {};     ///< Bytes from a line to the next; may be negative.
+    std::uint32_t width = 0;           ///< Pixels.
+    std::uint32_t height = 0;          ///< Lines of this descriptor: a field view has half the frame's.
+    std::uint8_t lumaExtraBits = 0;    ///< Bit depth of plane 0 minus 8.
+    std::uint8_t chromaExtraBits = 0;  ///< Bit depth of the chroma planes minus 8.
+    std::uint16_t colorMatrix = 0;     ///< Low two bits: 0 BT.601 limited, 1 and 2 BT.709 limited, 3 BT.601 full range.
+    std::uint8_t* planes[4] = {};      ///< First byte of each plane; BGR, BGRA, BGR8 are bottom-up.
+    std::int64_t strides[4] = {};      ///< Bytes from a line to the next; may be negative.
 };
 
 /// Geometry of a format.
@@ -132,8 +133,8 @@ const PlaneShiftRecord& PlaneShiftsOf(std::uint32_t format);
 /// Row of the format, or null when it is unknown. Format 0 has no row.
 const FormatInfo* FormatInfoOf(const ImageDescriptor& desc);
 
-/// Rounds up to a multiple of a power of two. The line alignments 48 and 80 of two block formats go through it as well and
-/// give a somewhat larger value, never a smaller one.
+/// Rounds up to a multiple of a power of two. The line alignments 48 and 80 of two block formats go through it as well
+/// and give a somewhat larger value, never a smaller one.
 constexpr std::uint64_t ImageAlign(std::uint64_t value, std::uint64_t alignment) {
     return (value - 1 + alignment) & ~(alignment - 1);
 }
@@ -155,8 +156,8 @@ std::uint64_t ImageBufferSize(const ImageDescriptor* desc);
 
 /// Sets plane 0 and stride 0 as given and the rest from them. A failure leaves the descriptor as it was.
 Status ImageSetPlanes(ImageDescriptor* desc, std::uint8_t* base, std::int64_t stride);
-/// Sets the planes with the smallest legal stride. IMG_BUFFER_TOO_SMALL when `size` does not hold the picture; the planes
-/// are set all the same.
+/// Sets the planes with the smallest legal stride. IMG_BUFFER_TOO_SMALL when `size` does not hold the picture; the
+/// planes are set all the same.
 Status ImageSetPlanesTight(ImageDescriptor* desc, std::uint8_t* base, std::uint64_t size);
 /// Derives the stride from the size of the buffer.
 Status ImageSetPlanesFromBuffer(ImageDescriptor* desc, std::uint8_t* base, std::uint64_t size);

@@ -8,18 +8,18 @@ namespace KorvaneSoftware {
 using Status = std::int32_t;
 
 constexpr Status IMG_OK = 0;
-constexpr Status IMG_BUFFER_TOO_SMALL = 2;    ///< Planes are set, but the buffer is smaller than the picture.
-constexpr Status IMG_E_FAILED = -1;           ///< A system call failed, or strides contradict each other.
-constexpr Status IMG_E_NULL_ARG = -2;         ///< A required descriptor or pointer is null.
-constexpr Status IMG_E_BAD_FORMAT = -3;       ///< Format unknown, or not one the operation was made for.
-constexpr Status IMG_E_BAD_SIZE = -4;         ///< Sizes that contradict each other, a rectangle outside the picture.
-constexpr Status IMG_E_BAD_ALIGNMENT = -5;    ///< A size or position is no multiple of what the format needs.
-constexpr Status IMG_E_EXCEPTION = -6;        ///< A failure of any kind was caught on the way through an engine.
-constexpr Status IMG_E_NO_MEMORY = -7;        ///< A temporary buffer could not be had.
-constexpr Status IMG_E_UNSUPPORTED = -8;      ///< The format pair is known but no conversion exists.
-constexpr Status IMG_E_NO_HANDLE = -9;        ///< The wait object does not exist; also: bad field structure.
-constexpr Status IMG_E_NOT_READY = -10;       ///< An engine object has no operation to call.
-constexpr Status IMG_E_NO_PATH = -13;         ///< As UNSUPPORTED, from older dispatch rows and the resize engine.
+constexpr Status IMG_BUFFER_TOO_SMALL = 2;  ///< Planes are set, but the buffer is smaller than the picture.
+constexpr Status IMG_E_FAILED = -1;         ///< A system call failed, or strides contradict each other.
+constexpr Status IMG_E_NULL_ARG = -2;       ///< A required descriptor or pointer is null.
+constexpr Status IMG_E_BAD_FORMAT = -3;     ///< Format unknown, or not one the operation was made for.
+constexpr Status IMG_E_BAD_SIZE = -4;       ///< Sizes that contradict each other, a rectangle outside the picture.
+constexpr Status IMG_E_BAD_ALIGNMENT = -5;  ///< A size or position is no multiple of what the format needs.
+constexpr Status IMG_E_EXCEPTION = -6;      ///< A failure of any kind was caught on the way through an engine.
+constexpr Status IMG_E_NO_MEMORY = -7;      ///< A temporary buffer could not be had.
+constexpr Status IMG_E_UNSUPPORTED = -8;    ///< The format pair is known but no conversion exists.
+constexpr Status IMG_E_NO_HANDLE = -9;      ///< The wait object does not exist; also: bad field structure.
+constexpr Status IMG_E_NOT_READY = -10;     ///< An engine object has no operation to call.
+constexpr Status IMG_E_NO_PATH = -13;       ///< As UNSUPPORTED, from older dispatch rows and the resize engine.
 
 /// Runs `body` and returns its result; anything thrown becomes `onException`. Every engine entry and every component
 /// method is wrapped in it: no exception leaves the library.

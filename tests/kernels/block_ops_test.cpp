@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "foundation/block_ops.h"
+#include "foundation/sync.h"
 #include "kernels/kernel_check.h"
 #include "support/guard_page.h"
 #include "support/random.h"
@@ -10,11 +11,11 @@
 namespace pixmorph_test {
 namespace {
 
-const ChecksSlots kChecked{&km::CopyCached,        &km::CopyStreaming,      &km::FillBytesCached,
+const ChecksSlots kChecked{&km::CopyCached,         &km::CopyStreaming,      &km::FillBytesCached,
                            &km::FillBytesStreaming, &km::FillWordsCached,    &km::FillWordsStreaming,
                            &km::FillDwordsCached,   &km::FillDwordsStreaming};
 
-constexpr std::size_t kCounts[] = {0,  1,  2,  3,  15,  16,  17,  31,  32,  33,  63,   64,   65,
+constexpr std::size_t kCounts[] = {0,  1,  2,   3,   15,  16,  17,  31,  32,  33,  63,   64,   65,
                                    95, 97, 127, 128, 129, 255, 256, 257, 511, 513, 1000, 4096, 70001};
 constexpr std::size_t kMargin = 96;
 
@@ -60,6 +61,20 @@ void CheckFill(const Slot& slot, Word value) {
 TEST(BlockOpsKernels, Copies) {
     CheckCopy(km::CopyCached);
     CheckCopy(km::CopyStreaming);
+}
+
+// Long enough for the part of a streamed fill that bypasses the cache, with every phase of the pattern at its start.
+TEST(BlockOpsKernels, LongStreamedFills) {
+    const std::size_t count = km::GetCacheSize() / 4 + 1000 + 3;
+    ForEachVariant(km::FillDwordsStreaming, [count](auto* variant, auto* plain) {
+        for (const std::size_t offset : {0, 1, 2, 3}) {
+            std::vector<std::uint8_t> expected(count * 4 + 2 * kMargin, 0x5A);
+            std::vector<std::uint8_t> actual = expected;
+            plain(reinterpret_cast<std::uint32_t*>(expected.data() + offset), count, 0x89ABCDEF);
+            variant(reinterpret_cast<std::uint32_t*>(actual.data() + offset), count, 0x89ABCDEF);
+            ASSERT_TRUE(expected == actual) << "at " << offset;
+        }
+    });
 }
 
 TEST(BlockOpsKernels, Fills) {

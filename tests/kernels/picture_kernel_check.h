@@ -17,8 +17,8 @@ struct PictureKernelCase {
     const km::DispatchSlot<PictureKernel>* slot;
     std::uint32_t dstFormat;
     std::uint32_t srcFormat;
-    std::uint32_t widthStep = 2;       ///< Widths are multiples of this.
-    std::uint32_t heightStep = 1;      ///< Heights are multiples of this.
+    std::uint32_t widthStep = 2;   ///< Widths are multiples of this.
+    std::uint32_t heightStep = 1;  ///< Heights are multiples of this.
     std::uint8_t dstExtraBits = 0;
     std::uint8_t srcExtraBits = 0;
 };
@@ -57,9 +57,9 @@ inline void CheckPictureKernel(const PictureKernelCase& c, std::uint32_t seed = 
                         const TestPicture expected = Converted(plain, dst, src);
                         const TestPicture actual = Converted(variant, dst, src);
                         const std::string context =
-                            std::to_string(width) + "x" + std::to_string(height) + " matrix " +
-                            std::to_string(matrix) + " fill " + std::to_string(static_cast<int>(fill)) + " seed " +
-                            std::to_string(fillSeed) + " strides " + std::to_string(dst.Desc().strides[0]) + ", " +
+                            std::to_string(width) + "x" + std::to_string(height) + " matrix " + std::to_string(matrix) +
+                            " fill " + std::to_string(static_cast<int>(fill)) + " seed " + std::to_string(fillSeed) +
+                            " strides " + std::to_string(dst.Desc().strides[0]) + ", " +
                             std::to_string(src.Desc().strides[0]);
                         ASSERT_EQ(actual.FirstDifference(expected), "") << context;
                         ASSERT_TRUE(actual.GuardsIntact()) << context;

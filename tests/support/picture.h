@@ -27,11 +27,21 @@ inline void FillBytes(std::vector<std::uint8_t>& bytes, Fill fill, std::uint32_t
     ByteGenerator generator(seed);
     for (std::size_t i = 0; i < bytes.size(); ++i) {
         switch (fill) {
-            case Fill::Random: bytes[i] = generator.Next(); break;
-            case Fill::Zero: bytes[i] = 0; break;
-            case Fill::Max: bytes[i] = 255; break;
-            case Fill::Ramp: bytes[i] = static_cast<std::uint8_t>(i); break;
-            case Fill::Extremes: bytes[i] = (generator.Next() & 1) != 0 ? 255 : 0; break;
+            case Fill::Random:
+                bytes[i] = generator.Next();
+                break;
+            case Fill::Zero:
+                bytes[i] = 0;
+                break;
+            case Fill::Max:
+                bytes[i] = 255;
+                break;
+            case Fill::Ramp:
+                bytes[i] = static_cast<std::uint8_t>(i);
+                break;
+            case Fill::Extremes:
+                bytes[i] = (generator.Next() & 1) != 0 ? 255 : 0;
+                break;
         }
     }
 }
