@@ -27,12 +27,26 @@ static inline std::uint8_t* PixelsAt(const ImageDescriptor& desc, std::int64_t r
     return LineOfPlane(desc, 0, static_cast<std::int64_t>(desc.height) - 1 - row);
 }
 
-/// Whether plane 0 of a destination is written past the cache: when it is too large to be found there afterwards, and
-/// its lines are aligned as such stores demand.
-static inline bool IsStreamed(const ImageDescriptor& dst, std::size_t rowBytes) {
+constexpr std::size_t kNeverStreamed = 0;
+
+/// Whether plane 0, of kBytes bytes per pixel, is written past the cache: when the picture is too large to be found
+/// there afterwards, each step fills whole cache lines (parts of lines leave the processor one by one), and lines are
+/// aligned as the stores demand.
+template <std::size_t kBytes>
+static inline bool IsStreamed(const ImageDescriptor& dst) {
+    constexpr std::size_t kCacheLine = 64;
+    if constexpr (kBytes == kNeverStreamed || kVecBytes * kBytes % kCacheLine != 0) return false;
     const bool aligned = reinterpret_cast<std::uintptr_t>(dst.planes[0]) % kVecBytes == 0 &&
                          dst.strides[0] % static_cast<std::int64_t>(kVecBytes) == 0;
-    return aligned && rowBytes * dst.height > CachedCountLimit();
+    return aligned && kBytes * dst.width * dst.height > CachedCountLimit();
+}
+
+/// Asks for kBytes bytes that a later line will need. Frames come from far up the memory hierarchy, and the processor's
+/// own prefetching starts anew at each page of a few lines: asking for the next line while this one is worked on halves
+/// the time of frames that lie in the last-level cache.
+template <std::size_t kBytes>
+static inline void Prefetch(const std::uint8_t* p) {
+    for (std::size_t i = 0; i < kBytes; i += 64) _mm_prefetch(reinterpret_cast<const char*>(p + i), _MM_HINT_T0);
 }
 
 }  // namespace KorvaneSoftware::PIXMORPH_SIMD

@@ -52,6 +52,10 @@ struct PackedSource {
     static constexpr bool kPacked = true;
     static constexpr bool kHasAlpha = false;
 
+    static inline void PrefetchLuma(const SampleLine& line, std::size_t x) {
+        Prefetch<2 * kPixels>(line.plane[0] + 2 * x);
+    }
+    static inline void PrefetchChroma(const SampleLine&, std::size_t) {}
     static inline LumaWords Luma(const SampleLine& line, std::size_t x) {
         const std::uint8_t* const p = line.plane[0] + 2 * x;
         return {LumaOf(Load(p)), LumaOf(Load(p + kVecBytes))};
@@ -101,6 +105,11 @@ struct PlanarSource {
     static constexpr bool kPacked = false;
     static constexpr bool kHasAlpha = false;
 
+    static inline void PrefetchLuma(const SampleLine& line, std::size_t x) { Prefetch<kPixels>(line.plane[0] + x); }
+    static inline void PrefetchChroma(const SampleLine& line, std::size_t x) {
+        Prefetch<kPixels / 2>(line.plane[1] + x / 2);
+        Prefetch<kPixels / 2>(line.plane[2] + x / 2);
+    }
     static inline LumaWords Luma(const SampleLine& line, std::size_t x) { return WidenLuma(Load(line.plane[0] + x)); }
     template <bool kLast>
     static inline ChromaWords Chroma(const SampleLine& line, std::size_t x) {
@@ -128,6 +137,8 @@ struct SemiPlanarSource {
     static constexpr bool kPacked = false;
     static constexpr bool kHasAlpha = false;
 
+    static inline void PrefetchLuma(const SampleLine& line, std::size_t x) { Prefetch<kPixels>(line.plane[0] + x); }
+    static inline void PrefetchChroma(const SampleLine& line, std::size_t x) { Prefetch<kPixels>(line.plane[1] + x); }
     static inline LumaWords Luma(const SampleLine& line, std::size_t x) { return WidenLuma(Load(line.plane[0] + x)); }
     template <bool kLast>
     static inline ChromaWords Chroma(const SampleLine& line, std::size_t x) {
@@ -153,6 +164,10 @@ struct BlockSource {
     static inline const std::uint8_t* BlockAt(const SampleLine& line, std::size_t x) {
         return line.plane[0] + x / 16 * kBlockBytes;
     }
+    static inline void PrefetchLuma(const SampleLine& line, std::size_t x) {
+        Prefetch<kPixels / 16 * kBlockBytes>(BlockAt(line, x));
+    }
+    static inline void PrefetchChroma(const SampleLine&, std::size_t) {}
     static inline LumaWords Luma(const SampleLine& line, std::size_t x) {
         return WidenLuma(GatherLanes(BlockAt(line, x), kBlockBytes));
     }
@@ -199,56 +214,62 @@ static inline void WriteStep(std::uint8_t* out, const SampleLine& line, std::siz
 }
 
 template <class Source, class Pixels, bool kStreamed>
-static void ConvertLine(std::uint8_t* out, const SampleLine& line, std::size_t width, const YuvToRgbVectors& m) {
-    std::size_t x = 0;
-    for (; x + kPixels < width; x += kPixels)
-        WriteStep<Source, Pixels, kStreamed>(out, line, x, Source::template Chroma<false>(line, x), m);
-    x = width - kPixels;
-    WriteStep<Source, Pixels, false>(out, line, x, Source::template Chroma<true>(line, x), m);
-}
-
-/// The two lines that share a chroma line, the second of which lies between that one and the next.
-template <class Source, class Pixels, bool kStreamed>
-static void ConvertLinePair(std::uint8_t* const (&out)[2], const SampleLine& first, const SampleLine& second,
-                            std::size_t width, const YuvToRgbVectors& m) {
-    std::size_t x = 0;
-    for (; x + kPixels < width; x += kPixels) {
-        const ChromaWords chroma = Source::template Chroma<false>(first, x);
-        const ChromaWords next = Source::template Chroma<false>(second, x);
-        WriteStep<Source, Pixels, kStreamed>(out[0], first, x, chroma, m);
-        WriteStep<Source, Pixels, kStreamed>(out[1], second, x, Mean(chroma, next), m);
-    }
-    x = width - kPixels;
-    const ChromaWords chroma = Source::template Chroma<true>(first, x);
-    const ChromaWords next = Source::template Chroma<true>(second, x);
-    WriteStep<Source, Pixels, false>(out[0], first, x, chroma, m);
-    WriteStep<Source, Pixels, false>(out[1], second, x, Mean(chroma, next), m);
-}
-
-template <class Source, class Pixels, bool kStreamed>
 static void ConvertLines422(const ImageDescriptor& dst, const ImageDescriptor& src) {
     const YuvToRgbVectors m = LoadYuvToRgb(src.colorMatrix);
-    for (std::int64_t row = 0; row < src.height; ++row)
-        ConvertLine<Source, Pixels, kStreamed>(PixelsAt(dst, row), SamplesAt(src, row, row), src.width, m);
+    const std::int64_t height = src.height;
+    for (std::int64_t row = 0; row < height; ++row) {
+        std::uint8_t* const out = PixelsAt(dst, row);
+        const SampleLine line = SamplesAt(src, row, row);
+        const std::int64_t nextRow = row + 1 < height ? row + 1 : row;
+        const SampleLine next = SamplesAt(src, nextRow, nextRow);
+        std::size_t x = 0;
+        for (; x + kPixels < src.width; x += kPixels) {
+            Source::PrefetchLuma(next, x);
+            Source::PrefetchChroma(next, x);
+            WriteStep<Source, Pixels, kStreamed>(out, line, x, Source::template Chroma<false>(line, x), m);
+        }
+        x = src.width - kPixels;
+        WriteStep<Source, Pixels, false>(out, line, x, Source::template Chroma<true>(line, x), m);
+    }
+}
+
+/// The two lines that share a chroma line, the second of which lies between that one and the next, are made together.
+template <class Source, class Pixels, bool kLast, bool kStreamed>
+static inline void WriteStepPair(std::uint8_t* const (&out)[2], const SampleLine (&lines)[2], std::size_t x,
+                                 const YuvToRgbVectors& m) {
+    const ChromaWords chroma = Source::template Chroma<kLast>(lines[0], x);
+    const ChromaWords below = Source::template Chroma<kLast>(lines[1], x);
+    WriteStep<Source, Pixels, kStreamed>(out[0], lines[0], x, chroma, m);
+    WriteStep<Source, Pixels, kStreamed>(out[1], lines[1], x, Mean(chroma, below), m);
 }
 
 template <class Source, class Pixels, bool kStreamed>
 static void ConvertLines420(const ImageDescriptor& dst, const ImageDescriptor& src) {
     const YuvToRgbVectors m = LoadYuvToRgb(src.colorMatrix);
     const std::int64_t chromaRows = src.height / 2;
+    // Behind the last chroma line there is none to interpolate with: the mean with itself is itself.
+    const auto clamped = [chromaRows](std::int64_t row) { return row < chromaRows ? row : chromaRows - 1; };
     for (std::int64_t chromaRow = 0; chromaRow < chromaRows; ++chromaRow) {
         const std::int64_t row = 2 * chromaRow;
-        // Below the last chroma line there is none to interpolate with: the mean with itself is itself.
-        const std::int64_t nextRow = chromaRow + 1 < chromaRows ? chromaRow + 1 : chromaRow;
         std::uint8_t* const out[2] = {PixelsAt(dst, row), PixelsAt(dst, row + 1)};
-        ConvertLinePair<Source, Pixels, kStreamed>(out, SamplesAt(src, row, chromaRow),
-                                                   SamplesAt(src, row + 1, nextRow), src.width, m);
+        const SampleLine lines[2] = {SamplesAt(src, row, chromaRow), SamplesAt(src, row + 1, clamped(chromaRow + 1))};
+        const std::int64_t nextRow = 2 * clamped(chromaRow + 1);
+        const SampleLine next[2] = {SamplesAt(src, nextRow, clamped(chromaRow + 2)),
+                                    SamplesAt(src, nextRow + 1, clamped(chromaRow + 2))};
+        std::size_t x = 0;
+        for (; x + kPixels < src.width; x += kPixels) {
+            Source::PrefetchLuma(next[0], x);
+            Source::PrefetchLuma(next[1], x);
+            Source::PrefetchChroma(next[0], x);
+            WriteStepPair<Source, Pixels, false, kStreamed>(out, lines, x, m);
+        }
+        WriteStepPair<Source, Pixels, true, false>(out, lines, src.width - kPixels, m);
     }
 }
 
 template <class Source, class Pixels>
 static void Convert422ToRgb(const ImageDescriptor& dst, const ImageDescriptor& src) {
-    if (IsStreamed(dst, src.width * Pixels::kBytes)) {
+    if (IsStreamed<Pixels::kBytes>(dst)) {
         ConvertLines422<Source, Pixels, true>(dst, src);
         StreamFence();
     } else {
@@ -258,7 +279,7 @@ static void Convert422ToRgb(const ImageDescriptor& dst, const ImageDescriptor& s
 
 template <class Source, class Pixels>
 static void Convert420ToRgb(const ImageDescriptor& dst, const ImageDescriptor& src) {
-    if (IsStreamed(dst, src.width * Pixels::kBytes)) {
+    if (IsStreamed<Pixels::kBytes>(dst)) {
         ConvertLines420<Source, Pixels, true>(dst, src);
         StreamFence();
     } else {
