@@ -1,0 +1,76 @@
+// Kernels between BGRA pictures.
+#include <algorithm>
+#include <cstddef>
+
+#include "titles/title_slot.h"
+
+namespace KorvaneSoftware {
+
+namespace {
+
+// Calls `mix(dst, src)` with the first byte of every pixel, rows in memory order. Source and destination may coincide.
+template <class MixPixel>
+void ForEachPixel(const ImageDescriptor& dst, const ImageDescriptor& src, MixPixel mix) {
+    for (std::int64_t row = 0; row < dst.height; ++row) {
+        std::uint8_t* to = dst.planes[0] + row * dst.strides[0];
+        const std::uint8_t* from = src.planes[0] + row * src.strides[0];
+        for (std::size_t x = 0; x < dst.width; ++x) mix(to + 4 * x, from + 4 * x);
+    }
+}
+
+std::uint8_t AddSaturated(std::uint32_t a, std::uint32_t b) { return static_cast<std::uint8_t>(std::min(a + b, 255u)); }
+
+void MovTitleBgra_Plain(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+    const std::uint32_t factor = mix.regionAlpha + 1;
+    ForEachPixel(dst, src, [factor](std::uint8_t* d, const std::uint8_t* s) {
+        const std::uint32_t m = s[3] * factor;
+        for (int c = 0; c < 3; ++c) d[c] = static_cast<std::uint8_t>((s[c] * m) >> 16);
+        d[3] = static_cast<std::uint8_t>(m >> 8);
+    });
+}
+
+void NPTitleBgra_Plain(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+    const std::uint32_t factor = mix.regionAlpha + 1;
+    ForEachPixel(dst, src, [factor](std::uint8_t* d, const std::uint8_t* s) {
+        for (int c = 0; c < 3; ++c) d[c] = s[c];
+        d[3] = static_cast<std::uint8_t>((s[3] * factor) >> 8);
+    });
+}
+
+void AddTitleBgra_Plain(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+    const std::uint32_t factor = mix.regionAlpha + 1;
+    ForEachPixel(dst, src, [factor](std::uint8_t* d, const std::uint8_t* s) {
+        const std::uint32_t alpha = s[3];
+        const std::uint32_t k = (255u - d[3]) * factor;
+        // The 1 is what makes an opaque 255 come out whole but for the last step.
+        for (int c = 0; c < 3; ++c) d[c] = AddSaturated(d[c], ((s[c] + 1u) * alpha * k) >> 24);
+        d[3] = AddSaturated(d[3], (alpha * k) >> 16);
+    });
+}
+
+void TitleToImage_Plain(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix&) {
+    ForEachPixel(dst, src, [](std::uint8_t* d, const std::uint8_t* s) {
+        const std::uint32_t alpha = s[3];
+        for (int c = 0; c < 3; ++c) {
+            // A transparent pixel that holds colour becomes full in that channel; callers expect it.
+            const std::uint32_t straight = alpha != 0 ? s[c] * 255u / alpha : (s[c] != 0 ? 255u : 0u);
+            d[c] = static_cast<std::uint8_t>(std::min(straight, 255u));
+        }
+        d[3] = static_cast<std::uint8_t>(alpha);
+    });
+}
+
+}  // namespace
+
+PIXMORPH_TITLE_SLOT(MovTitleBgra, MovTitleBgra_Plain)
+PIXMORPH_TITLE_SLOT(NPTitleBgra, NPTitleBgra_Plain)
+PIXMORPH_TITLE_SLOT(AddTitleBgra, AddTitleBgra_Plain)
+PIXMORPH_TITLE_SLOT(TitleToImage, TitleToImage_Plain)
+
+namespace {
+
+const SlotRegistration kRegistration{&MovTitleBgra, &NPTitleBgra, &AddTitleBgra, &TitleToImage};
+
+}  // namespace
+
+}  // namespace KorvaneSoftware
