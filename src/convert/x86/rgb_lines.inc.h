@@ -27,19 +27,31 @@ static inline std::uint8_t* PixelsAt(const ImageDescriptor& desc, std::int64_t r
     return LineOfPlane(desc, 0, static_cast<std::int64_t>(desc.height) - 1 - row);
 }
 
-constexpr std::size_t kNeverStreamed = 0;
+constexpr std::size_t kCacheLine = 64;
 
-/// Whether plane 0, of kBytes bytes per pixel, is written past the cache: when the picture is too large to be found
-/// there afterwards, each step fills whole cache lines (parts of lines leave the processor one by one), and lines are
-/// aligned as the stores demand.
-template <std::size_t kBytes>
-static inline bool IsStreamed(const ImageDescriptor& dst) {
-    constexpr std::size_t kCacheLine = 64;
-    if constexpr (kBytes == kNeverStreamed || kVecBytes * kBytes % kCacheLine != 0) return false;
-    const bool aligned = reinterpret_cast<std::uintptr_t>(dst.planes[0]) % kVecBytes == 0 &&
-                         dst.strides[0] % static_cast<std::int64_t>(kVecBytes) == 0;
-    return aligned && kBytes * dst.width * dst.height > CachedCountLimit();
-}
+/// How a destination of kBytes bytes per pixel is written past the cache: the steps of a line start at the first cache
+/// line boundary that falls on a multiple of kGranule pixels, behind a first step with plain stores.
+template <std::size_t kBytes, std::size_t kGranule>
+struct StreamedPlane {
+    // Parts of cache lines leave the processor one by one, so each step has to fill whole ones.
+    static constexpr bool kFillsLines = kVecBytes * kBytes % kCacheLine == 0;
+    // Addresses that are multiples of this have a boundary within kCacheLine pixels.
+    static constexpr std::size_t kUnit = kBytes == 3 ? kGranule : kBytes * kGranule;
+
+    /// Whether that is possible, and the picture too large to be found in the cache afterwards.
+    static inline bool IsFor(const ImageDescriptor& dst) {
+        if constexpr (!kFillsLines) return false;
+        const auto address = reinterpret_cast<std::uintptr_t>(dst.planes[0]);
+        return (address | static_cast<std::uintptr_t>(dst.strides[0])) % kUnit == 0 &&
+               kBytes * dst.width * dst.height > CachedCountLimit();
+    }
+    /// Pixels from `line` to the boundary.
+    static inline std::size_t Head(const std::uint8_t* line) {
+        const std::size_t bytes = (kCacheLine - reinterpret_cast<std::uintptr_t>(line) % kCacheLine) % kCacheLine;
+        // 43 is the inverse of 3 modulo 64.
+        return kBytes == 3 ? bytes * 43 % kCacheLine : bytes / kBytes;
+    }
+};
 
 /// Asks for kBytes bytes that a later line will need. Frames come from far up the memory hierarchy, and the processor's
 /// own prefetching starts anew at each page of a few lines: asking for the next line while this one is worked on halves

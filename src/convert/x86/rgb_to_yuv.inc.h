@@ -35,7 +35,8 @@ static inline Vec LumaBytes(const RgbToYuvVectors& m, const PairedWords& p) {
 
 template <bool kLumaFirst, bool kSwapped>
 struct PackedTarget {
-    static constexpr std::size_t kBytes = 2;
+    static constexpr bool kIsStreamed = true;
+    using Streamed = StreamedPlane<2, 2>;
     static constexpr bool kVFirst = kSwapped;
     static constexpr bool kHasAlpha = false;
 
@@ -56,7 +57,7 @@ alignas(16) static constexpr std::uint8_t kSplitChroma[16] = {0, 2, 4, 6, 8, 10,
 
 template <std::size_t kBlockBytes>
 struct BlockTarget {
-    static constexpr std::size_t kBytes = kNeverStreamed;
+    static constexpr bool kIsStreamed = false;
     static constexpr bool kVFirst = false;
     static constexpr bool kHasAlpha = kBlockBytes == 48;
 
@@ -72,7 +73,7 @@ using Y16Target = BlockTarget<32>;
 using Y16ATarget = BlockTarget<48>;
 
 struct PlanarTarget {
-    static constexpr std::size_t kBytes = kNeverStreamed;
+    static constexpr bool kIsStreamed = false;
     static constexpr bool kVFirst = false;
     static constexpr bool kHasAlpha = false;
 
@@ -126,20 +127,26 @@ static void ConvertLinesTo422(const ImageDescriptor& dst, const ImageDescriptor&
         const std::uint8_t* const in = PixelsAt(src, row);
         const std::uint8_t* const next = row + 1 < src.height ? PixelsAt(src, row + 1) : in;
         const SampleLine out = SamplesAt(dst, row, row);
-        for (std::size_t x = 0; x + kPixels < src.width; x += kPixels)
-            WriteStep422<Pixels, Target, kStreamed>(out, in, next, x, m);
+        std::size_t x = 0;
+        if constexpr (kStreamed) {
+            x = Target::Streamed::Head(out.plane[0]);
+            if (x != 0) WriteStep422<Pixels, Target, false>(out, in, next, 0, m);
+        }
+        for (; x + kPixels < src.width; x += kPixels) WriteStep422<Pixels, Target, kStreamed>(out, in, next, x, m);
         WriteStep422<Pixels, Target, false>(out, in, next, src.width - kPixels, m);
     }
 }
 
 template <class Pixels, class Target>
 static void ConvertTo422(const ImageDescriptor& dst, const ImageDescriptor& src) {
-    if (IsStreamed<Target::kBytes>(dst)) {
-        ConvertLinesTo422<Pixels, Target, true>(dst, src);
-        StreamFence();
-    } else {
-        ConvertLinesTo422<Pixels, Target, false>(dst, src);
+    if constexpr (Target::kIsStreamed) {
+        if (Target::Streamed::IsFor(dst)) {
+            ConvertLinesTo422<Pixels, Target, true>(dst, src);
+            StreamFence();
+            return;
+        }
     }
+    ConvertLinesTo422<Pixels, Target, false>(dst, src);
 }
 
 /// Two lines of pixels, upper and lower, at a pixel.
@@ -190,14 +197,19 @@ static void MoveLines(const ImageDescriptor& dst, const ImageDescriptor& src) {
         const std::uint8_t* const in = LineOfPlane(src, 0, row);
         const std::uint8_t* const next = row + 1 < src.height ? LineOfPlane(src, 0, row + 1) : in;
         std::uint8_t* const out = LineOfPlane(dst, 0, row);
-        for (std::size_t x = 0; x + kPixels < src.width; x += kPixels) MoveStep<From, To, kStreamed>(out, in, next, x);
+        std::size_t x = 0;
+        if constexpr (kStreamed) {
+            x = StreamedPlane<To::kBytes, 1>::Head(out);
+            if (x != 0) MoveStep<From, To, false>(out, in, next, 0);
+        }
+        for (; x + kPixels < src.width; x += kPixels) MoveStep<From, To, kStreamed>(out, in, next, x);
         MoveStep<From, To, false>(out, in, next, src.width - kPixels);
     }
 }
 
 template <class From, class To>
 static void ConvertPixels(const ImageDescriptor& dst, const ImageDescriptor& src) {
-    if (IsStreamed<To::kBytes>(dst)) {
+    if (StreamedPlane<To::kBytes, 1>::IsFor(dst)) {
         MoveLines<From, To, true>(dst, src);
         StreamFence();
     } else {

@@ -43,13 +43,14 @@ static inline Vec NextAtEnd(const std::uint8_t* last) {
     return Load(window + Bytes);
 }
 
-// Sources: samples of the step at pixel x. kPacked says in which order the words lie: as a lane-wise unpack or pack of
-// two registers leaves them (see rgb_lanes_sse41.h).
+// Sources: samples of the step at pixel x, a multiple of kGranule. kPacked says in which order the words lie: as a
+// lane-wise unpack or pack of two registers leaves them (see rgb_lanes_sse41.h).
 
 /// kLuma: byte of the first luma sample in the four bytes of a pixel pair; U before V or behind it.
 template <int kLuma, bool kVFirst>
 struct PackedSource {
     static constexpr bool kPacked = true;
+    static constexpr std::size_t kGranule = 2;
     static constexpr bool kHasAlpha = false;
 
     static inline void PrefetchLuma(const SampleLine& line, std::size_t x) {
@@ -103,6 +104,7 @@ using YvyuSource = PackedSource<0, true>;
 
 struct PlanarSource {
     static constexpr bool kPacked = false;
+    static constexpr std::size_t kGranule = 2;
     static constexpr bool kHasAlpha = false;
 
     static inline void PrefetchLuma(const SampleLine& line, std::size_t x) { Prefetch<kPixels>(line.plane[0] + x); }
@@ -135,6 +137,7 @@ private:
 
 struct SemiPlanarSource {
     static constexpr bool kPacked = false;
+    static constexpr std::size_t kGranule = 2;
     static constexpr bool kHasAlpha = false;
 
     static inline void PrefetchLuma(const SampleLine& line, std::size_t x) { Prefetch<kPixels>(line.plane[0] + x); }
@@ -158,6 +161,7 @@ struct SemiPlanarSource {
 template <std::size_t kBlockBytes>
 struct BlockSource {
     static constexpr bool kPacked = false;
+    static constexpr std::size_t kGranule = 16;
     static constexpr bool kHasAlpha = kBlockBytes == 48;
     static constexpr std::size_t kChroma = kBlockBytes - 16;
 
@@ -223,6 +227,10 @@ static void ConvertLines422(const ImageDescriptor& dst, const ImageDescriptor& s
         const std::int64_t nextRow = row + 1 < height ? row + 1 : row;
         const SampleLine next = SamplesAt(src, nextRow, nextRow);
         std::size_t x = 0;
+        if constexpr (kStreamed) {
+            x = StreamedPlane<Pixels::kBytes, Source::kGranule>::Head(out);
+            if (x != 0) WriteStep<Source, Pixels, false>(out, line, 0, Source::template Chroma<false>(line, 0), m);
+        }
         for (; x + kPixels < src.width; x += kPixels) {
             Source::PrefetchLuma(next, x);
             Source::PrefetchChroma(next, x);
@@ -257,6 +265,10 @@ static void ConvertLines420(const ImageDescriptor& dst, const ImageDescriptor& s
         const SampleLine next[2] = {SamplesAt(src, nextRow, clamped(chromaRow + 2)),
                                     SamplesAt(src, nextRow + 1, clamped(chromaRow + 2))};
         std::size_t x = 0;
+        if constexpr (kStreamed) {
+            x = StreamedPlane<Pixels::kBytes, Source::kGranule>::Head(out[0]);
+            if (x != 0) WriteStepPair<Source, Pixels, false, false>(out, lines, 0, m);
+        }
         for (; x + kPixels < src.width; x += kPixels) {
             Source::PrefetchLuma(next[0], x);
             Source::PrefetchLuma(next[1], x);
@@ -269,7 +281,7 @@ static void ConvertLines420(const ImageDescriptor& dst, const ImageDescriptor& s
 
 template <class Source, class Pixels>
 static void Convert422ToRgb(const ImageDescriptor& dst, const ImageDescriptor& src) {
-    if (IsStreamed<Pixels::kBytes>(dst)) {
+    if (src.width > kPixels && StreamedPlane<Pixels::kBytes, Source::kGranule>::IsFor(dst)) {
         ConvertLines422<Source, Pixels, true>(dst, src);
         StreamFence();
     } else {
@@ -279,7 +291,9 @@ static void Convert422ToRgb(const ImageDescriptor& dst, const ImageDescriptor& s
 
 template <class Source, class Pixels>
 static void Convert420ToRgb(const ImageDescriptor& dst, const ImageDescriptor& src) {
-    if (IsStreamed<Pixels::kBytes>(dst)) {
+    // The boundaries of two lines that are made together have to coincide.
+    const bool coincide = dst.strides[0] % static_cast<std::int64_t>(kCacheLine) == 0;
+    if (src.width > kPixels && coincide && StreamedPlane<Pixels::kBytes, Source::kGranule>::IsFor(dst)) {
         ConvertLines420<Source, Pixels, true>(dst, src);
         StreamFence();
     } else {
