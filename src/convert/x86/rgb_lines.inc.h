@@ -29,8 +29,47 @@ static inline std::uint8_t* PixelsAt(const ImageDescriptor& desc, std::int64_t r
 
 constexpr std::size_t kCacheLine = 64;
 
+template <bool kStreamed>
+static inline void Put(std::uint8_t* p, Vec a) {
+    if constexpr (kStreamed)
+        Stream(p, a);
+    else
+        Store(p, a);
+}
+
+// How the registers of a step reach memory.
+
+/// Past the cache where kStreamed; `out` is aligned then.
+template <bool kStreamed>
+struct WholeSink {
+    template <std::size_t kCount>
+    inline void Write(std::uint8_t* out, const Vec (&v)[kCount]) const {
+        for (std::size_t i = 0; i < kCount; ++i) Put<kStreamed>(out + i * kVecBytes, v[i]);
+    }
+};
+using PlainSink = WholeSink<false>;
+using StreamedSink = WholeSink<true>;
+
+/// Some bytes only. A plain store to bytes that were or will be written past the cache would fetch their lines again,
+/// so the ends of streamed lines are written without an overlap; a step that is not cut at all is aligned and is
+/// streamed.
+struct PartSink {
+    std::size_t from, bytes;
+
+    template <std::size_t kCount>
+    inline void Write(std::uint8_t* out, const Vec (&v)[kCount]) const {
+        if (bytes == kCount * kVecBytes) {
+            StreamedSink{}.Write(out, v);
+        } else {
+            alignas(64) std::uint8_t window[kCount * kVecBytes];
+            PlainSink{}.Write(window, v);
+            __builtin_memcpy(out + from, window + from, bytes);
+        }
+    }
+};
+
 /// How a destination of kBytes bytes per pixel is written past the cache: the steps of a line start at the first cache
-/// line boundary that falls on a multiple of kGranule pixels, behind a first step with plain stores.
+/// line boundary that falls on a multiple of kGranule pixels.
 template <std::size_t kBytes, std::size_t kGranule>
 struct StreamedPlane {
     // Parts of cache lines leave the processor one by one, so each step has to fill whole ones.
@@ -42,7 +81,7 @@ struct StreamedPlane {
     static inline bool IsFor(const ImageDescriptor& dst) {
         if constexpr (!kFillsLines) return false;
         const auto address = reinterpret_cast<std::uintptr_t>(dst.planes[0]);
-        return (address | static_cast<std::uintptr_t>(dst.strides[0])) % kUnit == 0 &&
+        return (address | static_cast<std::uintptr_t>(dst.strides[0])) % kUnit == 0 && dst.width > kVecBytes &&
                kBytes * dst.width * dst.height > CachedCountLimit();
     }
     /// Pixels from `line` to the boundary.
@@ -51,6 +90,10 @@ struct StreamedPlane {
         // 43 is the inverse of 3 modulo 64.
         return kBytes == 3 ? bytes * 43 % kCacheLine : bytes / kBytes;
     }
+    /// The first `pixels` pixels of a step.
+    static inline PartSink First(std::size_t pixels) { return {0, pixels * kBytes}; }
+    /// The last `pixels` pixels of a step.
+    static inline PartSink Last(std::size_t pixels) { return {(kVecBytes - pixels) * kBytes, pixels * kBytes}; }
 };
 
 /// Asks for kBytes bytes that a later line will need. Frames come from far up the memory hierarchy, and the processor's

@@ -40,13 +40,14 @@ struct PackedTarget {
     static constexpr bool kVFirst = kSwapped;
     static constexpr bool kHasAlpha = false;
 
-    template <bool kStreamed>
-    static inline void Write(const SampleLine& line, std::size_t x, Vec luma, Vec chroma, Vec) {
+    template <class Sink>
+    static inline void Write(const Sink& sink, const SampleLine& line, std::size_t x, Vec luma, Vec chroma, Vec) {
         luma = CollectForUnpack(luma);
         chroma = CollectForUnpack(chroma);
-        std::uint8_t* const out = line.plane[0] + 2 * x;
-        Put<kStreamed>(out, kLumaFirst ? UnpackLow8(luma, chroma) : UnpackLow8(chroma, luma));
-        Put<kStreamed>(out + kVecBytes, kLumaFirst ? UnpackHigh8(luma, chroma) : UnpackHigh8(chroma, luma));
+        const Vec first = kLumaFirst ? luma : chroma;
+        const Vec second = kLumaFirst ? chroma : luma;
+        const Vec pairs[2] = {UnpackLow8(first, second), UnpackHigh8(first, second)};
+        sink.Write(line.plane[0] + 2 * x, pairs);
     }
 };
 using UyvyTarget = PackedTarget<false, false>;
@@ -61,8 +62,7 @@ struct BlockTarget {
     static constexpr bool kVFirst = false;
     static constexpr bool kHasAlpha = kBlockBytes == 48;
 
-    template <bool>
-    static inline void Write(const SampleLine& line, std::size_t x, Vec luma, Vec chroma, Vec alpha) {
+    static inline void Write(const PlainSink&, const SampleLine& line, std::size_t x, Vec luma, Vec chroma, Vec alpha) {
         std::uint8_t* const out = line.plane[0] + x / 16 * kBlockBytes;
         ScatterLanes(out, kBlockBytes, CollectLanes(luma));
         if constexpr (kHasAlpha) ScatterLanes(out + 16, kBlockBytes, CollectLanes(alpha));
@@ -86,8 +86,7 @@ struct PlanarTarget {
         StoreHalf(line.plane[1] + x / 2, split);
         StoreUpperHalf(line.plane[2] + x / 2, split);
     }
-    template <bool>
-    static inline void Write(const SampleLine& line, std::size_t x, Vec luma, Vec chroma, Vec) {
+    static inline void Write(const PlainSink&, const SampleLine& line, std::size_t x, Vec luma, Vec chroma, Vec) {
         WriteLuma(line, x, luma);
         WriteChroma(line, x, chroma);
     }
@@ -110,30 +109,39 @@ static inline Vec ChromaBytes(const RgbToYuvVectors& m, const BgrVectors& mean) 
     return Target::kVFirst ? MergeBytes32(c.v, c.u) : MergeBytes32(c.u, c.v);
 }
 
-template <class Pixels, class Target, bool kStreamed>
-static inline void WriteStep422(const SampleLine& out, const std::uint8_t* in, const std::uint8_t* next, std::size_t x,
+template <class Pixels, class Target, class Sink>
+static inline void WriteStep422(const Sink& sink, const SampleLine& out, const std::uint8_t* in, std::size_t x,
                                 const RgbToYuvVectors& m) {
-    Prefetch<kPixels * Pixels::kBytes>(next + x * Pixels::kBytes);
     const PixelBytes pixels = Pixels::Read(in + x * Pixels::kBytes);
     const PairedWords words = SplitPairs(pixels);
-    Target::template Write<kStreamed>(out, x, LumaBytes(m, words),
-                                      ChromaBytes<Target>(m, Mean(words.first, words.second)), pixels.a);
+    Target::Write(sink, out, x, LumaBytes(m, words), ChromaBytes<Target>(m, Mean(words.first, words.second)), pixels.a);
 }
 
 template <class Pixels, class Target, bool kStreamed>
 static void ConvertLinesTo422(const ImageDescriptor& dst, const ImageDescriptor& src) {
     const RgbToYuvVectors m = LoadRgbToYuv(dst.colorMatrix);
+    const std::size_t last = src.width - kPixels;
     for (std::int64_t row = 0; row < src.height; ++row) {
         const std::uint8_t* const in = PixelsAt(src, row);
         const std::uint8_t* const next = row + 1 < src.height ? PixelsAt(src, row + 1) : in;
         const SampleLine out = SamplesAt(dst, row, row);
         std::size_t x = 0;
         if constexpr (kStreamed) {
-            x = Target::Streamed::Head(out.plane[0]);
-            if (x != 0) WriteStep422<Pixels, Target, false>(out, in, next, 0, m);
+            using Streamed = typename Target::Streamed;
+            x = Streamed::Head(out.plane[0]);
+            if (x != 0) WriteStep422<Pixels, Target>(Streamed::First(x), out, in, 0, m);
+            for (; x < last; x += kPixels) {
+                Prefetch<kPixels * Pixels::kBytes>(next + x * Pixels::kBytes);
+                WriteStep422<Pixels, Target>(StreamedSink{}, out, in, x, m);
+            }
+            WriteStep422<Pixels, Target>(Streamed::Last(src.width - x), out, in, last, m);
+        } else {
+            for (; x < last; x += kPixels) {
+                Prefetch<kPixels * Pixels::kBytes>(next + x * Pixels::kBytes);
+                WriteStep422<Pixels, Target>(PlainSink{}, out, in, x, m);
+            }
+            WriteStep422<Pixels, Target>(PlainSink{}, out, in, last, m);
         }
-        for (; x + kPixels < src.width; x += kPixels) WriteStep422<Pixels, Target, kStreamed>(out, in, next, x, m);
-        WriteStep422<Pixels, Target, false>(out, in, next, src.width - kPixels, m);
     }
 }
 
@@ -185,25 +193,35 @@ static void ConvertTo420(const ImageDescriptor& dst, const ImageDescriptor& src)
     }
 }
 
-template <class From, class To, bool kStreamed>
-static inline void MoveStep(std::uint8_t* out, const std::uint8_t* in, const std::uint8_t* next, std::size_t x) {
-    Prefetch<kPixels * From::kBytes>(next + x * From::kBytes);
-    To::template Write<kStreamed>(out + x * To::kBytes, From::ReadQuads(in + x * From::kBytes));
+template <class From, class To, class Sink>
+static inline void MoveStep(const Sink& sink, std::uint8_t* out, const std::uint8_t* in, std::size_t x) {
+    To::Write(sink, out + x * To::kBytes, From::ReadQuads(in + x * From::kBytes));
 }
 
 template <class From, class To, bool kStreamed>
 static void MoveLines(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    const std::size_t last = src.width - kPixels;
     for (std::int64_t row = 0; row < src.height; ++row) {
         const std::uint8_t* const in = LineOfPlane(src, 0, row);
         const std::uint8_t* const next = row + 1 < src.height ? LineOfPlane(src, 0, row + 1) : in;
         std::uint8_t* const out = LineOfPlane(dst, 0, row);
         std::size_t x = 0;
         if constexpr (kStreamed) {
-            x = StreamedPlane<To::kBytes, 1>::Head(out);
-            if (x != 0) MoveStep<From, To, false>(out, in, next, 0);
+            using Streamed = StreamedPlane<To::kBytes, 1>;
+            x = Streamed::Head(out);
+            if (x != 0) MoveStep<From, To>(Streamed::First(x), out, in, 0);
+            for (; x < last; x += kPixels) {
+                Prefetch<kPixels * From::kBytes>(next + x * From::kBytes);
+                MoveStep<From, To>(StreamedSink{}, out, in, x);
+            }
+            MoveStep<From, To>(Streamed::Last(src.width - x), out, in, last);
+        } else {
+            for (; x < last; x += kPixels) {
+                Prefetch<kPixels * From::kBytes>(next + x * From::kBytes);
+                MoveStep<From, To>(PlainSink{}, out, in, x);
+            }
+            MoveStep<From, To>(PlainSink{}, out, in, last);
         }
-        for (; x + kPixels < src.width; x += kPixels) MoveStep<From, To, kStreamed>(out, in, next, x);
-        MoveStep<From, To, false>(out, in, next, src.width - kPixels);
     }
 }
 

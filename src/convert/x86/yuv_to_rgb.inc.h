@@ -204,9 +204,9 @@ using Y16Source = BlockSource<32>;
 using Y16ASource = BlockSource<48>;
 
 /// One step of one line.
-template <class Source, class Pixels, bool kStreamed>
-static inline void WriteStep(std::uint8_t* out, const SampleLine& line, std::size_t x, const ChromaWords& c,
-                             const YuvToRgbVectors& m) {
+template <class Source, class Pixels, class Sink>
+static inline void WriteStep(const Sink& sink, std::uint8_t* out, const SampleLine& line, std::size_t x,
+                             const ChromaWords& c, const YuvToRgbVectors& m) {
     const LumaWords y = Source::Luma(line, x);
     const BgrVectors low = YuvToBgr(m, y.low, c.lowU, c.lowV);
     const BgrVectors high = YuvToBgr(m, y.high, c.highU, c.highV);
@@ -214,74 +214,102 @@ static inline void WriteStep(std::uint8_t* out, const SampleLine& line, std::siz
     PixelBytes bytes = {deal(Pack16To8u(low.b, high.b)), deal(Pack16To8u(low.g, high.g)),
                         deal(Pack16To8u(low.r, high.r)), Set8(255)};
     if constexpr (Source::kHasAlpha && Pixels::kHasAlpha) bytes.a = DealLanes(Source::Alpha(line, x));
-    Pixels::template Write<kStreamed>(out + x * Pixels::kBytes, Interleave(bytes));
+    Pixels::Write(sink, out + x * Pixels::kBytes, Interleave(bytes));
+}
+
+/// One line of 4:2:2, `next` being the line that comes next.
+template <class Source, class Pixels>
+struct LineConverter {
+    std::uint8_t* out;
+    SampleLine line, next;
+
+    std::uint8_t* First() const { return out; }
+    void Prefetch(std::size_t x) const {
+        Source::PrefetchLuma(next, x);
+        Source::PrefetchChroma(next, x);
+    }
+    template <bool kLast, class Sink>
+    inline void Step(const Sink& sink, std::size_t x, const YuvToRgbVectors& m) const {
+        WriteStep<Source, Pixels>(sink, out, line, x, Source::template Chroma<kLast>(line, x), m);
+    }
+};
+
+/// The two lines of 4:2:0 that share a chroma line, the second of which lies between that one and the next.
+template <class Source, class Pixels>
+struct LinePairConverter {
+    std::uint8_t* out[2];
+    SampleLine line[2], next[2];
+
+    std::uint8_t* First() const { return out[0]; }
+    void Prefetch(std::size_t x) const {
+        Source::PrefetchLuma(next[0], x);
+        Source::PrefetchLuma(next[1], x);
+        Source::PrefetchChroma(next[1], x);
+    }
+    template <bool kLast, class Sink>
+    inline void Step(const Sink& sink, std::size_t x, const YuvToRgbVectors& m) const {
+        const ChromaWords chroma = Source::template Chroma<kLast>(line[0], x);
+        const ChromaWords below = Source::template Chroma<kLast>(line[1], x);
+        WriteStep<Source, Pixels>(sink, out[0], line[0], x, chroma, m);
+        WriteStep<Source, Pixels>(sink, out[1], line[1], x, Mean(chroma, below), m);
+    }
+};
+
+template <class Streamed, bool kStreamed, class Converter>
+static inline void ConvertSteps(const Converter& converter, std::size_t width, const YuvToRgbVectors& m) {
+    const std::size_t last = width - kPixels;
+    std::size_t x = 0;
+    if constexpr (kStreamed) {
+        x = Streamed::Head(converter.First());
+        if (x != 0) converter.template Step<false>(Streamed::First(x), 0, m);
+        for (; x < last; x += kPixels) {
+            converter.Prefetch(x);
+            converter.template Step<false>(StreamedSink{}, x, m);
+        }
+        converter.template Step<true>(Streamed::Last(width - x), last, m);
+    } else {
+        for (; x < last; x += kPixels) {
+            converter.Prefetch(x);
+            converter.template Step<false>(PlainSink{}, x, m);
+        }
+        converter.template Step<true>(PlainSink{}, last, m);
+    }
 }
 
 template <class Source, class Pixels, bool kStreamed>
 static void ConvertLines422(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    using Streamed = StreamedPlane<Pixels::kBytes, Source::kGranule>;
     const YuvToRgbVectors m = LoadYuvToRgb(src.colorMatrix);
     const std::int64_t height = src.height;
     for (std::int64_t row = 0; row < height; ++row) {
-        std::uint8_t* const out = PixelsAt(dst, row);
-        const SampleLine line = SamplesAt(src, row, row);
-        const std::int64_t nextRow = row + 1 < height ? row + 1 : row;
-        const SampleLine next = SamplesAt(src, nextRow, nextRow);
-        std::size_t x = 0;
-        if constexpr (kStreamed) {
-            x = StreamedPlane<Pixels::kBytes, Source::kGranule>::Head(out);
-            if (x != 0) WriteStep<Source, Pixels, false>(out, line, 0, Source::template Chroma<false>(line, 0), m);
-        }
-        for (; x + kPixels < src.width; x += kPixels) {
-            Source::PrefetchLuma(next, x);
-            Source::PrefetchChroma(next, x);
-            WriteStep<Source, Pixels, kStreamed>(out, line, x, Source::template Chroma<false>(line, x), m);
-        }
-        x = src.width - kPixels;
-        WriteStep<Source, Pixels, false>(out, line, x, Source::template Chroma<true>(line, x), m);
+        const std::int64_t next = row + 1 < height ? row + 1 : row;
+        const LineConverter<Source, Pixels> line = {PixelsAt(dst, row), SamplesAt(src, row, row),
+                                                    SamplesAt(src, next, next)};
+        ConvertSteps<Streamed, kStreamed>(line, src.width, m);
     }
-}
-
-/// The two lines that share a chroma line, the second of which lies between that one and the next, are made together.
-template <class Source, class Pixels, bool kLast, bool kStreamed>
-static inline void WriteStepPair(std::uint8_t* const (&out)[2], const SampleLine (&lines)[2], std::size_t x,
-                                 const YuvToRgbVectors& m) {
-    const ChromaWords chroma = Source::template Chroma<kLast>(lines[0], x);
-    const ChromaWords below = Source::template Chroma<kLast>(lines[1], x);
-    WriteStep<Source, Pixels, kStreamed>(out[0], lines[0], x, chroma, m);
-    WriteStep<Source, Pixels, kStreamed>(out[1], lines[1], x, Mean(chroma, below), m);
 }
 
 template <class Source, class Pixels, bool kStreamed>
 static void ConvertLines420(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    using Streamed = StreamedPlane<Pixels::kBytes, Source::kGranule>;
     const YuvToRgbVectors m = LoadYuvToRgb(src.colorMatrix);
     const std::int64_t chromaRows = src.height / 2;
     // Behind the last chroma line there is none to interpolate with: the mean with itself is itself.
     const auto clamped = [chromaRows](std::int64_t row) { return row < chromaRows ? row : chromaRows - 1; };
     for (std::int64_t chromaRow = 0; chromaRow < chromaRows; ++chromaRow) {
         const std::int64_t row = 2 * chromaRow;
-        std::uint8_t* const out[2] = {PixelsAt(dst, row), PixelsAt(dst, row + 1)};
-        const SampleLine lines[2] = {SamplesAt(src, row, chromaRow), SamplesAt(src, row + 1, clamped(chromaRow + 1))};
-        const std::int64_t nextRow = 2 * clamped(chromaRow + 1);
-        const SampleLine next[2] = {SamplesAt(src, nextRow, clamped(chromaRow + 2)),
-                                    SamplesAt(src, nextRow + 1, clamped(chromaRow + 2))};
-        std::size_t x = 0;
-        if constexpr (kStreamed) {
-            x = StreamedPlane<Pixels::kBytes, Source::kGranule>::Head(out[0]);
-            if (x != 0) WriteStepPair<Source, Pixels, false, false>(out, lines, 0, m);
-        }
-        for (; x + kPixels < src.width; x += kPixels) {
-            Source::PrefetchLuma(next[0], x);
-            Source::PrefetchLuma(next[1], x);
-            Source::PrefetchChroma(next[0], x);
-            WriteStepPair<Source, Pixels, false, kStreamed>(out, lines, x, m);
-        }
-        WriteStepPair<Source, Pixels, true, false>(out, lines, src.width - kPixels, m);
+        const std::int64_t below = clamped(chromaRow + 1);
+        const LinePairConverter<Source, Pixels> lines = {
+            {PixelsAt(dst, row), PixelsAt(dst, row + 1)},
+            {SamplesAt(src, row, chromaRow), SamplesAt(src, row + 1, below)},
+            {SamplesAt(src, 2 * below, below), SamplesAt(src, 2 * below + 1, clamped(chromaRow + 2))}};
+        ConvertSteps<Streamed, kStreamed>(lines, src.width, m);
     }
 }
 
 template <class Source, class Pixels>
 static void Convert422ToRgb(const ImageDescriptor& dst, const ImageDescriptor& src) {
-    if (src.width > kPixels && StreamedPlane<Pixels::kBytes, Source::kGranule>::IsFor(dst)) {
+    if (StreamedPlane<Pixels::kBytes, Source::kGranule>::IsFor(dst)) {
         ConvertLines422<Source, Pixels, true>(dst, src);
         StreamFence();
     } else {
@@ -293,7 +321,7 @@ template <class Source, class Pixels>
 static void Convert420ToRgb(const ImageDescriptor& dst, const ImageDescriptor& src) {
     // The boundaries of two lines that are made together have to coincide.
     const bool coincide = dst.strides[0] % static_cast<std::int64_t>(kCacheLine) == 0;
-    if (src.width > kPixels && coincide && StreamedPlane<Pixels::kBytes, Source::kGranule>::IsFor(dst)) {
+    if (coincide && StreamedPlane<Pixels::kBytes, Source::kGranule>::IsFor(dst)) {
         ConvertLines420<Source, Pixels, true>(dst, src);
         StreamFence();
     } else {
