@@ -129,8 +129,8 @@ struct IColorConversion : IUnknown {
     /// @param dstStride, srcStride  four strides each, in bytes; 0 after the first: derived.
     /// @param width, height         size of both pictures. Each pair of formats asks for multiples of 1, 2, 8 or 16.
     /// @param dstFormat, srcFormat  number or FourCC; the top-down numbers are taken.
-    /// @return S_OK; E_INVALIDARG for an unknown format or a null array; E_FAIL when the pair has no path, the size is
-    ///         no multiple of what the pair needs, or a plane is missing.
+    /// @return S_OK; E_INVALIDARG for an unknown format; E_FAIL when the pair has no path, the size is
+    ///         no multiple of what the pair needs, or an array or a plane is missing.
     virtual HRESULT PIXMORPH_CALL Pixmorph(std::uint8_t* const* pDst, const std::int32_t* dstStride,
                                            const std::uint8_t* const* pSrc, const std::int32_t* srcStride,
                                            std::uint32_t width, std::uint32_t height, std::uint32_t dstFormat,

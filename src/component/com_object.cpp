@@ -17,9 +17,9 @@ HRESULT QueryInterfaceTable(void* self, std::span<const InterfaceEntry> table, c
     if (object == nullptr) return E_POINTER;
     *object = nullptr;
     const auto handOut = [&](const InterfaceEntry& entry) {
-        IUnknown* const interface = entry.cast(self);
-        interface->AddRef();
-        *object = interface;
+        IUnknown* const found = entry.cast(self);
+        found->AddRef();
+        *object = found;
         return S_OK;
     };
     if (iid == IID_IUnknown) return handOut(table.front());

@@ -23,7 +23,7 @@
 
 namespace KorvaneSoftware {
 
-/// Counts a live object, a reference to a class object or a lock on the module.
+/// Counts a live object or a lock on the module.
 void LockModule();
 void UnlockModule();
 /// Whether anything is alive.

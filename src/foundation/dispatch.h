@@ -96,6 +96,7 @@ public:
     const Entry& Row(std::size_t row) const { return rows_[row]; }
     const char* RowName(std::size_t row) const override { return rows_[row].name; }
     std::uint32_t RowFeatures(std::size_t row) const override { return rows_[row].requiredFeatures; }
+    bool IsResolved() const { return target_.load(std::memory_order_relaxed) != resolver_; }
     void Unresolve() override { target_.store(resolver_, std::memory_order_relaxed); }
 
     /// Picks the form for the enabled features and remembers it.

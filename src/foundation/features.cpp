@@ -97,7 +97,7 @@ std::int32_t SelectCpuLevel(const RawCpuId& cpu, CpuLevelState& state) {
     const std::uint64_t bits = ComputeCpuInfoBits(cpu);
     const auto permitted = [bits](std::uint32_t mask) { return static_cast<std::uint16_t>(bits & mask); };
     std::int32_t status = CPU_OK;
-    if (bits == 0) {
+    if (cpu.maxLeaf == 0) {
         state = {0, 0, 7};
     } else if (Bit(bits, 8) && Bit(bits, 9)) {
         state = {5, 0, permitted(0xFDF)};

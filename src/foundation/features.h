@@ -44,9 +44,9 @@ std::uint64_t ComputeCpuInfoBits(const RawCpuId& cpu);
 
 /// Selection of the older level scheme: which of six forms of a block transform runs, 0 the plainest.
 struct alignas(4) CpuLevelState {  // Loaded and stored as one word.
-    std::uint8_t level = 0;  ///< `CpuLevel`
-    std::uint8_t atom = 0;   ///< `CpuLevelAtom`
-    std::uint16_t mask = 0;  ///< Permitted features, as CpuInfoBits counts them.
+    std::uint8_t level = 0;        ///< `CpuLevel`
+    std::uint8_t atom = 0;         ///< `CpuLevelAtom`
+    std::uint16_t mask = 0;        ///< Permitted features, as CpuInfoBits counts them.
 };
 
 // Statuses of the level scheme, a numbering of its own.

@@ -159,11 +159,18 @@ std::uint64_t RowBytes(const FormatInfo& info, std::uint32_t width) {
     return static_cast<std::uint64_t>(info.plane0Bits) * width / 8;
 }
 
-// Distances between planes are computed as 64-bit integers: a hostile size must not overflow a pointer difference while
-// it is still only a number.
+// Distances between planes are computed as 64-bit integers that wrap: a hostile size must not overflow a pointer
+// difference while it is still only a number.
+std::int64_t WrappingProduct(std::int64_t a, std::int64_t b) {
+    return static_cast<std::int64_t>(static_cast<std::uint64_t>(a) * static_cast<std::uint64_t>(b));
+}
+
+std::uint8_t* Advance(std::uint8_t* base, std::uint64_t bytes) {
+    return reinterpret_cast<std::uint8_t*>(reinterpret_cast<std::uintptr_t>(base) + bytes);
+}
+
 std::uint8_t* Advance(std::uint8_t* base, std::int64_t lines, std::int64_t stride) {
-    const std::uint64_t distance = static_cast<std::uint64_t>(lines) * static_cast<std::uint64_t>(stride);
-    return reinterpret_cast<std::uint8_t*>(reinterpret_cast<std::uintptr_t>(base) + distance);
+    return Advance(base, static_cast<std::uint64_t>(WrappingProduct(lines, stride)));
 }
 
 // A picture too large for 64 bits of bytes has the largest size there is, which no allocation and no buffer satisfies.
@@ -171,13 +178,15 @@ std::uint64_t SaturatingProduct(std::uint64_t a, std::uint64_t b) {
     return a != 0 && b > UINT64_MAX / a ? UINT64_MAX : a * b;
 }
 
+std::uint64_t SaturatingSum(std::uint64_t a, std::uint64_t b) { return b > UINT64_MAX - a ? UINT64_MAX : a + b; }
+
 std::int64_t ChromaLines(const FormatInfo& info, std::uint32_t height) {
     return static_cast<std::int64_t>(ImageAlign(height, info.chromaHeightDiv));
 }
 
 std::uint8_t* ThirdPlane(const FormatInfo& info, const ImageDescriptor& desc, std::int64_t lines) {
     if (info.chromaSideBySide != 0) return Advance(desc.planes[1], 1, desc.strides[1] / info.chromaSideBySide);
-    return Advance(desc.planes[1], 1, lines * desc.strides[1] / info.chromaHeightDiv);
+    return Advance(desc.planes[1], 1, WrappingProduct(lines, desc.strides[1]) / info.chromaHeightDiv);
 }
 
 }  // namespace
@@ -234,7 +243,8 @@ std::uint64_t ImageBufferSizeAligned(const ImageDescriptor* desc, std::uint32_t 
     if (info->planeCount == 1) return SaturatingProduct(ImageAlign(RowBytes(*info, desc->width), lineAlign), height);
     const std::uint64_t stride = ImageAlign(static_cast<std::uint64_t>(info->sampleBits / 8) * desc->width, lineAlign);
     if (info->id == FMT_IMC1 || info->id == FMT_IMC3)
-        return SaturatingProduct(ImageAlign(height * 3 / 2, 16), stride) + height * stride / 2;
+        return SaturatingSum(SaturatingProduct(ImageAlign(height * 3 / 2, 16), stride),
+                             SaturatingProduct(height, stride) / 2);
     const std::uint64_t bits = SaturatingProduct(info->totalBits * height, stride);
     return bits == UINT64_MAX ? bits : bits / 8;
 }
@@ -309,15 +319,15 @@ Status ImageCrop(ImageDescriptor* desc, const ImageRect& rect) {
     if (const Status status = ImageCompletePlanes(desc); status != IMG_OK) return status;
     if (info->planeCount == 1) {
         const std::uint64_t row = IsBottomUp(desc->format) ? desc->height - height - y : y;
-        desc->planes[0] =
-            Advance(desc->planes[0], static_cast<std::int64_t>(row), desc->strides[0]) + info->plane0Bits * x / 8;
+        desc->planes[0] = Advance(Advance(desc->planes[0], static_cast<std::int64_t>(row), desc->strides[0]),
+                                  info->plane0Bits * x / 8);
     } else {
         const std::uint64_t bytes = info->sampleBits / 8 * x;
-        desc->planes[0] = Advance(desc->planes[0], static_cast<std::int64_t>(y), desc->strides[0]) + bytes;
+        desc->planes[0] = Advance(Advance(desc->planes[0], static_cast<std::int64_t>(y), desc->strides[0]), bytes);
+        const auto row = static_cast<std::int64_t>(y / info->chromaHeightDiv);
         for (std::uint32_t plane = 1; plane < info->planeCount; ++plane)
-            desc->planes[plane] = Advance(desc->planes[plane], static_cast<std::int64_t>(y / info->chromaHeightDiv),
-                                          desc->strides[plane]) +
-                                  bytes / info->chromaWidthDiv;
+            desc->planes[plane] =
+                Advance(Advance(desc->planes[plane], row, desc->strides[plane]), bytes / info->chromaWidthDiv);
     }
     desc->width = width;
     desc->height = height;
@@ -335,7 +345,7 @@ Status ImageFieldView(ImageDescriptor* field, const ImageDescriptor* frame, std:
     field->height = frame->height >> 1;
     for (int plane = 0; plane < 4; ++plane) {
         if (parity != info->bottomUp) field->planes[plane] = Advance(field->planes[plane], 1, field->strides[plane]);
-        field->strides[plane] *= 2;
+        field->strides[plane] = WrappingProduct(field->strides[plane], 2);
     }
     return IMG_OK;
 }
@@ -394,7 +404,7 @@ void SetPublicFormat(ImageDescriptor& desc, std::uint32_t publicId) {
 
 void FlipFirstPlane(ImageDescriptor& desc) {
     desc.planes[0] = Advance(desc.planes[0], static_cast<std::int64_t>(desc.height) - 1, desc.strides[0]);
-    desc.strides[0] = -desc.strides[0];
+    desc.strides[0] = WrappingProduct(desc.strides[0], -1);
 }
 
 }  // namespace KorvaneSoftware

@@ -14,6 +14,8 @@ struct WorkerTeam::Worker {
     bool stop = false;  // Read after `start` was signalled, which orders it.
 };
 
+WorkerTeam::WorkerTeam() = default;
+
 WorkerTeam::~WorkerTeam() { Stop(); }
 
 unsigned WorkerTeam::DecideCount(unsigned engineLimit, unsigned setting) {

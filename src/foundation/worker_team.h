@@ -14,7 +14,7 @@ public:
     /// The share of one worker. Runs on several threads at once; anything thrown becomes IMG_E_EXCEPTION.
     using Share = Status (*)(void* context, unsigned worker);
 
-    WorkerTeam() = default;
+    WorkerTeam();
     WorkerTeam(const WorkerTeam&) = delete;
     WorkerTeam& operator=(const WorkerTeam&) = delete;
     ~WorkerTeam();

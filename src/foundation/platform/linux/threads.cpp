@@ -103,11 +103,13 @@ bool GetThreadPriority(ThreadHandle, std::int32_t& level) {
 bool SetThreadPriority(ThreadHandle, std::int32_t) { return true; }
 
 void SetThreadAffinityMask(ThreadHandle handle, std::uint64_t mask) {
+    const Thread* const thread = static_cast<Thread*>(handle);
+    if (thread->joined) return;  // Its id means nothing to the system any more.
     cpu_set_t set;
     CPU_ZERO(&set);
     for (int i = 0; i < 64; ++i)
         if (((mask >> i) & 1) != 0) CPU_SET(i, &set);
-    pthread_setaffinity_np(static_cast<Thread*>(handle)->id, sizeof(set), &set);
+    pthread_setaffinity_np(thread->id, sizeof(set), &set);
 }
 
 }  // namespace KorvaneSoftware::platform

@@ -1,0 +1,66 @@
+#include "component/video_deinterlacer.h"
+
+#include <new>
+
+#include "deinterlace/deinterlace_filter_yadif.h"
+
+namespace KorvaneSoftware {
+
+namespace {
+
+// RGB pictures are taken as they lie, for the top-down numbers as well. Missing arrays leave every plane null.
+template <class Byte>
+ImageDescriptor PictureOf(Byte* const* planes, const std::int32_t* strides, std::uint32_t width, std::uint32_t height,
+                          std::uint32_t format) {
+    ImageDescriptor picture;
+    SetPublicFormat(picture, PublicIdFromFourCC(format));
+    picture.width = width;
+    picture.height = height;
+    if (planes == nullptr || strides == nullptr) return picture;
+    for (int i = 0; i < 4; ++i) {
+        picture.planes[i] = const_cast<std::uint8_t*>(planes[i]);  // Descriptors serve sources and destinations alike.
+        picture.strides[i] = strides[i];
+    }
+    return picture;
+}
+
+}  // namespace
+
+CVideoDeinterlacer::~CVideoDeinterlacer() {
+    if (filter_ != nullptr) filter_->Release();
+}
+
+// A refused mode still replaces the filter: the object then holds a new one without a history.
+HRESULT CVideoDeinterlacer::Initialize(std::uint32_t mode) {
+    return ComponentCall([&]() -> HRESULT {
+        auto* const filter = new (std::nothrow) CDeinterlaceFilterYADIF;
+        if (filter == nullptr) return E_OUTOFMEMORY;
+        if (filter_ != nullptr) filter_->Release();
+        filter_ = filter;
+        return filter_->Initialize({0, 0, 0, mode}) == IMG_OK ? S_OK : E_INVALIDARG;
+    });
+}
+
+HRESULT CVideoDeinterlacer::SetSourceFrame(const std::uint8_t* const* pSrc, const std::int32_t* srcStride,
+                                           std::uint32_t srcWidth, std::uint32_t srcHeight, std::uint32_t imageFormat,
+                                           std::uint32_t imageStructure) {
+    return ComponentCall([&]() -> HRESULT {
+        if (filter_ == nullptr) return E_NOTIMPL;
+        if (imageStructure != kTopFieldFirst && imageStructure != kBottomFieldFirst) return E_INVALIDARG;
+        if (pSrc == nullptr || srcStride == nullptr) return E_FAIL;
+        return ResultOf(
+            filter_->SetSourceFrame(PictureOf(pSrc, srcStride, srcWidth, srcHeight, imageFormat), imageStructure));
+    });
+}
+
+HRESULT CVideoDeinterlacer::GetFrame(std::uint8_t* const* pDst, const std::int32_t* dstStride, std::uint32_t dstWidth,
+                                     std::uint32_t dstHeight, std::uint32_t imageFormat, std::uint32_t fieldIntact) {
+    return ComponentCall([&]() -> HRESULT {
+        if (filter_ == nullptr) return E_NOTIMPL;
+        const Status status =
+            filter_->GetFrame(PictureOf(pDst, dstStride, dstWidth, dstHeight, imageFormat), fieldIntact);
+        return status == kFramePending ? E_PENDING : ResultOf(status);
+    });
+}
+
+}  // namespace KorvaneSoftware

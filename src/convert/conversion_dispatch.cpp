@@ -1,0 +1,64 @@
+#include "convert/conversion_dispatch.h"
+
+#include "convert/conversion_matrix.h"
+#include "convert/conversion_steps.h"
+
+namespace KorvaneSoftware {
+
+namespace {
+
+// The source as its row of the matrix wants it. Completion may fail, for want of a plane or of a row in the table of
+// formats: the descriptor then goes on as the caller gave it.
+ImageDescriptor RewrittenSource(const ImageDescriptor& src, const ConversionSource& row) {
+    ImageDescriptor rewritten = src;
+    if (row.rewrite == SourceRewrite::RelabelFirst) rewritten.format = row.as;
+    (void)ImageCompletePlanes(&rewritten);
+    rewritten.format = row.as;
+    if (row.rewrite == SourceRewrite::ExchangeChroma) ExchangeChroma(rewritten);
+    if (row.rewrite == SourceRewrite::SecondPicture && rewritten.planes[0] != nullptr)
+        rewritten.planes[0] += kSecondPictureOffset;
+    return rewritten;
+}
+
+// The destination as kernels take it: completed by the geometry of its own format, then, where it is a relative of
+// I420, made one.
+ImageDescriptor RewrittenDestination(const ImageDescriptor& dst) {
+    ImageDescriptor rewritten = dst;
+    (void)ImageCompletePlanes(&rewritten);
+    if (Contains(kPlanar420, dst.format)) rewritten.format = FMT_I420;
+    if (Contains(SetOf(FMT_YV12, FMT_IMC1, FMT_IMC2), dst.format)) ExchangeChroma(rewritten);
+    return rewritten;
+}
+
+bool IsKnownFormat(const ImageDescriptor& desc) { return FormatInfoOf(desc) != nullptr || desc.format == FMT_P016; }
+
+Status ConvertBy(const ConversionSource& row, const ImageDescriptor& dst, const ImageDescriptor& src) {
+    if (dst.width != src.width || dst.height != src.height) return IMG_E_BAD_SIZE;
+    for (const ConversionPath& path : row.paths) {
+        if (!Contains(path.destinations, dst.format)) continue;
+        if (src.width % path.rule.width != 0 || src.height % path.rule.height != 0) return IMG_E_BAD_ALIGNMENT;
+        return path.step(RewrittenDestination(dst), RewrittenSource(src, row));
+    }
+    return IsKnownFormat(dst) ? row.noPath : IMG_E_BAD_FORMAT;
+}
+
+}  // namespace
+
+Status ImageConversionDispatch(const ImageDescriptor* dst, const ImageDescriptor* src) {
+    return Guarded([&] {
+        if (src == nullptr) return IMG_E_NULL_ARG;
+        const ConversionSource* const row = FindConversionSource(src->format);
+        if (row == nullptr) return IMG_E_BAD_FORMAT;
+        if (row->paths.empty()) return row->noPath;
+        if (dst == nullptr) return IMG_E_NULL_ARG;
+        return ConvertBy(*row, *dst, *src);
+    });
+}
+
+Status ConvertToUYVY(const ImageDescriptor* dst, const ImageDescriptor* src) {
+    if (dst == nullptr || src == nullptr) return IMG_E_NULL_ARG;
+    if (dst->format != FMT_UYVY) return IMG_E_BAD_FORMAT;
+    return ImageConversionDispatch(dst, src);
+}
+
+}  // namespace KorvaneSoftware

@@ -1,0 +1,67 @@
+// What the paths of the conversion matrix run: kernels through their slots, with the planes in the order that the
+// kernel takes, and plain copies. A size of zero is harmless. A plane that a kernel would miss fails before anything is
+// written.
+#pragma once
+
+#include <utility>
+
+#include "convert/copy_image.h"
+#include "convert/kernel.h"
+
+namespace KorvaneSoftware {
+
+/// Whether the first `count` planes are there.
+bool HasPlanes(const ImageDescriptor& desc, std::uint32_t count);
+/// Whether every plane of the format is there.
+bool HasAllPlanes(const ImageDescriptor& desc);
+
+constexpr bool IsEmpty(const ImageDescriptor& desc) { return desc.width == 0 || desc.height == 0; }
+
+/// A picture as its kin with the other order of the two chroma planes.
+inline void ExchangeChroma(ImageDescriptor& desc) {
+    std::swap(desc.planes[1], desc.planes[2]);
+    std::swap(desc.strides[1], desc.strides[2]);
+}
+
+template <const ConvertSlot& Slot>
+Status Run(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    if (IsEmpty(src)) return IMG_OK;
+    if (!HasAllPlanes(dst) || !HasAllPlanes(src)) return IMG_E_EXCEPTION;
+    Slot(dst, src);
+    return IMG_OK;
+}
+
+/// A kernel whose destination has separate chroma planes, with these exchanged.
+template <const ConvertSlot& Slot>
+Status RunToExchangedChroma(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    ImageDescriptor exchanged = dst;
+    ExchangeChroma(exchanged);
+    return Run<Slot>(exchanged, src);
+}
+
+/// A kernel whose source has separate chroma planes, with these exchanged.
+template <const ConvertSlot& Slot>
+Status RunFromExchangedChroma(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    ImageDescriptor exchanged = src;
+    ExchangeChroma(exchanged);
+    return Run<Slot>(dst, exchanged);
+}
+
+/// A kernel that writes three planes, whatever the destination's format has.
+template <const ConvertSlot& Slot>
+Status RunToThreePlanes(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    if (!IsEmpty(src) && !HasPlanes(dst, 3)) return IMG_E_EXCEPTION;
+    return Run<Slot>(dst, src);
+}
+
+/// The luma plane alone.
+Status CopyLuma(const ImageDescriptor& dst, const ImageDescriptor& src);
+
+/// The rows of a block picture that starts at the second picture of its blocks. Every row is taken as long as if it
+/// started at the first, so it runs on into what follows it; only the end of the picture's memory stops it.
+Status CopySecondPicture(const ImageDescriptor& dst, const ImageDescriptor& src);
+
+/// Bytes from the first to the second picture of a block that holds two.
+inline constexpr std::int64_t kSecondPictureOffset = 16;
+
+}  // namespace KorvaneSoftware

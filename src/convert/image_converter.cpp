@@ -1,0 +1,206 @@
+#include "convert/image_converter.h"
+
+#include <new>
+#include <utility>
+
+#include "convert/copy_image.h"
+#include "convert/resample.h"
+
+namespace KorvaneSoftware {
+
+namespace {
+
+// Lines of temporary pictures are aligned for the widest registers.
+constexpr std::uint32_t kTemporaryAlignment = 64;
+
+// A buffer that goes back to its converter on every way out.
+class ScopedBuffer {
+public:
+    ScopedBuffer(CImageConverter& owner, std::uint64_t size)
+        : owner_(owner), size_(size), data_(owner.AcquireBuffer(size)) {}
+    ~ScopedBuffer() { owner_.ReleaseBuffer(data_); }
+    ScopedBuffer(const ScopedBuffer&) = delete;
+    ScopedBuffer& operator=(const ScopedBuffer&) = delete;
+
+    explicit operator bool() const { return data_ != nullptr; }
+    Status Describe(ImageDescriptor& picture) const { return ImageSetPlanesFromBuffer(&picture, data_, size_); }
+
+private:
+    CImageConverter& owner_;
+    std::uint64_t size_;
+    std::uint8_t* data_;
+};
+
+// The format head of a picture at another size, without planes.
+ImageDescriptor HeadOf(const ImageDescriptor& picture, std::uint32_t width, std::uint32_t height) {
+    ImageDescriptor head = picture;
+    head.width = width;
+    head.height = height;
+    for (int plane = 0; plane < 4; ++plane) {
+        head.planes[plane] = nullptr;
+        head.strides[plane] = 0;
+    }
+    return head;
+}
+
+bool IsSameSize(const ImageDescriptor& a, const ImageDescriptor& b) {
+    return a.width == b.width && a.height == b.height;
+}
+
+// Formats of 16-pixel blocks, which no resizer works on.
+bool IsBlockFormat(std::uint32_t format) { return format >= FMT_Y16 && format <= FMT_Y32AB; }
+
+// Samples in 16-bit words.
+bool IsWordFormat(std::uint32_t format) { return format >= FMT_S400 && format <= FMT_P422; }
+
+}  // namespace
+
+CImageConverter* CreateImageConverter() { return new (std::nothrow) CImageConverter; }
+
+Status CImageConverter::QueryInterface(const GUID& iid, void** object) {
+    if (object == nullptr) return IMG_E_NULL_ARG;
+    *object = nullptr;
+    if (iid != IID_IImageConverter) return IMG_E_NO_PATH;
+    AddRef();
+    *object = static_cast<IImageConverter*>(this);
+    return IMG_OK;
+}
+
+std::uint32_t CImageConverter::AddRef() { return ++references_; }
+
+std::uint32_t CImageConverter::Release() {
+    const std::uint32_t left = --references_;
+    if (left == 0) delete this;
+    return left;
+}
+
+Status CImageConverter::SetConverter(ConversionFunction convert) {
+    freeBuffers_.clear();
+    usedBuffers_.clear();
+    convert_ = convert;
+    return IMG_OK;
+}
+
+Status CImageConverter::Convert(ImageDescriptor* dst, const ImageDescriptor* src) {
+    return Guarded([&] {
+        if (dst == nullptr || src == nullptr) return IMG_E_NULL_ARG;
+        if (convert_ == nullptr && dst->format != src->format) return IMG_E_BAD_FORMAT;
+        if (dst->format == FMT_NONE) {
+            *dst = *src;
+            return IMG_OK;
+        }
+        const bool sameFormat = dst->format == src->format;
+        if (IsSameSize(*dst, *src)) return sameFormat ? CopyImage(dst, src) : convert_(dst, src);
+        if (ResizeImageDirect(dst, src) == IMG_OK) return IMG_OK;
+        return sameFormat ? ResizeTwoStages(dst, src) : ResizeAndConvert(dst, src);
+    });
+}
+
+Status CImageConverter::ResizeTwoStages(const ImageDescriptor* dst, const ImageDescriptor* src) {
+    return Guarded([&] {
+        ImageDescriptor horizontalFirst = HeadOf(*src, dst->width, src->height);
+        ImageDescriptor verticalFirst = HeadOf(*src, src->width, dst->height);
+        const std::uint64_t horizontalSize = ImageBufferSizeAligned(&horizontalFirst, kTemporaryAlignment);
+        const std::uint64_t verticalSize = ImageBufferSizeAligned(&verticalFirst, kTemporaryAlignment);
+        // Fewer lines early; when enlarging, lines first only where that halves the temporary picture.
+        const bool isVerticalFirst = dst->height < src->height || verticalSize < horizontalSize >> 1;
+        const ScopedBuffer buffer(*this, isVerticalFirst ? verticalSize : horizontalSize);
+        if (!buffer) return IMG_E_NO_MEMORY;
+        ImageDescriptor& tmp = isVerticalFirst ? verticalFirst : horizontalFirst;
+        if (const Status status = buffer.Describe(tmp); status != IMG_OK) return status;
+        return ResizeThrough(dst, &tmp, src);
+    });
+}
+
+Status CImageConverter::Resize(const ImageDescriptor* dst, const ImageDescriptor* src) {
+    return ResizeImageDirect(dst, src) == IMG_OK ? IMG_OK : ResizeTwoStages(dst, src);
+}
+
+Status CImageConverter::ResizeAndConvert(const ImageDescriptor* dst, const ImageDescriptor* src) {
+    return Guarded([&] {
+        ImageDescriptor resized = HeadOf(*src, dst->width, dst->height);
+        ImageDescriptor converted = HeadOf(*dst, src->width, src->height);
+        const std::uint64_t resizedSize = ImageBufferSizeAligned(&resized, kTemporaryAlignment);
+        const std::uint64_t convertedSize = ImageBufferSizeAligned(&converted, kTemporaryAlignment);
+        bool isConvertFirst = convertedSize <= resizedSize;
+        if (IsBlockFormat(dst->format))
+            isConvertFirst = false;
+        else if (!isConvertFirst)
+            // Raising the depth before resizing keeps precision, whatever it costs.
+            isConvertFirst = IsWordFormat(dst->format) && !IsWordFormat(src->format);
+        const ScopedBuffer buffer(*this, isConvertFirst ? convertedSize : resizedSize);
+        if (!buffer) return IMG_E_NO_MEMORY;
+        ImageDescriptor& tmp = isConvertFirst ? converted : resized;
+        if (const Status status = buffer.Describe(tmp); status != IMG_OK) return status;
+        if (isConvertFirst) {
+            if (const Status status = convert_(&tmp, src); status != IMG_OK) return status;
+            return Resize(dst, &tmp);
+        }
+        if (const Status status = Resize(&tmp, src); status != IMG_OK) return status;
+        return convert_(dst, &tmp);
+    });
+}
+
+Status CImageConverter::ConvertRegion(ImageDescriptor* dst, const ImageDescriptor* src, const ImageRect* rect) {
+    return Guarded([&] {
+        if (convert_ == nullptr) return IMG_E_NOT_READY;
+        if (dst == nullptr || src == nullptr || rect == nullptr) return IMG_E_NULL_ARG;
+        if (dst->format == FMT_NONE) {
+            *dst = *src;
+            return ImageCrop(dst, *rect);
+        }
+        ImageDescriptor to = *dst;
+        ImageDescriptor from = *src;
+        if (const Status status = ImageCrop(&to, *rect); status != IMG_OK) return status;
+        if (const Status status = ImageCrop(&from, *rect); status != IMG_OK) return status;
+        return convert_(&to, &from);
+    });
+}
+
+Status CImageConverter::ConvertRegions(ImageDescriptor* dst, const ImageDescriptor* src, const ImageRect* dstRect,
+                                       const ImageRect* srcRect) {
+    return Guarded([&] {
+        if (convert_ == nullptr) return IMG_E_NOT_READY;
+        if (dst == nullptr || src == nullptr || srcRect == nullptr) return IMG_E_NULL_ARG;
+        if (dst->format == FMT_NONE) {
+            // The destination has no picture that its own rectangle could apply to.
+            *dst = *src;
+            return ImageCrop(dst, *srcRect);
+        }
+        if (dstRect == nullptr) return IMG_E_NULL_ARG;
+        ImageDescriptor to = *dst;
+        ImageDescriptor from = *src;
+        if (const Status status = ImageCrop(&to, *dstRect); status != IMG_OK) return status;
+        if (const Status status = ImageCrop(&from, *srcRect); status != IMG_OK) return status;
+        return Convert(&to, &from);
+    });
+}
+
+std::uint8_t* CImageConverter::AcquireBuffer(std::uint64_t size) noexcept {
+    return Guarded<std::uint8_t*>(nullptr, [&]() -> std::uint8_t* {
+        if (size == 0) return nullptr;
+        auto best = freeBuffers_.end();
+        for (auto node = freeBuffers_.begin(); node != freeBuffers_.end(); ++node)
+            if (node->Capacity() >= size && (best == freeBuffers_.end() || node->Capacity() < best->Capacity()))
+                best = node;
+        if (best != freeBuffers_.end()) {
+            usedBuffers_.splice(usedBuffers_.begin(), freeBuffers_, best);
+            return best->Data();
+        }
+        AlignedBuffer buffer;
+        buffer.Reserve(size);
+        if (buffer.Data() == nullptr) return nullptr;
+        usedBuffers_.push_front(std::move(buffer));
+        return usedBuffers_.front().Data();
+    });
+}
+
+void CImageConverter::ReleaseBuffer(const std::uint8_t* buffer) noexcept {
+    for (auto node = usedBuffers_.begin(); node != usedBuffers_.end(); ++node) {
+        if (node->Data() != buffer) continue;
+        freeBuffers_.splice(freeBuffers_.begin(), usedBuffers_, node);
+        return;
+    }
+}
+
+}  // namespace KorvaneSoftware

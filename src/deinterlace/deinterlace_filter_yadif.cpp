@@ -1,0 +1,244 @@
+#include "deinterlace/deinterlace_filter_yadif.h"
+
+#include <algorithm>
+
+#include "convert/conversion_dispatch.h"
+#include "convert/copy_image.h"
+
+namespace KorvaneSoftware {
+
+namespace {
+
+constexpr std::uint32_t kHighestMode = 3;
+constexpr std::uint32_t kFirstModeWithoutSpatialCheck = 2;
+constexpr std::uint32_t kLinesPerBand = 16;
+constexpr std::uint32_t kRowAlignment = 64;
+
+bool IsStructure(std::uint32_t structure) { return structure == kTopFieldFirst || structure == kBottomFieldFirst; }
+
+// Formats that the history holds as they are; every other one becomes UYVY. YVYU is among them although no filter takes
+// it: such a sequence is accepted and gives no output.
+bool IsNative(std::uint32_t format) {
+    switch (format) {
+        case FMT_Y444:
+        case FMT_UYVY:
+        case FMT_YUY2:
+        case FMT_YVYU:
+        case FMT_Y422:
+        case FMT_I420:
+        case FMT_YV12:
+        case FMT_IMC1:
+        case FMT_IMC2:
+        case FMT_IMC3:
+        case FMT_IMC4:
+        case FMT_Y400:
+            return true;
+        default:
+            return false;
+    }
+}
+
+bool SameShape(const ImageDescriptor& a, const ImageDescriptor& b) {
+    return a.format == b.format && a.width == b.width && a.height == b.height;
+}
+
+// Points the planes of `image` into `buffer`, which grows as needed.
+Status PlaceImage(ImageDescriptor& image, AlignedBuffer& buffer) {
+    const FormatInfo* const info = FormatInfoOf(image);
+    if (info == nullptr) return IMG_E_BAD_FORMAT;
+    // Chroma planes of an odd picture start behind a luma line that is not there, which the size must include.
+    ImageDescriptor whole = image;
+    whole.height =
+        static_cast<std::uint32_t>(std::min<std::uint64_t>(ImageAlign(image.height, info->yAlign), UINT32_MAX));
+    const std::uint64_t size = ImageBufferSizeAligned(&whole, kRowAlignment);
+    if (size == 0) return IMG_E_BAD_SIZE;
+    if (size > buffer.Capacity()) {
+        buffer.Reserve(size);
+        if (buffer.Data() == nullptr) return IMG_E_NO_MEMORY;
+    }
+    const std::uint64_t rowBytes = std::uint64_t{info->plane0Bits} * image.width / 8;
+    std::fill(std::begin(image.planes), std::end(image.planes), nullptr);
+    std::fill(std::begin(image.strides), std::end(image.strides), 0);
+    return ImageSetPlanes(&image, buffer.Data(), static_cast<std::int64_t>(ImageAlign(rowBytes, kRowAlignment)));
+}
+
+std::uint32_t ParityOf(std::uint32_t fieldIntact, std::uint32_t structure) {
+    const bool topFirst = structure == kTopFieldFirst;
+    if (fieldIntact == 2) return topFirst ? 0 : 1;
+    if (fieldIntact == 3) return topFirst ? 1 : 0;
+    return fieldIntact;
+}
+
+const FilterLineSlot* FilterOf(std::uint32_t format) {
+    switch (format) {
+        case FMT_UYVY:
+            return &FilterUyvyLine;
+        case FMT_YUY2:
+            return &FilterYuy2Line;
+        case FMT_Y444:
+        case FMT_Y422:
+        case FMT_I420:
+        case FMT_YV12:
+        case FMT_IMC1:
+        case FMT_IMC2:
+        case FMT_IMC3:
+        case FMT_IMC4:
+        case FMT_Y400:
+            return &FilterPlaneLine;
+        default:
+            return nullptr;
+    }
+}
+
+}  // namespace
+
+BandTable LayOutBands(std::uint32_t width, std::uint32_t height, unsigned threads) {
+    BandTable table{};
+    table.count = std::clamp(std::min(threads, height / kLinesPerBand), 1u, CDeinterlaceFilterYADIF::kMostThreads);
+    std::uint64_t top = 0;
+    for (unsigned i = 0; i < table.count; ++i) {
+        const std::uint64_t end =
+            std::min<std::uint64_t>(height, (std::uint64_t{i + 1} * height / table.count + 3) / 4 * 4);
+        table.bands[i] = {0, static_cast<std::int32_t>(top), static_cast<std::int32_t>(width),
+                          static_cast<std::int32_t>(end - top)};
+        top = end;
+    }
+    return table;
+}
+
+Status CDeinterlaceFilterYADIF::QueryInterface(const GUID& iid, void** object) {
+    if (object == nullptr) return IMG_E_NULL_ARG;
+    *object = nullptr;
+    if (iid != IID_InwardVideoDeinterlacer) return IMG_E_NO_PATH;
+    AddRef();
+    *object = static_cast<IVideoDeinterlacer*>(this);
+    return IMG_OK;
+}
+
+std::uint32_t CDeinterlaceFilterYADIF::AddRef() { return ++references_; }
+
+std::uint32_t CDeinterlaceFilterYADIF::Release() {
+    const std::uint32_t left = --references_;
+    if (left == 0) delete this;
+    return left;
+}
+
+Status CDeinterlaceFilterYADIF::Initialize(const DeinterlacerSettings& settings) {
+    if (settings.mode > kHighestMode) return IMG_E_UNSUPPORTED;
+    spatialCheck_ = settings.mode < kFirstModeWithoutSpatialCheck;
+    return team_.Configure(WorkerTeam::DecideCount(kMostThreads, settings.threads), settings.affinityMask);
+}
+
+Status CDeinterlaceFilterYADIF::SetSourceFrame(const ImageDescriptor& source, std::uint32_t structure) {
+    if (!IsStructure(structure)) return IMG_E_NO_HANDLE;
+    return Guarded([&]() -> Status {
+        structure_ = structure;
+        ImageDescriptor image = source;
+        if (!IsNative(image.format)) image.format = FMT_UYVY;
+        if (frameCount_ != 0 && !SameShape(image, SlotOf(frameCount_ - 1).image)) frameCount_ = 0;
+        FrameSlot& slot = SlotOf(frameCount_);
+        if (const Status status = PlaceImage(image, slot.buffer); status != IMG_OK) return status;
+        slot.image = image;
+        const Status status =
+            source.format == image.format ? CopyImage(&slot.image, &source) : ConvertToUYVY(&slot.image, &source);
+        if (status == IMG_OK) ++frameCount_;
+        return status;
+    });
+}
+
+Status CDeinterlaceFilterYADIF::MakePlaneJobs(const ImageDescriptor& image, std::uint32_t parity, const ImageRect& band,
+                                              PlaneJobs& jobs, std::size_t& count) {
+    const ImageDescriptor& previous = SlotOf(frameCount_ - 3).image;
+    const ImageDescriptor& current = SlotOf(frameCount_ - 2).image;
+    const ImageDescriptor& next = SlotOf(frameCount_ - 1).image;
+    if (!SameShape(image, current) || !SameShape(previous, current) || !SameShape(next, current))
+        return IMG_E_BAD_FORMAT;
+    if (band.x < 0 || band.y < 0 || band.width < 0 || band.height < 0) return IMG_E_BAD_SIZE;
+    const std::uint64_t right =
+        std::uint64_t{static_cast<std::uint32_t>(band.x)} + static_cast<std::uint32_t>(band.width);
+    const std::uint64_t bottom =
+        std::uint64_t{static_cast<std::uint32_t>(band.y)} + static_cast<std::uint32_t>(band.height);
+    if (right > image.width || bottom > image.height) return IMG_E_BAD_SIZE;
+    if (!IsStructure(structure_)) return IMG_E_NO_HANDLE;
+    const FilterLineSlot* const filterLine = FilterOf(image.format);
+    if (filterLine == nullptr) return IMG_E_UNSUPPORTED;
+    const FormatInfo& info = *FormatInfoOf(image);
+    const std::uint32_t divisor = info.planeCount > 1 ? info.chromaHeightDiv : 1;
+    if (divisor == 2 && (image.height % 4 != 0 || band.y % 4 != 0 || band.height % 4 != 0)) return IMG_E_BAD_ALIGNMENT;
+    ImageDescriptor output = image;
+    if (const Status status = ImageCompletePlanes(&output); status != IMG_OK) return status;
+
+    const std::uint32_t topFirst = structure_ == kTopFieldFirst ? 1 : 0;
+    count = info.planeCount;
+    for (std::uint32_t plane = 0; plane < count; ++plane) {
+        const std::uint32_t lineDivisor = plane == 0 ? 1 : divisor;
+        const std::uint64_t rowBytes = ImagePlaneRowBytes(&image, plane);
+        jobs[plane] = {
+            .filterLine = filterLine,
+            .previous = previous.planes[plane],
+            .current = current.planes[plane],
+            .next = next.planes[plane],
+            .previousStride = previous.strides[plane],
+            .currentStride = current.strides[plane],
+            .nextStride = next.strides[plane],
+            .output = output.planes[plane],
+            .outputStride = output.strides[plane],
+            // A packed row of `width` luma samples carries its chroma along.
+            .width = info.planeCount == 1 ? image.width : static_cast<std::uint32_t>(rowBytes),
+            .rowBytes = rowBytes,
+            .height = ImagePlaneHeight(&image, plane),
+            .bandTop = static_cast<std::uint32_t>(band.y) / lineDivisor,
+            .bandHeight = static_cast<std::uint32_t>(band.height) / lineDivisor,
+            .keepBottom = parity != 0,
+            .keptFieldIsFirst = (topFirst ^ parity) == 1,
+            .spatialCheck = spatialCheck_,
+        };
+        if (const Status status = CheckPlane(jobs[plane]); status != IMG_OK) return status;
+    }
+    return IMG_OK;
+}
+
+Status CDeinterlaceFilterYADIF::FilterBand(const ImageDescriptor& image, std::uint32_t parity, const ImageRect& band) {
+    if (frameCount_ < ring_.size()) return kFramePending;
+    if (image.planes[0] == nullptr) return IMG_E_NULL_ARG;
+    return Guarded([&]() -> Status {
+        PlaneJobs jobs;
+        std::size_t count = 0;
+        if (const Status status = MakePlaneJobs(image, parity, band, jobs, count); status != IMG_OK) return status;
+        for (std::size_t plane = 0; plane < count; ++plane) FilterPlane(jobs[plane]);
+        return IMG_OK;
+    });
+}
+
+Status CDeinterlaceFilterYADIF::RunBands(const ImageDescriptor& image, std::uint32_t parity) {
+    struct Work {
+        CDeinterlaceFilterYADIF* filter;
+        const ImageDescriptor* image;
+        std::uint32_t parity;
+        BandTable table;
+    } work{this, &image, parity, LayOutBands(image.width, image.height, team_.Count())};
+    return team_.Run(
+        work.table.count,
+        [](void* context, unsigned worker) {
+            const Work& shared = *static_cast<const Work*>(context);
+            return shared.filter->FilterBand(*shared.image, shared.parity, shared.table.bands[worker]);
+        },
+        &work);
+}
+
+Status CDeinterlaceFilterYADIF::GetFrame(const ImageDescriptor& image, std::uint32_t fieldIntact) {
+    if (frameCount_ < ring_.size()) return kFramePending;
+    return Guarded([&]() -> Status {
+        const ImageDescriptor& shown = SlotOf(frameCount_ - 2).image;
+        if (image.width != shown.width || image.height != shown.height) return IMG_E_BAD_SIZE;
+        if (image.planes[0] == nullptr) return IMG_E_NULL_ARG;
+        const std::uint32_t parity = ParityOf(fieldIntact, structure_);
+        if (image.format == shown.format) return RunBands(image, parity);
+        temporary_.image = shown;
+        if (const Status status = PlaceImage(temporary_.image, temporary_.buffer); status != IMG_OK) return status;
+        if (const Status status = RunBands(temporary_.image, parity); status != IMG_OK) return status;
+        return ImageConversionDispatch(&image, &temporary_.image);
+    });
+}
+
+}  // namespace KorvaneSoftware

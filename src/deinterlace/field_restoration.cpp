@@ -1,0 +1,150 @@
+#include "deinterlace/field_restoration.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+namespace KorvaneSoftware {
+
+namespace {
+
+/// Offsets of the runs of a group.
+template <bool HasAlpha>
+struct Group {
+    static constexpr std::size_t kBytes = HasAlpha ? kY16AGroupBytes : kY16GroupBytes;
+    static constexpr std::size_t kAlpha = 16;
+    static constexpr std::size_t kU = HasAlpha ? 32 : 16;
+    static constexpr std::size_t kV = kU + 8;
+};
+
+std::uint8_t ClampToByte(std::int32_t value) { return static_cast<std::uint8_t>(std::clamp(value, 0, 255)); }
+
+// How far a pixel follows the present field, 0 to 255.
+std::uint32_t WeightOf(std::uint32_t motion, const MotionThresholds& thresholds) {
+    if (motion <= thresholds.minimum) return 0;
+    if (motion < thresholds.maximum && motion <= 255)
+        return (motion - thresholds.minimum) * 255 / (thresholds.maximum - thresholds.minimum);
+    return 255;
+}
+
+// The samples at one offset of the four lines.
+struct FourSamples {
+    std::uint32_t previous, next, above, below;
+
+    std::uint32_t Motion() const {
+        return static_cast<std::uint32_t>(std::abs(static_cast<int>(previous) - static_cast<int>(next)));
+    }
+    // Each of the two sums loses its low bit before the division: rounding them together gives other pixels.
+    std::int32_t Mix(std::uint32_t weight) const {
+        return static_cast<std::int32_t>(
+            ((((above + below) * weight) >> 1) + (((previous + next) * (255 - weight)) >> 1)) / 255);
+    }
+};
+
+FourSamples SamplesAt(const RestorationLines& lines, std::size_t offset) {
+    return {lines.previous[offset], lines.next[offset], lines.above[offset], lines.below[offset]};
+}
+
+// BT.601 at video levels in 1/65536, each offset with the 16 and 128 of the sample ranges and a rounding half in it.
+void StoreRebuilt(std::uint8_t* dst, std::int32_t luma, std::int32_t u, std::int32_t v) {
+    const std::int32_t y = 76284 * luma;
+    dst[0] = ClampToByte((y + 132252 * u - 18116032) >> 16);
+    dst[1] = ClampToByte((y - 53281 * v - 25690 * u + 8920512) >> 16);
+    dst[2] = ClampToByte((y + 104595 * v - 14575936) >> 16);
+}
+
+template <bool HasAlpha>
+void RestoreLine_Plain(std::uint8_t* dst, const RestorationLines& lines, std::size_t groups,
+                       const MotionThresholds& thresholds) {
+    using Layout = Group<HasAlpha>;
+    for (std::size_t pair = 0; pair < groups * 8; ++pair, dst += 8) {
+        const std::size_t group = pair / 8 * Layout::kBytes;
+        const std::size_t k = pair % 8;
+        const FourSamples u = SamplesAt(lines, group + Layout::kU + k);
+        const FourSamples v = SamplesAt(lines, group + Layout::kV + k);
+        FourSamples y[2];
+        std::uint32_t weight[2];
+        for (std::size_t i = 0; i < 2; ++i) {
+            y[i] = SamplesAt(lines, group + 2 * k + i);
+            weight[i] = WeightOf(y[i].Motion() + u.Motion() + v.Motion(), thresholds);
+            if constexpr (HasAlpha) {
+                const FourSamples alpha = SamplesAt(lines, group + Layout::kAlpha + 2 * k + i);
+                if (alpha.above + alpha.below < 256) weight[i] = 255;
+                dst[4 * i + 3] = ClampToByte(alpha.Mix(weight[i]));
+            } else {
+                dst[4 * i + 3] = 0;
+            }
+        }
+        // The pair shares its chroma: U follows the weight of the first pixel, V that of the second.
+        const std::int32_t mixedU = u.Mix(weight[0]);
+        const std::int32_t mixedV = v.Mix(weight[1]);
+        for (std::size_t i = 0; i < 2; ++i) StoreRebuilt(dst + 4 * i, y[i].Mix(weight[i]), mixedU, mixedV);
+    }
+}
+
+std::uint8_t TruncateToByte(double value) {
+    if (value > 255) return 255;
+    if (value < 0) return 0;
+    return static_cast<std::uint8_t>(value);
+}
+
+// In double precision, in this order of operations and without fused multiply-add: some sums lie so close to a whole
+// number that any other evaluation truncates to the neighbouring byte.
+void StorePresent(std::uint8_t* dst, double y, double u, double v) {
+    dst[0] = TruncateToByte((u - 128) * 2.017 + (y - 16) * 1.164 + 0.5);
+    dst[1] = TruncateToByte((y - 16) * 1.164 - (u - 128) * 0.392 - (v - 128) * 0.813 + 0.5);
+    dst[2] = TruncateToByte((v - 128) * 1.596 + (y - 16) * 1.164 + 0.5);
+}
+
+template <bool HasAlpha>
+void PresentLine_Plain(std::uint8_t* dst, const std::uint8_t* src, std::size_t groups) {
+    using Layout = Group<HasAlpha>;
+    const std::size_t pairs = groups * 8;
+    const auto chromaAt = [src](std::size_t pair, std::size_t run) {
+        return static_cast<double>(src[pair / 8 * Layout::kBytes + run + pair % 8]);
+    };
+    for (std::size_t pair = 0; pair < pairs; ++pair, dst += 8) {
+        const std::size_t group = pair / 8 * Layout::kBytes;
+        const std::size_t k = pair % 8;
+        const double u = chromaAt(pair, Layout::kU);
+        const double v = chromaAt(pair, Layout::kV);
+        // The second pixel lies between two chroma samples; behind the last sample of the row there is none.
+        const std::size_t behind = std::min(pair + 1, pairs - 1);
+        StorePresent(dst, src[group + 2 * k], u, v);
+        StorePresent(dst + 4, src[group + 2 * k + 1], (u + chromaAt(behind, Layout::kU)) / 2,
+                     (v + chromaAt(behind, Layout::kV)) / 2);
+        for (std::size_t i = 0; i < 2; ++i)
+            dst[4 * i + 3] = HasAlpha ? src[group + Layout::kAlpha + 2 * k + i] : std::uint8_t{255};
+    }
+}
+
+constexpr RestoreLineSlot::Entry kRestoreLineY16Rows[] = {
+    {FEATURES_PLAIN, RestoreLine_Plain<false>, "RestoreLineY16_Plain"},
+};
+constexpr RestoreLineSlot::Entry kRestoreLineY16ARows[] = {
+    {FEATURES_PLAIN, RestoreLine_Plain<true>, "RestoreLineY16A_Plain"},
+};
+constexpr PresentLineSlot::Entry kPresentLineY16Rows[] = {
+    {FEATURES_PLAIN, PresentLine_Plain<false>, "PresentLineY16_Plain"},
+};
+constexpr PresentLineSlot::Entry kPresentLineY16ARows[] = {
+    {FEATURES_PLAIN, PresentLine_Plain<true>, "PresentLineY16A_Plain"},
+};
+
+}  // namespace
+
+constinit RestoreLineSlot RestoreLineY16{"RestoreLineY16", kRestoreLineY16Rows,
+                                         &ResolveOnFirstCall<RestoreLineY16>::Call};
+constinit RestoreLineSlot RestoreLineY16A{"RestoreLineY16A", kRestoreLineY16ARows,
+                                          &ResolveOnFirstCall<RestoreLineY16A>::Call};
+constinit PresentLineSlot PresentLineY16{"PresentLineY16", kPresentLineY16Rows,
+                                         &ResolveOnFirstCall<PresentLineY16>::Call};
+constinit PresentLineSlot PresentLineY16A{"PresentLineY16A", kPresentLineY16ARows,
+                                          &ResolveOnFirstCall<PresentLineY16A>::Call};
+
+namespace {
+
+const SlotRegistration kRegistration{&RestoreLineY16, &RestoreLineY16A, &PresentLineY16, &PresentLineY16A};
+
+}  // namespace
+
+}  // namespace KorvaneSoftware
