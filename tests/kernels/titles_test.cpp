@@ -48,8 +48,8 @@ const ChecksSlots kCheckedGroups{&km::BgraRunLength,      &km::Y16ARunLength, &k
 
 bool IsRgb(std::uint32_t format) { return format == km::FMT_BGR || format == km::FMT_BGRA; }
 
-constexpr std::uint32_t kPairs[] = {1,  2,  3,  4,  5,  7,  8,  9,  11, 12, 15, 16,
-                                    17, 23, 24, 31, 32, 33, 47, 63, 64, 65, 100};
+constexpr std::uint32_t kPairs[] = {1,  2,  3,  4,  5,  7,  8,  9,  11, 12, 15, 16, 17,
+                                    23, 24, 31, 32, 33, 47, 63, 64, 65, 77, 90, 101};
 constexpr std::uint32_t kRegionAlphas[] = {0, 1, 2, 77, 127, 128, 254, 255};
 constexpr PictureLayout kLayouts[] = {{0, false, 0}, {64, false, 0}, {52, false, 4}, {12, true, 8}, {7, false, 3}};
 // A title that covers all is a case of its own.
@@ -107,7 +107,11 @@ TEST(TitleKernels, StayInTheirRows) {
     for (const TitleCase& c : kCases) {
         SCOPED_TRACE(c.slot->Name());
         ForEachVariant(*c.slot, [&](km::TitleSignature* variant, km::TitleSignature*) {
-            for (std::uint32_t width = 2; width <= 72; width += IsRgb(c.srcFormat) ? 1 : 2) {
+            std::vector<std::uint32_t> widths;
+            for (std::uint32_t width = 2; width <= 72; width += IsRgb(c.srcFormat) ? 1 : 2) widths.push_back(width);
+            // Wide enough for streaming stores at every register size.
+            for (std::uint32_t width = 126; width <= 210; width += 6) widths.push_back(width);
+            for (const std::uint32_t width : widths) {
                 for (const auto side : {GuardPageBuffer::Side::Start, GuardPageBuffer::Side::End}) {
                     km::ImageDescriptor dst{c.dstFormat, width, 1};
                     km::ImageDescriptor src{c.srcFormat, width, 1};

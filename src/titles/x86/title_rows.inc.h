@@ -16,43 +16,51 @@
 
 namespace KorvaneSoftware::PIXMORPH_SIMD {
 
-/// Less than a step, at the end of a row, through a copy: moving the last step back would mix pixels twice where the
-/// destination is read, or is the source.
+/// Less than a step, through a copy: a whole step would mix pixels twice where the destination is read, or is the
+/// source. `behind` is the pair that follows.
 template <class Step>
-static void RunRest(std::uint8_t* dst, const std::uint8_t* src, std::size_t pixels, const Step& step) {
+static void RunPart(std::uint8_t* dst, const std::uint8_t* src, std::size_t pixels, const std::uint8_t* behind,
+                    const Step& step) {
     alignas(64) std::uint8_t from[kPixels * Step::kSrcBytes + 4] = {};
     alignas(64) std::uint8_t to[kPixels * Step::kDstBytes] = {};
     const std::size_t srcBytes = pixels * Step::kSrcBytes;
     const std::size_t dstBytes = pixels * Step::kDstBytes;
     std::memcpy(from, src, srcBytes);
-    // The last pair of a row is its own successor.
-    if constexpr (Step::kAhead != 0) std::memcpy(from + srcBytes, src + srcBytes - 4, 4);
+    if constexpr (Step::kAhead != 0) std::memcpy(from + srcBytes, behind, 4);
     if constexpr (Step::kMixes) std::memcpy(to, dst, dstBytes);
     step.template Run<false>(to, from);
     std::memcpy(dst, to, dstBytes);
 }
 
-/// The row from pixel `x` on.
+/// Pixels `x` to `pixels` of a row.
 template <bool kStreamed, class Step>
 static inline void RunRow(std::uint8_t* dst, const std::uint8_t* src, std::size_t x, std::size_t pixels,
                           const Step& step) {
     for (; x + kPixels + Step::kAhead <= pixels; x += kPixels)
         step.template Run<kStreamed>(dst + x * Step::kDstBytes, src + x * Step::kSrcBytes);
-    if (x < pixels) RunRest(dst + x * Step::kDstBytes, src + x * Step::kSrcBytes, pixels - x, step);
+    if (x == pixels) return;
+    // The last pair of a row is its own successor.
+    RunPart(dst + x * Step::kDstBytes, src + x * Step::kSrcBytes, pixels - x, src + pixels * Step::kSrcBytes - 4, step);
 }
 
-/// Streaming stores are aligned: an ordinary step first, and the next one from the first aligned pair on, over pixels
-/// that are written twice with the same result. Rows whose pairs are never aligned take ordinary stores.
+/// Ordinary stores up to the first whole cache line, and streaming ones from there: lines that get both are slow. Rows
+/// whose pairs do not meet a line's start, and short ones, take ordinary stores.
 template <class Step>
 static inline void RunRowStreamed(std::uint8_t* dst, const std::uint8_t* src, std::size_t pixels, const Step& step) {
-    constexpr std::size_t kPairBytes = 2 * Step::kDstBytes;
-    const std::size_t unaligned = reinterpret_cast<std::uintptr_t>(dst) % kVecBytes;
-    if (unaligned % kPairBytes != 0 || pixels < 2 * kPixels) {
+    constexpr std::size_t kLine = 64;
+    const std::size_t headBytes = (kLine - reinterpret_cast<std::uintptr_t>(dst) % kLine) % kLine;
+    const std::size_t head = headBytes / Step::kDstBytes;
+    if (headBytes % (2 * Step::kDstBytes) != 0 || pixels < head + 2 * kPixels) {
         RunRow<false>(dst, src, 0, pixels, step);
         return;
     }
-    if (unaligned != 0) step.template Run<false>(dst, src);
-    RunRow<true>(dst, src, unaligned != 0 ? (kVecBytes - unaligned) / Step::kDstBytes : 0, pixels, step);
+    // A part before a line is shorter than a step where the step looks ahead: those write four bytes a pixel.
+    if constexpr (Step::kAhead != 0) {
+        if (head != 0) RunPart(dst, src, head, src + head * Step::kSrcBytes, step);
+    } else {
+        RunRow<false>(dst, src, 0, head, step);
+    }
+    RunRow<true>(dst, src, head, pixels, step);
 }
 
 /// `pixels` of each row.
