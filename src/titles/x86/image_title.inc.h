@@ -207,28 +207,38 @@ static void MixIntoTitle(const ImageDescriptor& dst, const ImageDescriptor& src,
     RunPicture(dst, src, mix, dst.width, TitleStep<Reader, Mixing>{Reader(src), Mixing(mix)});
 }
 
+/// An opaque source at full opacity: scaling by 256 / 256 leaves the colour alone.
+template <class Reader>
+static void MoveIntoTitle(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+    if (mix.regionAlpha == 255)
+        MixIntoTitle<Reader, SetAlpha>(dst, src, mix);
+    else
+        MixIntoTitle<Reader, MoveOpaque>(dst, src, mix);
+}
+
 }  // namespace PIXMORPH_SIMD
 
-#define PIXMORPH_TITLE_FORM(name, reader, mixing)                                                                \
+#define PIXMORPH_TITLE_FORM(name, ...)                                                                           \
     void PIXMORPH_SIMD_NAME(name)(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) { \
-        PIXMORPH_SIMD::MixIntoTitle<PIXMORPH_SIMD::reader, PIXMORPH_SIMD::mixing>(dst, src, mix);                \
+        using namespace PIXMORPH_SIMD;                                                                           \
+        __VA_ARGS__(dst, src, mix);                                                                              \
     }
 
-PIXMORPH_TITLE_FORM(MovTitleBgra, BgraReader, MoveLayer)
-PIXMORPH_TITLE_FORM(MovTitleBgr, BgrReader, MoveOpaque)
-PIXMORPH_TITLE_FORM(MovTitleUyvy, UyvyReader, MoveOpaque)
-PIXMORPH_TITLE_FORM(MovTitleYuy2, Yuy2Reader, MoveOpaque)
-PIXMORPH_TITLE_FORM(MovTitleYvyu, YvyuReader, MoveOpaque)
-PIXMORPH_TITLE_FORM(NPTitleBgra, BgraReader, ScaleAlpha)
-PIXMORPH_TITLE_FORM(NPTitleUyvy, UyvyReader, SetAlpha)
-PIXMORPH_TITLE_FORM(NPTitleYuy2, Yuy2Reader, SetAlpha)
-PIXMORPH_TITLE_FORM(NPTitleYvyu, YvyuReader, SetAlpha)
-PIXMORPH_TITLE_FORM(AddTitleBgra, BgraReader, AddLayer)
-PIXMORPH_TITLE_FORM(AddTitleBgr, BgrReader, AddOpaque)
-PIXMORPH_TITLE_FORM(AddTitleUyvy, UyvyReader, AddOpaque)
-PIXMORPH_TITLE_FORM(AddTitleYuy2, Yuy2Reader, AddOpaque)
-PIXMORPH_TITLE_FORM(AddTitleYvyu, YvyuReader, AddOpaque)
-PIXMORPH_TITLE_FORM(TitleToImage, BgraReader, Straighten)
+PIXMORPH_TITLE_FORM(MovTitleBgra, MixIntoTitle<BgraReader, MoveLayer>)
+PIXMORPH_TITLE_FORM(MovTitleBgr, MoveIntoTitle<BgrReader>)
+PIXMORPH_TITLE_FORM(MovTitleUyvy, MoveIntoTitle<UyvyReader>)
+PIXMORPH_TITLE_FORM(MovTitleYuy2, MoveIntoTitle<Yuy2Reader>)
+PIXMORPH_TITLE_FORM(MovTitleYvyu, MoveIntoTitle<YvyuReader>)
+PIXMORPH_TITLE_FORM(NPTitleBgra, MixIntoTitle<BgraReader, ScaleAlpha>)
+PIXMORPH_TITLE_FORM(NPTitleUyvy, MixIntoTitle<UyvyReader, SetAlpha>)
+PIXMORPH_TITLE_FORM(NPTitleYuy2, MixIntoTitle<Yuy2Reader, SetAlpha>)
+PIXMORPH_TITLE_FORM(NPTitleYvyu, MixIntoTitle<YvyuReader, SetAlpha>)
+PIXMORPH_TITLE_FORM(AddTitleBgra, MixIntoTitle<BgraReader, AddLayer>)
+PIXMORPH_TITLE_FORM(AddTitleBgr, MixIntoTitle<BgrReader, AddOpaque>)
+PIXMORPH_TITLE_FORM(AddTitleUyvy, MixIntoTitle<UyvyReader, AddOpaque>)
+PIXMORPH_TITLE_FORM(AddTitleYuy2, MixIntoTitle<Yuy2Reader, AddOpaque>)
+PIXMORPH_TITLE_FORM(AddTitleYvyu, MixIntoTitle<YvyuReader, AddOpaque>)
+PIXMORPH_TITLE_FORM(TitleToImage, MixIntoTitle<BgraReader, Straighten>)
 
 #undef PIXMORPH_TITLE_FORM
 
