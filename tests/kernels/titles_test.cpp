@@ -102,6 +102,27 @@ TEST(TitleKernels, EveryPixelAsInThePlainForm) {
     for (const TitleCase& c : kCases) CheckTitleKernel(c);
 }
 
+// Rows that share their memory show the order in which they are taken: source rows as they lie.
+TEST(TitleKernels, TakeRowsInOneOrder) {
+    for (const TitleCase& c : kCases) {
+        SCOPED_TRACE(c.slot->Name());
+        ForEachVariant(*c.slot, [&](km::TitleSignature* variant, km::TitleSignature* plain) {
+            TestPicture src(c.srcFormat, 150, 5);
+            TestPicture expected(c.dstFormat, 150, 1);
+            src.Fill(Fill::Random, 31);
+            expected.Fill(Fill::Random, 32);
+            TestPicture actual = expected;
+            for (TestPicture* dst : {&expected, &actual}) {
+                dst->Desc().height = 5;
+                dst->Desc().strides[0] = 0;
+            }
+            plain(expected.Desc(), src.Desc(), {99, km::Stores::Cached});
+            variant(actual.Desc(), src.Desc(), {99, km::Stores::Cached});
+            EXPECT_EQ(actual.FirstDifference(expected), "");
+        });
+    }
+}
+
 // One row whose buffers end, or start, at a page that cannot be touched.
 TEST(TitleKernels, StayInTheirRows) {
     for (const TitleCase& c : kCases) {
