@@ -59,5 +59,22 @@ static inline Vec PreUnpack(Vec a) { return a; }
 // 128-bit halves of two registers after lane-wise unpacks, put in memory order.
 static inline void FixUnpack(Vec&, Vec&) {}
 static inline bool AllZero(Vec a) { return _mm_testz_si128(a.v, a.v) != 0; }
+// One 16-byte load or store per 128-bit lane, `stride` bytes apart.
+static inline Vec LoadLanes(const std::uint8_t* p, std::size_t) { return Load(p); }
+static inline void StoreLanes(std::uint8_t* p, std::size_t, Vec a) { Store(p, a); }
+
+// Doubles. A register of 32-bit integers is two of doubles.
+struct VecDouble {
+    __m128d v;
+};
+static inline VecDouble SetDouble(double x) { return {_mm_set1_pd(x)}; }
+static inline VecDouble AddDouble(VecDouble a, VecDouble b) { return {_mm_add_pd(a.v, b.v)}; }
+static inline VecDouble SubDouble(VecDouble a, VecDouble b) { return {_mm_sub_pd(a.v, b.v)}; }
+static inline VecDouble MulDouble(VecDouble a, VecDouble b) { return {_mm_mul_pd(a.v, b.v)}; }
+static inline VecDouble LowToDouble(Vec a) { return {_mm_cvtepi32_pd(a.v)}; }
+static inline VecDouble HighToDouble(Vec a) { return {_mm_cvtepi32_pd(_mm_unpackhi_epi64(a.v, a.v))}; }
+static inline Vec TruncateDoubles(VecDouble low, VecDouble high) {
+    return {_mm_unpacklo_epi64(_mm_cvttpd_epi32(low.v), _mm_cvttpd_epi32(high.v))};
+}
 
 }  // namespace KorvaneSoftware::PIXMORPH_SIMD
