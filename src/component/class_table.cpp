@@ -8,6 +8,7 @@
 #include "component/y16a_rle_compressor.h"
 #include "component/video_deinterlacer.h"
 #include "component/video_interpolation.h"
+#include "component/stretch_image.h"
 
 namespace KorvaneSoftware {
 
@@ -15,6 +16,7 @@ namespace {
 
 constexpr ComponentClass kClasses[] = {
     {&CLSID_Pixmorph, "Pixmorph", &CreateComponent<CPixmorph>},
+    {&CLSID_StretchImage, "StretchImage", &CreateComponent<CStretchImage>},
     {&CLSID_CopyMemory, "CopyMemory", &CreateComponent<CCopyMemory>},
     {&CLSID_TitleMixer, "TitleMixer", &CreateComponent<CTitleMixer>},
     {&CLSID_TitleMixer2, "TitleMixer2", &CreateComponent<CTitleMixer2>},

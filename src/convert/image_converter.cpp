@@ -53,18 +53,6 @@ bool IsBlockFormat(std::uint32_t format) { return format >= FMT_Y16 && format <=
 // Samples in 16-bit words.
 bool IsWordFormat(std::uint32_t format) { return format >= FMT_S400 && format <= FMT_P422; }
 
-Status ResizeDirect(ImageDescriptor dst, ImageDescriptor src) { return ResizeImageDirect(&dst, &src); }
-
-Status ResizeHorizontalThenVertical(ImageDescriptor dst, ImageDescriptor tmp, ImageDescriptor src) {
-    if (const Status status = ResizeHorizontal(&tmp, &src); status != IMG_OK) return status;
-    return ResizeVertical(&dst, &tmp);
-}
-
-Status ResizeVerticalThenHorizontal(ImageDescriptor dst, ImageDescriptor tmp, ImageDescriptor src) {
-    if (const Status status = ResizeVertical(&tmp, &src); status != IMG_OK) return status;
-    return ResizeHorizontal(&dst, &tmp);
-}
-
 }  // namespace
 
 CImageConverter* CreateImageConverter() { return new (std::nothrow) CImageConverter; }
@@ -103,7 +91,7 @@ Status CImageConverter::Convert(ImageDescriptor* dst, const ImageDescriptor* src
         }
         const bool sameFormat = dst->format == src->format;
         if (IsSameSize(*dst, *src)) return sameFormat ? CopyImage(dst, src) : convert_(dst, src);
-        if (ResizeDirect(*dst, *src) == IMG_OK) return IMG_OK;
+        if (ResizeImageDirect(dst, src) == IMG_OK) return IMG_OK;
         return sameFormat ? ResizeTwoStages(dst, src) : ResizeAndConvert(dst, src);
     });
 }
@@ -120,13 +108,12 @@ Status CImageConverter::ResizeTwoStages(const ImageDescriptor* dst, const ImageD
         if (!buffer) return IMG_E_NO_MEMORY;
         ImageDescriptor& tmp = isVerticalFirst ? verticalFirst : horizontalFirst;
         if (const Status status = buffer.Describe(tmp); status != IMG_OK) return status;
-        return isVerticalFirst ? ResizeVerticalThenHorizontal(*dst, tmp, *src)
-                               : ResizeHorizontalThenVertical(*dst, tmp, *src);
+        return ResizeThrough(dst, &tmp, src);
     });
 }
 
 Status CImageConverter::Resize(const ImageDescriptor* dst, const ImageDescriptor* src) {
-    return ResizeDirect(*dst, *src) == IMG_OK ? IMG_OK : ResizeTwoStages(dst, src);
+    return ResizeImageDirect(dst, src) == IMG_OK ? IMG_OK : ResizeTwoStages(dst, src);
 }
 
 Status CImageConverter::ResizeAndConvert(const ImageDescriptor* dst, const ImageDescriptor* src) {

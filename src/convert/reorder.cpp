@@ -5,6 +5,8 @@
 
 #include "convert/reorder_list.h"
 #include "convert/samples.h"
+#include "convert/x86/reorder_x86.h"
+#include "foundation/sync.h"
 
 namespace KorvaneSoftware {
 
@@ -118,11 +120,20 @@ void Reorder420To420(const ImageDescriptor& dst, const ImageDescriptor& src) {
 
 }  // namespace
 
-#define PIXMORPH_REORDER_SLOT(name, kernel, from, to)                                                       \
-    static void name##_Plain(const ImageDescriptor& dst, const ImageDescriptor& src) {                      \
-        kernel<to##Samples, from##Samples>(dst, src);                                                       \
-    }                                                                                                       \
-    static constexpr ConvertSlot::Entry k##name##Rows[] = {{FEATURES_PLAIN, name##_Plain, #name "_Plain"}}; \
+std::size_t ReorderCachedLimit() {
+    return GetCacheSize() / 2;
+}
+
+#define PIXMORPH_REORDER_SLOT(name, kernel, from, to)                           \
+    void name##_Plain(const ImageDescriptor& dst, const ImageDescriptor& src) { \
+        kernel<to##Samples, from##Samples>(dst, src);                           \
+    }                                                                           \
+    static constexpr ConvertSlot::Entry k##name##Rows[] = {                     \
+        {FEATURES_PLAIN, name##_Plain, #name "_Plain"},                         \
+        {FEATURES_SSE41, name##_Sse41, #name "_Sse41"},                         \
+        {FEATURES_AVX2, name##_Avx2, #name "_Avx2"},                            \
+        {FEATURES_AVX512BW, name##_Avx512, #name "_Avx512"},                    \
+    };                                                                          \
     constinit ConvertSlot name{#name, k##name##Rows, &ResolveOnFirstCall<name>::Call};
 
 #define PIXMORPH_REORDER_SLOT_422_TO_422(name, from, to) PIXMORPH_REORDER_SLOT(name, Reorder422To422, from, to)

@@ -98,8 +98,8 @@ PIXMORPH_PLAIN_FORMS(Y422, ConvertTo422, PlanarSamples)
 PIXMORPH_PLAIN_FORMS(I420, ConvertTo420, PlanarSamples)
 PIXMORPH_PLAIN_FORMS(Nv12, ConvertTo420, SemiPlanarSamples)
 
-// Luma of video levels by BT.601, whatever the destination's matrix. The last column of each line is left as it was, which
-// looks wrong and is required.
+// Luma of video levels by BT.601, whatever the destination's matrix. The last column of each line is left as it was,
+// which looks wrong and is required.
 void BgrToY400_Plain(const ImageDescriptor& dst, const ImageDescriptor& src) {
     for (std::int64_t row = 0; row < src.height; ++row) {
         const BgrLine in{BottomUpLine(src, row)};

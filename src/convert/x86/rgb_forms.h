@@ -1,15 +1,22 @@
-// All forms of the kernels of rgb.h, plain and vector, by their names.
+// All forms of the kernels between YUV and RGB, plain and vector.
 #pragma once
 
-#include "convert/rgb.h"
+#include "convert/rgb_list.h"
+#include "foundation/image_descriptor.h"
 
 namespace KorvaneSoftware {
 
-#define PIXMORPH_DECLARE_PLAIN(name) void name##_Plain(const ImageDescriptor& dst, const ImageDescriptor& src);
-PIXMORPH_YUV_TO_RGB_VECTOR(PIXMORPH_DECLARE_PLAIN)
-PIXMORPH_YUV_TO_RGB_PLAIN(PIXMORPH_DECLARE_PLAIN)
-PIXMORPH_RGB_TO_YUV_VECTOR(PIXMORPH_DECLARE_PLAIN)
-PIXMORPH_RGB_TO_YUV_PLAIN(PIXMORPH_DECLARE_PLAIN)
-#undef PIXMORPH_DECLARE_PLAIN
+#define PIXMORPH_RGB_DECLARE_PLAIN(name, ...) void name##_Plain(const ImageDescriptor& dst, const ImageDescriptor& src);
+#define PIXMORPH_RGB_DECLARE_VECTOR(name, ...)                                 \
+    void name##_Sse41(const ImageDescriptor& dst, const ImageDescriptor& src); \
+    void name##_Avx2(const ImageDescriptor& dst, const ImageDescriptor& src);  \
+    void name##_Avx512(const ImageDescriptor& dst, const ImageDescriptor& src);
+
+PIXMORPH_RGB_VECTOR(PIXMORPH_RGB_DECLARE_PLAIN)
+PIXMORPH_RGB_PLAIN(PIXMORPH_RGB_DECLARE_PLAIN)
+PIXMORPH_RGB_VECTOR(PIXMORPH_RGB_DECLARE_VECTOR)
+
+#undef PIXMORPH_RGB_DECLARE_PLAIN
+#undef PIXMORPH_RGB_DECLARE_VECTOR
 
 }  // namespace KorvaneSoftware

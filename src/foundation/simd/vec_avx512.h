@@ -1,7 +1,16 @@
 // 64-byte registers for kernels that are written once for several instruction sets. See README.md here.
 #pragma once
 
+// The unmasked intrinsics of g++ 12 name a register that they never read, and the compiler warns about its own header.
+#if defined(__GNUC__) && !defined(__clang__)
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
+#pragma GCC diagnostic ignored "-Wuninitialized"
 #include <immintrin.h>
+#pragma GCC diagnostic pop
+#else
+#include <immintrin.h>
+#endif
 
 #include <cstddef>
 #include <cstdint>
@@ -49,6 +58,19 @@ static inline void StoreHalf(void* p, Vec a) {
     _mm256_storeu_si256(static_cast<__m256i*>(p), _mm512_castsi512_si256(a.v));
 }
 
+// 32-bit integers to floats and back, truncating; floats are kept as their bits.
+static inline Vec IntToFloat32(Vec a) { return {_mm512_castps_si512(_mm512_cvtepi32_ps(a.v))}; }
+static inline Vec FloatToInt32(Vec a) { return {_mm512_cvttps_epi32(_mm512_castsi512_ps(a.v))}; }
+static inline Vec AddFloat32(Vec a, Vec b) {
+    return {_mm512_castps_si512(_mm512_add_ps(_mm512_castsi512_ps(a.v), _mm512_castsi512_ps(b.v)))};
+}
+static inline Vec MulFloat32(Vec a, Vec b) {
+    return {_mm512_castps_si512(_mm512_mul_ps(_mm512_castsi512_ps(a.v), _mm512_castsi512_ps(b.v)))};
+}
+static inline Vec DivideFloat32(Vec a, Vec b) {
+    return {_mm512_castps_si512(_mm512_div_ps(_mm512_castsi512_ps(a.v), _mm512_castsi512_ps(b.v)))};
+}
+
 #define PIXMORPH_VEC_OP(op) _mm512_##op
 #define PIXMORPH_VEC_BITOP(op) _mm512_##op##_si512
 #include "foundation/simd/vec_ops.inc.h"
@@ -58,9 +80,7 @@ static inline Vec Min8u(Vec a, Vec b) { return {_mm512_min_epu8(a.v, b.v)}; }
 static inline Vec Blend8(Vec a, Vec b, Vec mask) {
     return {_mm512_mask_blend_epi8(_mm512_movepi8_mask(mask.v), a.v, b.v)};
 }
-static inline Vec FixPack(Vec a) {
-    return {_mm512_permutexvar_epi64(_mm512_setr_epi64(0, 2, 4, 6, 1, 3, 5, 7), a.v)};
-}
+static inline Vec FixPack(Vec a) { return {_mm512_permutexvar_epi64(_mm512_setr_epi64(0, 2, 4, 6, 1, 3, 5, 7), a.v)}; }
 static inline Vec PreUnpack(Vec a) {
     return {_mm512_permutexvar_epi64(_mm512_setr_epi64(0, 4, 1, 5, 2, 6, 3, 7), a.v)};
 }
@@ -70,5 +90,60 @@ static inline void FixUnpack(Vec& low, Vec& high) {
     low.v = first;
 }
 static inline bool AllZero(Vec a) { return _mm512_test_epi32_mask(a.v, a.v) == 0; }
+
+static inline void Deinterleave128(Vec& even, Vec& odd) {
+    const __m512i first = _mm512_permutex2var_epi64(even.v, _mm512_setr_epi64(0, 1, 4, 5, 8, 9, 12, 13), odd.v);
+    odd.v = _mm512_permutex2var_epi64(even.v, _mm512_setr_epi64(2, 3, 6, 7, 10, 11, 14, 15), odd.v);
+    even.v = first;
+}
+static inline void Deinterleave128(Vec& a, Vec& b, Vec& c) {
+    // Lanes 0 3 6 9, then 1 4 7 10, then 2 5 8 11, where b holds 4 to 7 and c 8 to 11.
+    const __m512i ab0 = _mm512_permutex2var_epi64(a.v, _mm512_setr_epi64(0, 1, 6, 7, 12, 13, 0, 0), b.v);
+    const __m512i ab1 = _mm512_permutex2var_epi64(a.v, _mm512_setr_epi64(2, 3, 8, 9, 14, 15, 0, 0), b.v);
+    const __m512i ab2 = _mm512_permutex2var_epi64(a.v, _mm512_setr_epi64(4, 5, 10, 11, 0, 0, 0, 0), b.v);
+    a.v = _mm512_permutex2var_epi64(ab0, _mm512_setr_epi64(0, 1, 2, 3, 4, 5, 10, 11), c.v);
+    b.v = _mm512_permutex2var_epi64(ab1, _mm512_setr_epi64(0, 1, 2, 3, 4, 5, 12, 13), c.v);
+    c.v = _mm512_permutex2var_epi64(ab2, _mm512_setr_epi64(0, 1, 2, 3, 8, 9, 14, 15), c.v);
+}
+static inline void Interleave128(Vec& a, Vec& b, Vec& c) {
+    const __m512i ab0 = _mm512_permutex2var_epi64(a.v, _mm512_setr_epi64(0, 1, 8, 9, 0, 0, 2, 3), b.v);
+    const __m512i ab1 = _mm512_permutex2var_epi64(a.v, _mm512_setr_epi64(10, 11, 0, 0, 4, 5, 12, 13), b.v);
+    const __m512i ab2 = _mm512_permutex2var_epi64(a.v, _mm512_setr_epi64(0, 0, 6, 7, 14, 15, 0, 0), b.v);
+    a.v = _mm512_permutex2var_epi64(ab0, _mm512_setr_epi64(0, 1, 2, 3, 8, 9, 6, 7), c.v);
+    b.v = _mm512_permutex2var_epi64(ab1, _mm512_setr_epi64(0, 1, 10, 11, 4, 5, 6, 7), c.v);
+    c.v = _mm512_permutex2var_epi64(ab2, _mm512_setr_epi64(12, 13, 2, 3, 4, 5, 14, 15), c.v);
+}
+static inline void JoinLanePairs(Vec& a, Vec& b) {
+    const __m512i order = _mm512_setr_epi32(0, 1, 4, 5, 2, 6, 3, 7, 8, 9, 12, 13, 10, 14, 11, 15);
+    a.v = _mm512_permutexvar_epi32(order, a.v);
+    b.v = _mm512_permutexvar_epi32(order, b.v);
+}
+static inline void SplitLanePairs(Vec& a, Vec& b) {
+    const __m512i order = _mm512_setr_epi32(0, 1, 4, 6, 2, 3, 5, 7, 8, 9, 12, 14, 10, 11, 13, 15);
+    a.v = _mm512_permutexvar_epi32(order, a.v);
+    b.v = _mm512_permutexvar_epi32(order, b.v);
+}
+
+static inline Vec LoadLanes128(const std::uint8_t* base, const std::uint32_t* offsets) {
+    // Broadcasts under a mask are loads alone; inserts would each take the one port that shuffles need.
+    const auto lane = [&](int i) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(base + offsets[i])); };
+    __m512i v = _mm512_castsi128_si512(lane(0));
+    v = _mm512_mask_broadcast_i32x4(v, 0x00F0, lane(1));
+    v = _mm512_mask_broadcast_i32x4(v, 0x0F00, lane(2));
+    return {_mm512_mask_broadcast_i32x4(v, 0xF000, lane(3))};
+}
+static inline void StoreNarrow16To8(void* p, Vec a) {
+    _mm256_storeu_si256(static_cast<__m256i*>(p), _mm512_cvtusepi16_epi8(a.v));
+}
+static inline void StoreNarrow32To16(void* p, Vec a) {
+    _mm256_storeu_si256(static_cast<__m256i*>(p), _mm512_cvtusepi32_epi16(a.v));
+}
+static inline void StoreNarrow32To8(void* p, Vec a) {
+    _mm_storeu_si128(static_cast<__m128i*>(p), _mm512_cvtusepi32_epi8(a.v));
+}
+static inline Vec ScaleAndRound32(Vec a, float scale) {
+    const __m512 product = _mm512_mul_ps(_mm512_cvtepi32_ps(a.v), _mm512_set1_ps(scale));
+    return {_mm512_cvttps_epi32(_mm512_add_ps(product, _mm512_set1_ps(0.5f)))};
+}
 
 }  // namespace KorvaneSoftware::PIXMORPH_SIMD

@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "foundation/sync.h"
 #include "support/features.h"
 #include "support/guard_page.h"
 #include "support/picture.h"
@@ -139,6 +140,34 @@ TEST_P(ReorderFormats, StaysInsideTheRows) {
                 }
                 (*c.slot)(dst, src);
             }
+        }
+    }
+}
+
+// Pictures that outgrow the cache are written past it: planes that start at cache lines, planes that do not, and lines
+// that are too long for the buffer of the second case.
+TEST_P(ReorderFormats, LargePicturesAtEveryLevel) {
+    struct Shape {
+        std::uint32_t width;
+        PictureLayout layout;
+    };
+    static constexpr Shape kShapes[] = {
+        {256, {64, false, 0}}, {272, {0, false, 16}}, {304, {7, true, 5}}, {4112, {0, false, 4}}};
+    const ReorderCase& c = GetParam();
+    for (const Shape& shape : kShapes) {
+        km::ImageDescriptor line{c.to, shape.width, 2};
+        const std::uint64_t bytes = km::GetCacheSize() / 2 + 4096;
+        const auto height = static_cast<std::uint32_t>(2 * (bytes / km::ImageBufferSize(&line) + 1));
+        TestPicture src(c.from, shape.width, height, shape.layout);
+        TestPicture expected(c.to, shape.width, height, shape.layout);
+        src.Fill(Fill::Random, shape.width);
+        FillExpected(expected, src);
+        for (const std::uint32_t level : FeatureLevels()) {
+            const RestrictedFeatures restricted(level);
+            TestPicture actual(c.to, shape.width, height, shape.layout);
+            (*c.slot)(actual.Desc(), src.Desc());
+            ASSERT_EQ(actual.FirstDifference(expected), "") << shape.width << "x" << height << " level " << level;
+            ASSERT_TRUE(actual.GuardsIntact()) << shape.width << "x" << height << " level " << level;
         }
     }
 }
