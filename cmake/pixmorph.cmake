@@ -62,11 +62,5 @@ function(pixmorph_component_test name)
   target_link_libraries(${name} PRIVATE pixmorph pixmorph_sanitizers GTest::gtest_main)
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
   target_compile_options(${name} PRIVATE -Wall -Wextra -Wpedantic -Wshadow)
-  if(PIXMORPH_SANITIZE)
-    # The runtime must be the program's: one that comes with a library alone comes too late.
-    target_compile_options(${name} PRIVATE -fsanitize=${PIXMORPH_SANITIZE} -fno-omit-frame-pointer
-      -fno-sanitize-recover=all)
-    target_link_options(${name} PRIVATE -fsanitize=${PIXMORPH_SANITIZE})
-  endif()
   gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 600 LABELS ${name})
 endfunction()
