@@ -263,12 +263,50 @@ static inline void CopyShort(std::uint8_t* to, const std::uint8_t* from, std::si
     for (; i < bytes; ++i) to[i] = from[i];
 }
 
+/// The source lines of a step, asked for one cache line at a time while the step before is leaving: that keeps the
+/// memory busy while nothing is read.
+template <class Kernel, class Src>
+class SourceAhead {
+public:
+    SourceAhead(const ImageDescriptor& src, std::int64_t row) {
+        if (row >= src.height) return;
+        Line lines[Kernel::kLines];
+        SourceLines<Kernel>(src, row, lines);
+        for (int plane = 0; plane < 3; ++plane) {
+            const std::size_t bytes = Src::RowBytes(plane, src.width);
+            for (int i = 0; i < Kernel::kLines && bytes > 0; ++i) runs_[count_++] = {lines[i].plane[plane], bytes};
+        }
+    }
+
+    void Ask() {
+        if (index_ == count_) return;
+        __builtin_prefetch(runs_[index_].first + done_);
+        done_ += kCacheLine;
+        if (done_ < runs_[index_].bytes) return;
+        done_ = 0;
+        ++index_;
+    }
+
+private:
+    struct Run {
+        const std::uint8_t* first;
+        std::size_t bytes;
+    };
+    Run runs_[3 * Kernel::kLines];
+    int count_ = 0;
+    int index_ = 0;
+    std::size_t done_ = 0;
+};
+
 /// Copies a finished line of at least a cache line to its place.
-static inline void StreamLine(std::uint8_t* to, const std::uint8_t* from, std::size_t bytes) {
+template <class Ahead>
+static inline void StreamLine(std::uint8_t* to, const std::uint8_t* from, std::size_t bytes, Ahead& ahead) {
     std::size_t i = (kCacheLine - reinterpret_cast<std::uintptr_t>(to) % kCacheLine) % kCacheLine;
     CopyShort(to, from, i);
-    for (; i + kCacheLine <= bytes; i += kCacheLine)
+    for (; i + kCacheLine <= bytes; i += kCacheLine) {
+        ahead.Ask();
         for (std::size_t k = 0; k < kCacheLine; k += kVecBytes) Stream(to + i + k, Load(from + i + k));
+    }
     CopyShort(to + i, from + i, bytes - i);
 }
 
@@ -278,7 +316,7 @@ constexpr std::size_t kLineBufferBytes = 3 * kLongestBufferedLine;
 
 /// Streams to planes that lie at any address: lines are made in a buffer that stays in the first-level cache, and leave
 /// it whole cache lines at a time.
-template <class Kernel, class Dst>
+template <class Kernel, class Dst, class Src>
 static void ConvertPictureBuffered(const ImageDescriptor& dst, const ImageDescriptor& src) {
     alignas(kCacheLine) std::uint8_t buffer[Kernel::kLines * kLineBufferBytes];
     Line made[Kernel::kLines];
@@ -295,10 +333,12 @@ static void ConvertPictureBuffered(const ImageDescriptor& dst, const ImageDescri
         SourceLines<Kernel>(src, row, from);
         DestinationLines<Kernel>(dst, row, to);
         Kernel::template Convert<CachedStores>(made, from, src.width);
+        SourceAhead<Kernel, Src> ahead(src, row + Kernel::kLines);
         for (int plane = 0; plane < 3; ++plane) {
             const std::size_t bytes = Dst::RowBytes(plane, src.width);
             const int lines = plane > 0 && Kernel::kDstIs420 ? 1 : Kernel::kLines;
-            for (int i = 0; i < lines && bytes > 0; ++i) StreamLine(to[i].plane[plane], made[i].plane[plane], bytes);
+            for (int i = 0; i < lines && bytes > 0; ++i)
+                StreamLine(to[i].plane[plane], made[i].plane[plane], bytes, ahead);
         }
     }
 }
@@ -340,7 +380,7 @@ static bool Reorder(const ImageDescriptor& dst, const ImageDescriptor& src) {
     if (canStream)
         ConvertPicture<Kernel, StreamingStores>(dst, src);
     else
-        ConvertPictureBuffered<Kernel, Dst>(dst, src);
+        ConvertPictureBuffered<Kernel, Dst, Src>(dst, src);
     StreamFence();
     return true;
 }
