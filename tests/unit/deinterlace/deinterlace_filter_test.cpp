@@ -73,10 +73,13 @@ std::uint32_t ParityOf(std::uint32_t fieldIntact, std::uint32_t structure) {
 
 TEST(DeinterlaceFilter, MatchesTheSlowFormInEveryFormatAndMode) {
     std::uint32_t seed = 1;
-    for (const std::uint32_t level : FeatureLevels()) {
+    const std::vector<std::uint32_t> levels = FeatureLevels();
+    for (const std::uint32_t level : levels) {
         const RestrictedFeatures restricted(level);
         for (const std::uint32_t format : kNativeFormats) {
             for (const std::uint32_t mode : {0u, 1u, 2u, 3u}) {
+                // Modes 1 and 3 are 0 and 2 to the filter: once is enough.
+                if (mode % 2 == 1 && level != levels.front()) continue;
                 for (const std::uint32_t structure : {5u, 6u}) {
                     ++seed;
                     const std::uint32_t width = 32 + 2 * (seed * 7 % 90);
