@@ -6,6 +6,7 @@
 #include "bench.h"
 #include "deinterlace/blend_lines.h"
 #include "deinterlace/deinterlace_filter_yadif.h"
+#include "deinterlace/deinterlacer.h"
 #include "deinterlace/field_restoration.h"
 #include "deinterlace/line_filter.h"
 
@@ -111,6 +112,20 @@ void AddBlends() {
                                  other + offset + kWidth, kWidth, 77);
              }});
     });
+}
+
+// A frame from three fields.
+void AddRestoration(const char* group, std::size_t groupBytes,
+                    km::Status (*restore)(const km::FieldRestorationJob& job) noexcept) {
+    const std::size_t stride = kWidth / km::kGroupPixels * groupBytes;
+    const std::size_t field = stride * kFieldLines;
+    constexpr std::size_t kFrame = std::size_t{4} * kWidth * kHeight;
+    Add({group, "pixmorph", double{kWidth} * kHeight, static_cast<double>(3 * field + kFrame),
+         [=](Regime regime, std::size_t i) {
+             restore({Slice(Arena::Destination, regime, kFrame, i), Slice(Arena::Source, regime, field, i),
+                      Slice(Arena::Source2, regime, field, i), Slice(Arena::Source3, regime, field, i), kWidth,
+                      kFieldLines, static_cast<std::int32_t>(4 * kWidth), static_cast<std::int32_t>(stride), 10, 60});
+         }});
 }
 
 constexpr std::size_t kSequence = 6;
@@ -241,6 +256,8 @@ const bool kAdded = [] {
     AddRestoreLine(km::RestoreLineY16A, km::kY16AGroupBytes);
     AddPresentLine(km::PresentLineY16, km::kY16GroupBytes);
     AddPresentLine(km::PresentLineY16A, km::kY16AGroupBytes);
+    AddRestoration("RestoreLowerField", km::kY16GroupBytes, km::CDeinterlacer::RestoreLowerField);
+    AddRestoration("RestoreLowerFieldAlpha", km::kY16AGroupBytes, km::CDeinterlacer::RestoreLowerFieldAlpha);
     for (const std::uint32_t threads : {1u, 2u}) {
         AddSequence("Y422", km::FMT_Y422, threads);
         AddSequence("Uyvy", km::FMT_UYVY, threads);

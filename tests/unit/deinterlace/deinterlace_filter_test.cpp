@@ -73,10 +73,13 @@ std::uint32_t ParityOf(std::uint32_t fieldIntact, std::uint32_t structure) {
 
 TEST(DeinterlaceFilter, MatchesTheSlowFormInEveryFormatAndMode) {
     std::uint32_t seed = 1;
-    for (const std::uint32_t level : FeatureLevels()) {
+    const std::vector<std::uint32_t> levels = FeatureLevels();
+    for (const std::uint32_t level : levels) {
         const RestrictedFeatures restricted(level);
         for (const std::uint32_t format : kNativeFormats) {
             for (const std::uint32_t mode : {0u, 1u, 2u, 3u}) {
+                // Modes 1 and 3 are 0 and 2 to the filter: once is enough.
+                if (mode % 2 == 1 && level != levels.front()) continue;
                 for (const std::uint32_t structure : {5u, 6u}) {
                     ++seed;
                     const std::uint32_t width = 32 + 2 * (seed * 7 % 90);
@@ -246,14 +249,16 @@ TEST(DeinterlaceFilter, WorkedColumn) {
 
 // Frames large enough that several threads copy them into the history.
 TEST(DeinterlaceFilter, LargeFrames) {
-    for (const std::uint32_t format : {+km::FMT_UYVY, +km::FMT_I420, +km::FMT_IMC2, +km::FMT_Y422}) {
+    for (const std::uint32_t format : {+km::FMT_UYVY, +km::FMT_IMC2}) {
         const Scene scene(format, 720, 576, 50 + format, {16, format == km::FMT_UYVY, 0});
+        TestPicture output(format, 720, 576);
+        const TestPicture expected = scene.Expected(output, {true, 0, true});
         for (const std::uint32_t threads : {1u, 4u}) {
             Filter filter(0, threads);
             scene.Give(filter.operator->(), 5);
-            TestPicture output(format, 720, 576);
+            output.Fill(Fill::Zero, 0);
             ASSERT_EQ(filter->GetFrame(output.Desc(), 0), km::IMG_OK);
-            EXPECT_EQ(output.FirstDifference(scene.Expected(output, {true, 0, true})), "") << format;
+            EXPECT_EQ(output.FirstDifference(expected), "") << format;
         }
     }
     km::ImageDescriptor missing;
