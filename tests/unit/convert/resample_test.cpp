@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "convert/resample_plan.h"
@@ -425,6 +427,29 @@ TEST(Resample, PlansComeAndGo) {
             ASSERT_EQ(dst.FirstDifference(expected), "") << width;
         }
     }
+}
+
+// The store of plans is the one thing that pictures on different threads share.
+TEST(Resample, ThreadsShareTheStoreOfPlans) {
+    const TestPicture src = Source(FMT_UYVY, 300, 8);
+    std::vector<TestPicture> expected;
+    for (std::uint32_t width = 20; width < 20 + 2 * 48; width += 2) {
+        expected.push_back(Target(FMT_UYVY, width, 8));
+        ReferenceResize(expected.back(), src, false);
+    }
+    std::atomic<int> wrong{0};
+    std::vector<std::thread> threads;
+    for (std::size_t start = 0; start < 4; ++start)
+        threads.emplace_back([&, start] {
+            for (std::size_t i = 0; i < 2 * expected.size(); ++i) {
+                const TestPicture& wanted = expected[(i + 12 * start) % expected.size()];
+                TestPicture dst = Target(FMT_UYVY, wanted.Desc().width, 8);
+                if (ResizeHorizontal(&dst.Desc(), &src.Desc()) != IMG_OK || !dst.FirstDifference(wanted).empty())
+                    ++wrong;
+            }
+        });
+    for (std::thread& thread : threads) thread.join();
+    EXPECT_EQ(wrong, 0);
 }
 
 }  // namespace
