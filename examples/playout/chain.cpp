@@ -3,9 +3,7 @@
 namespace playout {
 namespace {
 
-double Seconds(std::chrono::steady_clock::duration time) {
-    return std::chrono::duration<double>(time).count();
-}
+double Seconds(std::chrono::steady_clock::duration time) { return std::chrono::duration<double>(time).count(); }
 
 }  // namespace
 
@@ -39,7 +37,7 @@ void Chain::Add(std::unique_ptr<Stage> stage) {
 }
 
 std::uint64_t Chain::Run(Source& source, std::uint64_t limit, const Progress& progress) {
-    source_.name = "read";
+    source_.name = "read or draw";
     const VideoFormat& format = source.Format();
     Picture picture(format.pixels, format.width, format.height);
     while (limit == 0 || source_.frames < limit) {

@@ -13,9 +13,7 @@ constexpr std::size_t kCellBytes = 4;
 
 }  // namespace
 
-KeyStage::KeyStage() {
-    Check(KorvaneSoftware::CreateInstance(CLSID_TitleMixer3, mixer_), "creation of TitleMixer3");
-}
+KeyStage::KeyStage() { Check(KorvaneSoftware::CreateInstance(CLSID_TitleMixer3, mixer_), "creation of TitleMixer3"); }
 
 void KeyStage::Process(const Frame& frame, Sink& next) {
     const Picture& title = *frame.title;

@@ -61,7 +61,9 @@ int Run(const Options& options) {
     const std::unique_ptr<Source> opened = OpenSource(options);
     Reordered source(*opened, options.fieldOrder.value_or(opened->Format().fieldOrder));
     const VideoFormat& format = source.Format();
-    const std::uint32_t matrix = options.matrix.value_or(format.height >= 720 ? std::uint32_t{PIXMORPH_BT709} : 0u);
+    const auto* const scene = dynamic_cast<const Scene*>(opened.get());
+    const bool isBt709 = scene != nullptr || format.height >= 720;
+    const std::uint32_t matrix = options.matrix.value_or(isBt709 ? std::uint32_t{PIXMORPH_BT709} : 0u);
 
     MakeDirectory(options.directory);
     const std::string base = options.directory + "/";
@@ -71,7 +73,6 @@ int Run(const Options& options) {
     const std::uint64_t total = format.frames != 0 ? format.frames : options.frames;
     if (total != 0 && sheetFrame >= total) sheetFrame = total - 1;
     ContactSheet sheet(sheetFrame);
-    const auto* const scene = dynamic_cast<const Scene*>(opened.get());
     int barDeviation = 0;
 
     const auto observe = [&](const Stage& stage, const Frame& frame) {

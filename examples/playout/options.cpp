@@ -54,7 +54,7 @@ options
     -s, --size WxH           size of the output (1280x720)
     -d, --double-rate        deinterlace to one frame per field instead of one per frame
         --chroma 420|422     chroma of the output (420)
-        --matrix 601|709     colour matrix of the input (709 from 720 lines on, 601 below)
+        --matrix 601|709     colour matrix of the input (709 from 720 lines on and of the scene, else 601)
         --field-order progressive|top|bottom
                              overrides what the input says of itself
         --scene WxH          size of the program's own scene (1920x1080)

@@ -75,8 +75,6 @@ struct FieldView {
 };
 
 /// The number of a YUV format with the matrix of `matrix`: 0, PIXMORPH_BT709 or PIXMORPH_FULL_RANGE.
-constexpr std::uint32_t WithMatrix(std::uint32_t baseFormat, std::uint32_t matrix) {
-    return baseFormat + matrix;
-}
+constexpr std::uint32_t WithMatrix(std::uint32_t baseFormat, std::uint32_t matrix) { return baseFormat + matrix; }
 
 }  // namespace playout

@@ -8,6 +8,7 @@ namespace playout {
 namespace {
 
 constexpr std::uint32_t kTextureSide = 256;  // a power of two: the texture repeats
+constexpr std::uint32_t kTintPeriod = 1024;
 constexpr double kFrameThickness = 2;
 
 Sample Blend(const Sample& below, const Sample& above, float opacity) {
@@ -17,13 +18,9 @@ Sample Blend(const Sample& below, const Sample& above, float opacity) {
 }
 
 // How much of a pixel lies inside an edge that is `distance` pixels away.
-float Inside(double distance) {
-    return static_cast<float>(std::clamp(distance + 0.5, 0.0, 1.0));
-}
+float Inside(double distance) { return static_cast<float>(std::clamp(distance + 0.5, 0.0, 1.0)); }
 
-std::uint8_t ToByte(float value) {
-    return static_cast<std::uint8_t>(std::clamp(value + 0.5f, 1.0f, 254.0f));
-}
+std::uint8_t ToByte(float value) { return static_cast<std::uint8_t>(std::clamp(value + 0.5f, 1.0f, 254.0f)); }
 
 // Noise in four octaves, each interpolated smoothly between random points that wrap around.
 std::vector<float> MakeTexture() {
@@ -61,7 +58,11 @@ Scene::Scene(const VideoFormat& format)
       barWidth(format.width * 5 / 64),
       barHeight(format.height / 6),
       format_(format),
-      texture_(MakeTexture()) {}
+      texture_(MakeTexture()),
+      tint_(kTintPeriod) {
+    for (std::uint32_t i = 0; i < kTintPeriod; ++i)
+        tint_[i] = static_cast<float>(std::sin(i * 2 * std::numbers::pi / kTintPeriod));
+}
 
 bool Scene::Read(Picture& picture) {
     if (format_.frames != 0 && frame_ == format_.frames) return false;
@@ -77,20 +78,22 @@ bool Scene::Read(Picture& picture) {
 }
 
 void Scene::DrawField(Picture& picture, std::uint32_t parity, double fieldTime) const {
-    for (std::uint32_t y = parity; y < format_.height; y += 2) DrawLine(picture, y, fieldTime);
+    const Moment moment = MomentAt(fieldTime);
+    for (std::uint32_t y = parity; y < format_.height; y += 2) DrawLine(picture, y, moment);
 }
 
 void Scene::DrawFrame(Picture& picture, double fieldTime) const {
-    for (std::uint32_t y = 0; y < format_.height; ++y) DrawLine(picture, y, fieldTime);
+    const Moment moment = MomentAt(fieldTime);
+    for (std::uint32_t y = 0; y < format_.height; ++y) DrawLine(picture, y, moment);
 }
 
-void Scene::DrawLine(Picture& picture, std::uint32_t y, double fieldTime) const {
+void Scene::DrawLine(Picture& picture, std::uint32_t y, const Moment& moment) const {
     std::uint8_t* const luma = picture.Row(0, y);
     std::uint8_t* const blueDifference = picture.Row(1, y);
     std::uint8_t* const redDifference = picture.Row(2, y);
     for (std::uint32_t x = 0; x < format_.width; x += 2) {
-        const Sample left = At(x, y, fieldTime);
-        const Sample right = At(x + 1, y, fieldTime);
+        const Sample left = At(x, y, moment);
+        const Sample right = At(x + 1, y, moment);
         luma[x] = ToByte(left.luma);
         luma[x + 1] = ToByte(right.luma);
         blueDifference[x / 2] = ToByte((left.blueDifference + right.blueDifference) / 2);
@@ -98,7 +101,15 @@ void Scene::DrawLine(Picture& picture, std::uint32_t y, double fieldTime) const 
     }
 }
 
-Sample Scene::At(double x, double y, double time) const {
+Scene::Moment Scene::MomentAt(double fieldTime) const {
+    // The ball runs on a wide ellipse.
+    const double angle = fieldTime * 0.045;
+    return {fieldTime, format_.width * (0.60 + 0.30 * std::sin(angle)),
+            format_.height * (0.55 + 0.20 * std::cos(angle))};
+}
+
+Sample Scene::At(double x, double y, const Moment& moment) const {
+    const double time = moment.time;
     const double width = format_.width;
     const double height = format_.height;
     constexpr Sample kWhite = {235, 128, 128};
@@ -119,22 +130,22 @@ Sample Scene::At(double x, double y, double time) const {
     const auto column = static_cast<std::uint32_t>(x + 3 * time) % kTextureSide;
     const auto row = static_cast<std::uint32_t>(y) % kTextureSide;
     Sample sample = {110 + texture_[row * kTextureSide + column],
-                     static_cast<float>(128 + 12 * std::sin((x + 3 * time) * 2 * std::numbers::pi / 1024)),
-                     static_cast<float>(128 + 10 * std::sin(y * 2 * std::numbers::pi / height))};
+                     128 + 12 * tint_[static_cast<std::uint32_t>(x + 3 * time) % kTintPeriod],
+                     128 + 10 * tint_[static_cast<std::uint32_t>(y * kTintPeriod / height)]};
 
     // A fence of upright pickets that runs to the right and comes in again on the left.
     const double unit = width / 240;
-    const double fence = x - std::fmod(9 * time + width * 0.6, width + 120 * unit) + 120 * unit;
-    if (y >= height * 0.42 && y < height * 0.62 && fence >= 0 && fence < 120 * unit &&
-        std::fmod(fence, 6 * unit) < 3 * unit)
-        sample = {30, 128, 128};
+    if (y >= height * 0.42 && y < height * 0.62) {
+        const double fence = x - std::fmod(9 * time + width * 0.6, width + 120 * unit) + 120 * unit;
+        if (fence >= 0 && fence < 120 * unit && std::fmod(fence, 6 * unit) < 3 * unit) sample = {30, 128, 128};
+    }
 
     // A wheel that turns by 2.5 degrees a field.
     const double wheelX = x - width * 0.22;
     const double wheelY = y - height * 0.58;
     const double wheelRadius = height * 0.19;
-    const double wheelDistance = std::sqrt(wheelX * wheelX + wheelY * wheelY);
-    if (wheelDistance < wheelRadius + 1) {
+    if (wheelX * wheelX + wheelY * wheelY < (wheelRadius + 1) * (wheelRadius + 1)) {
+        const double wheelDistance = std::sqrt(wheelX * wheelX + wheelY * wheelY);
         const double turns = std::atan2(wheelY, wheelX) * 6 / std::numbers::pi + time * 2.5 / 30;
         const double spoke =
             (std::abs(turns - 2 * std::floor(turns / 2) - 1) - 0.5) * wheelDistance * std::numbers::pi / 6;
@@ -142,13 +153,11 @@ Sample Scene::At(double x, double y, double time) const {
         sample = Blend(sample, face, Inside(wheelRadius - wheelDistance));
     }
 
-    // A ball on a wide ellipse.
-    const double angle = time * 0.045;
-    const double ballX = x - width * (0.60 + 0.30 * std::sin(angle));
-    const double ballY = y - height * (0.55 + 0.20 * std::cos(angle));
+    const double ballX = x - moment.ballX;
+    const double ballY = y - moment.ballY;
     const double ballRadius = height * 0.085;
-    const double ballDistance = std::sqrt(ballX * ballX + ballY * ballY);
-    if (ballDistance < ballRadius + 1) sample = Blend(sample, {165, 70, 190}, Inside(ballRadius - ballDistance));
+    if (ballX * ballX + ballY * ballY < (ballRadius + 1) * (ballRadius + 1))
+        sample = Blend(sample, {165, 70, 190}, Inside(ballRadius - std::sqrt(ballX * ballX + ballY * ballY)));
     return sample;
 }
 

@@ -35,12 +35,19 @@ public:
     std::uint32_t barLeft, barTop, barWidth, barHeight;
 
 private:
-    void DrawLine(Picture& picture, std::uint32_t y, double fieldTime) const;
-    Sample At(double x, double y, double fieldTime) const;
+    // What moves, at one moment.
+    struct Moment {
+        double time;  // in fields
+        double ballX, ballY;
+    };
+    Moment MomentAt(double fieldTime) const;
+    void DrawLine(Picture& picture, std::uint32_t y, const Moment& moment) const;
+    Sample At(double x, double y, const Moment& moment) const;
 
     VideoFormat format_;
     std::uint64_t frame_ = 0;
     std::vector<float> texture_;
+    std::vector<float> tint_;  // one period of a sine
 };
 
 /// The bars at 75%, from the left: white, yellow, cyan, green, magenta, red, blue, black, as the 8-bit BT.709 values

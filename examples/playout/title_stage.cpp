@@ -9,9 +9,7 @@
 namespace playout {
 namespace {
 
-Picture Layer(std::uint32_t width, std::uint32_t height) {
-    return Picture(PIXMORPH_BGRA_TOP_DOWN, width, height);
-}
+Picture Layer(std::uint32_t width, std::uint32_t height) { return Picture(PIXMORPH_BGRA_TOP_DOWN, width, height); }
 
 void SetPixel(Picture& picture, std::uint32_t x, std::uint32_t y, Colour colour) {
     std::uint8_t* const pixel = picture.Row(0, y) + std::size_t{4} * x;
@@ -49,10 +47,11 @@ void DrawLogo(Picture& picture) {
     for (std::uint32_t y = 0; y < picture.Height(); ++y) {
         for (std::uint32_t x = 0; x < picture.Width(); ++x) {
             const double distance = std::hypot(x + 0.5 - middle, y + 0.5 - middle);
-            const bool ring = distance > radius * 0.82 && distance <= radius;
             const double glow = std::clamp(1 - (distance - radius) / (middle - radius), 0.0, 1.0);
             const double opacity = distance <= radius ? 1 : glow * glow * 0.8;
-            SetPixel(picture, x, y, ring ? Colour{40, 190, 255} : Colour{110, 45, 25, Scale(255, opacity)});
+            const double ring = std::clamp(std::min(distance - radius * 0.82, radius - distance) + 0.5, 0.0, 1.0);
+            const auto mix = [=](double disc, double edge) { return Scale(255, (disc + (edge - disc) * ring) / 255); };
+            SetPixel(picture, x, y, {mix(110, 40), mix(45, 190), mix(25, 255), Scale(255, std::max(opacity, ring))});
         }
     }
     const auto letters = static_cast<std::uint32_t>(radius * 0.8);
@@ -160,9 +159,12 @@ void TitleStage::Process(const Frame& frame, Sink& next) {
     Check(mixer_->ConvertTitleToImage(image_.Row(0, 0), composed_.Row(0, 0), width, height, image_.Stride(),
                                       composed_.Stride(), PIXMORPH_BGRA),
           "ConvertTitleToImage");
-    Check(mixer_->AddImageToUYVYBuffer(video.Row(0, 0), image_.BottomUp(), width, height, video.Stride(),
-                                       -image_.Stride(), opacity, video.Format(), PIXMORPH_BGRA),
-          "AddImageToUYVYBuffer");
+    // Even at opacity 0 a layer counts for 1/256, so a title that is not to be seen stays away.
+    if (opacity != 0) {
+        Check(mixer_->AddImageToUYVYBuffer(video.Row(0, 0), image_.BottomUp(), width, height, video.Stride(),
+                                           -image_.Stride(), opacity, video.Format(), PIXMORPH_BGRA),
+              "AddImageToUYVYBuffer");
+    }
     Check(
         mixer_->MovTitle(title_.Row(0, 0), image_.Row(0, 0), width, height, title_.Stride(), image_.Stride(), opacity),
         "MovTitle");

@@ -14,7 +14,7 @@ namespace playout {
 /// What the title says and when. Times are in source frames; the sequence repeats.
 struct TitleScript {
     std::string caption = "PIXMORPH PLAYOUT";
-    std::string subtitle = "Converted, deinterlaced, resized, titled";
+    std::string subtitle = "Deinterlaced, resized and titled";
     std::string crawl = "EVERY FRAME EXACT TO THE BIT ON EVERY PROCESSOR AND WITH EVERY NUMBER OF THREADS   *   ";
     std::uint32_t delay = 6;  ///< Frames before the fade in and after the fade out.
     std::uint32_t fade = 12;  ///< Frames of each fade; 0: the title stands from beginning to end.

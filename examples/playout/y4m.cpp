@@ -108,9 +108,7 @@ Y4mReader::Y4mReader(File file, std::string name) : file_(std::move(file)), name
              std::to_string(format_.height));
 }
 
-void Y4mReader::Fail(const std::string& message) const {
-    throw Error(EXIT_INPUT, name_ + " " + message);
-}
+void Y4mReader::Fail(const std::string& message) const { throw Error(EXIT_INPUT, name_ + " " + message); }
 
 std::string Y4mReader::ReadLine() {
     std::string line;

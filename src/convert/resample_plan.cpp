@@ -276,6 +276,7 @@ std::shared_ptr<const RowPlan> MakeRowPlan(LineKind kind, std::uint32_t srcWidth
     plan->kind = kind;
     plan->srcWidth = srcWidth;
     plan->dstWidth = dstWidth;
+    plan->dstBytes = LineBytes(kind, dstWidth);
     plan->filter = ChooseFilter(srcWidth, dstWidth);
     if (plan->filter == ResampleFilter::Copy) return plan;
     if (plan->filter == ResampleFilter::Mean) {

@@ -1,8 +1,9 @@
 #include "convert/resample_rows.h"
 
-#include <bit>
 #include <cstring>
 #include <numeric>
+
+#include "convert/x86/resample_forms.h"
 
 namespace KorvaneSoftware {
 
@@ -51,7 +52,7 @@ void ForEachChannel(std::uint8_t* dst, const std::uint8_t* src, const RowPlan& p
 }
 
 template <class Sample>
-void LinearRow_Plain(std::uint8_t* dstLine, const std::uint8_t* srcLine, const RowPlan& plan) {
+void RunLinear(std::uint8_t* dstLine, const std::uint8_t* srcLine, const RowPlan& plan) {
     ForEachChannel(
         dstLine, srcLine, plan,
         [](std::uint8_t* dst, const std::uint8_t* src, std::size_t step, std::uint32_t source, std::uint32_t dest) {
@@ -74,7 +75,7 @@ void LinearRow_Plain(std::uint8_t* dstLine, const std::uint8_t* srcLine, const R
 }
 
 template <class Sample>
-void MeanRow_Plain(std::uint8_t* dstLine, const std::uint8_t* srcLine, const RowPlan& plan) {
+void RunMean(std::uint8_t* dstLine, const std::uint8_t* srcLine, const RowPlan& plan) {
     ForEachChannel(dstLine, srcLine, plan,
                    [](std::uint8_t* dst, const std::uint8_t* src, std::size_t step, std::uint32_t, std::uint32_t dest) {
                        for (std::size_t i = 0; i < dest; ++i)
@@ -86,7 +87,7 @@ void MeanRow_Plain(std::uint8_t* dstLine, const std::uint8_t* srcLine, const Row
 // The sample on which an output sample ends is split between it and the next one. Sums are exact in 64 bits: a line of
 // 16-bit samples passes 32 bits at a width of 65536.
 template <class Sample>
-void AreaRow_Plain(std::uint8_t* dstLine, const std::uint8_t* srcLine, const RowPlan& plan) {
+void RunArea(std::uint8_t* dstLine, const std::uint8_t* srcLine, const RowPlan& plan) {
     ForEachChannel(
         dstLine, srcLine, plan,
         [](std::uint8_t* dst, const std::uint8_t* src, std::size_t step, std::uint32_t source, std::uint32_t dest) {
@@ -110,35 +111,22 @@ void AreaRow_Plain(std::uint8_t* dstLine, const std::uint8_t* srcLine, const Row
         });
 }
 
-void HalveRows8_Plain(std::uint8_t* dstLine, const std::uint8_t* a, const std::uint8_t* b, const RowPlan& plan) {
-    const std::ptrdiff_t toSecond = b - a;
-    ForEachChannel(
-        dstLine, a, plan,
-        [toSecond](std::uint8_t* dst, const std::uint8_t* src, std::size_t step, std::uint32_t, std::uint32_t dest) {
-            const auto column = [&](std::size_t i) {
-                return MeanValue(src[i * step], src[static_cast<std::ptrdiff_t>(i * step) + toSecond]);
-            };
-            for (std::size_t i = 0; i < dest; ++i)
-                Put<std::uint8_t>(dst, i * step, MeanValue(column(2 * i), column(2 * i + 1)));
-        });
-}
-
 template <class Sample>
-void MeanRows_Plain(std::uint8_t* dst, const std::uint8_t* a, const std::uint8_t* b, std::size_t samples) {
+void MixMean(std::uint8_t* dst, const std::uint8_t* a, const std::uint8_t* b, std::size_t samples) {
     for (std::size_t i = 0; i < samples; ++i) Put<Sample>(dst, i, MeanValue(Get<Sample>(a, i), Get<Sample>(b, i)));
 }
 
 template <class Sample>
-void LinearRows_Plain(std::uint8_t* dst, const std::uint8_t* earlier, const std::uint8_t* later, std::size_t samples,
-                      std::int32_t weight) {
+void MixLinear(std::uint8_t* dst, const std::uint8_t* earlier, const std::uint8_t* later, std::size_t samples,
+               std::int32_t weight) {
     for (std::size_t i = 0; i < samples; ++i)
         Put<Sample>(dst, i,
                     static_cast<std::uint32_t>(LinearValue(Get<Sample>(earlier, i), Get<Sample>(later, i), weight)));
 }
 
 template <class Sample>
-void AreaRows_Plain(std::uint8_t* dst, const std::uint8_t* src, std::int64_t stride, std::size_t samples,
-                    const AreaSpan& span, const AreaScale& scale) {
+void MixArea(std::uint8_t* dst, const std::uint8_t* src, std::int64_t stride, std::size_t samples, const AreaSpan& span,
+             const AreaScale& scale) {
     for (std::size_t i = 0; i < samples; ++i) {
         const std::uint8_t* line = src;
         std::uint64_t sum = std::uint64_t{Get<Sample>(line, i)} * span.firstWeight;
@@ -152,37 +140,102 @@ void AreaRows_Plain(std::uint8_t* dst, const std::uint8_t* src, std::int64_t str
     }
 }
 
-constexpr RowSlot::Entry kLinearRow8Rows[] = {{FEATURES_PLAIN, LinearRow_Plain<std::uint8_t>, "LinearRow8_Plain"}};
-constexpr RowSlot::Entry kLinearRow16Rows[] = {{FEATURES_PLAIN, LinearRow_Plain<std::uint16_t>, "LinearRow16_Plain"}};
-constexpr RowSlot::Entry kMeanRow8Rows[] = {{FEATURES_PLAIN, MeanRow_Plain<std::uint8_t>, "MeanRow8_Plain"}};
-constexpr RowSlot::Entry kMeanRow16Rows[] = {{FEATURES_PLAIN, MeanRow_Plain<std::uint16_t>, "MeanRow16_Plain"}};
-constexpr RowSlot::Entry kAreaRow8Rows[] = {{FEATURES_PLAIN, AreaRow_Plain<std::uint8_t>, "AreaRow8_Plain"}};
-constexpr RowSlot::Entry kAreaRow16Rows[] = {{FEATURES_PLAIN, AreaRow_Plain<std::uint16_t>, "AreaRow16_Plain"}};
-constexpr HalveSlot::Entry kHalveRows8Rows[] = {{FEATURES_PLAIN, HalveRows8_Plain, "HalveRows8_Plain"}};
-constexpr MeanRowsSlot::Entry kMeanRows8Rows[] = {{FEATURES_PLAIN, MeanRows_Plain<std::uint8_t>, "MeanRows8_Plain"}};
-constexpr MeanRowsSlot::Entry kMeanRows16Rows[] = {{FEATURES_PLAIN, MeanRows_Plain<std::uint16_t>, "MeanRows16_Plain"}};
-constexpr LinearRowsSlot::Entry kLinearRows8Rows[] = {
-    {FEATURES_PLAIN, LinearRows_Plain<std::uint8_t>, "LinearRows8_Plain"}};
-constexpr LinearRowsSlot::Entry kLinearRows16Rows[] = {
-    {FEATURES_PLAIN, LinearRows_Plain<std::uint16_t>, "LinearRows16_Plain"}};
-constexpr AreaRowsSlot::Entry kAreaRows8Rows[] = {{FEATURES_PLAIN, AreaRows_Plain<std::uint8_t>, "AreaRows8_Plain"}};
-constexpr AreaRowsSlot::Entry kAreaRows16Rows[] = {{FEATURES_PLAIN, AreaRows_Plain<std::uint16_t>, "AreaRows16_Plain"}};
+}  // namespace
+
+void LinearRow8_Plain(std::uint8_t* dst, const std::uint8_t* src, const RowPlan& plan) {
+    RunLinear<std::uint8_t>(dst, src, plan);
+}
+void MeanRow8_Plain(std::uint8_t* dst, const std::uint8_t* src, const RowPlan& plan) {
+    RunMean<std::uint8_t>(dst, src, plan);
+}
+void AreaRow8_Plain(std::uint8_t* dst, const std::uint8_t* src, const RowPlan& plan) {
+    RunArea<std::uint8_t>(dst, src, plan);
+}
+void MeanRows8_Plain(std::uint8_t* dst, const std::uint8_t* a, const std::uint8_t* b, std::size_t samples) {
+    MixMean<std::uint8_t>(dst, a, b, samples);
+}
+void LinearRows8_Plain(std::uint8_t* dst, const std::uint8_t* earlier, const std::uint8_t* later, std::size_t samples,
+                       std::int32_t weight) {
+    MixLinear<std::uint8_t>(dst, earlier, later, samples, weight);
+}
+void AreaRows8_Plain(std::uint8_t* dst, const std::uint8_t* src, std::int64_t stride, std::size_t samples,
+                     const AreaSpan& span, const AreaScale& scale) {
+    MixArea<std::uint8_t>(dst, src, stride, samples, span, scale);
+}
+void LinearRow16_Plain(std::uint8_t* dst, const std::uint8_t* src, const RowPlan& plan) {
+    RunLinear<std::uint16_t>(dst, src, plan);
+}
+void MeanRow16_Plain(std::uint8_t* dst, const std::uint8_t* src, const RowPlan& plan) {
+    RunMean<std::uint16_t>(dst, src, plan);
+}
+void AreaRow16_Plain(std::uint8_t* dst, const std::uint8_t* src, const RowPlan& plan) {
+    RunArea<std::uint16_t>(dst, src, plan);
+}
+void MeanRows16_Plain(std::uint8_t* dst, const std::uint8_t* a, const std::uint8_t* b, std::size_t samples) {
+    MixMean<std::uint16_t>(dst, a, b, samples);
+}
+void LinearRows16_Plain(std::uint8_t* dst, const std::uint8_t* earlier, const std::uint8_t* later, std::size_t samples,
+                        std::int32_t weight) {
+    MixLinear<std::uint16_t>(dst, earlier, later, samples, weight);
+}
+void AreaRows16_Plain(std::uint8_t* dst, const std::uint8_t* src, std::int64_t stride, std::size_t samples,
+                      const AreaSpan& span, const AreaScale& scale) {
+    MixArea<std::uint16_t>(dst, src, stride, samples, span, scale);
+}
+
+void HalveRows8_Plain(std::uint8_t* dstLine, const std::uint8_t* a, const std::uint8_t* b, const RowPlan& plan) {
+    const std::ptrdiff_t toSecond = b - a;
+    ForEachChannel(
+        dstLine, a, plan,
+        [toSecond](std::uint8_t* dst, const std::uint8_t* src, std::size_t step, std::uint32_t, std::uint32_t dest) {
+            const auto column = [&](std::size_t i) {
+                return MeanValue(src[i * step], src[static_cast<std::ptrdiff_t>(i * step) + toSecond]);
+            };
+            for (std::size_t i = 0; i < dest; ++i)
+                Put<std::uint8_t>(dst, i * step, MeanValue(column(2 * i), column(2 * i + 1)));
+        });
+}
+
+namespace {
+
+// The forms of a primitive, from plain to most demanding.
+#define PIXMORPH_RESAMPLE_ROWS(Slot, primitive)                                                              \
+    constexpr Slot::Entry k##primitive##Forms[] = {{FEATURES_PLAIN, primitive##_Plain, #primitive "_Plain"}, \
+                                                   {FEATURES_SSE41, primitive##_Sse41, #primitive "_Sse41"}, \
+                                                   {FEATURES_AVX2, primitive##_Avx2, #primitive "_Avx2"},    \
+                                                   {FEATURES_AVX512BW, primitive##_Avx512, #primitive "_Avx512"}};
+
+PIXMORPH_RESAMPLE_ROWS(RowSlot, LinearRow8)
+PIXMORPH_RESAMPLE_ROWS(RowSlot, LinearRow16)
+PIXMORPH_RESAMPLE_ROWS(RowSlot, MeanRow8)
+PIXMORPH_RESAMPLE_ROWS(RowSlot, MeanRow16)
+PIXMORPH_RESAMPLE_ROWS(RowSlot, AreaRow8)
+PIXMORPH_RESAMPLE_ROWS(RowSlot, AreaRow16)
+PIXMORPH_RESAMPLE_ROWS(HalveSlot, HalveRows8)
+PIXMORPH_RESAMPLE_ROWS(MeanRowsSlot, MeanRows8)
+PIXMORPH_RESAMPLE_ROWS(MeanRowsSlot, MeanRows16)
+PIXMORPH_RESAMPLE_ROWS(LinearRowsSlot, LinearRows8)
+PIXMORPH_RESAMPLE_ROWS(LinearRowsSlot, LinearRows16)
+PIXMORPH_RESAMPLE_ROWS(AreaRowsSlot, AreaRows8)
+PIXMORPH_RESAMPLE_ROWS(AreaRowsSlot, AreaRows16)
+
+#undef PIXMORPH_RESAMPLE_ROWS
 
 }  // namespace
 
-constinit RowSlot LinearRow8{"LinearRow8", kLinearRow8Rows, &ResolveOnFirstCall<LinearRow8>::Call};
-constinit RowSlot LinearRow16{"LinearRow16", kLinearRow16Rows, &ResolveOnFirstCall<LinearRow16>::Call};
-constinit RowSlot MeanRow8{"MeanRow8", kMeanRow8Rows, &ResolveOnFirstCall<MeanRow8>::Call};
-constinit RowSlot MeanRow16{"MeanRow16", kMeanRow16Rows, &ResolveOnFirstCall<MeanRow16>::Call};
-constinit RowSlot AreaRow8{"AreaRow8", kAreaRow8Rows, &ResolveOnFirstCall<AreaRow8>::Call};
-constinit RowSlot AreaRow16{"AreaRow16", kAreaRow16Rows, &ResolveOnFirstCall<AreaRow16>::Call};
-constinit HalveSlot HalveRows8{"HalveRows8", kHalveRows8Rows, &ResolveOnFirstCall<HalveRows8>::Call};
-constinit MeanRowsSlot MeanRows8{"MeanRows8", kMeanRows8Rows, &ResolveOnFirstCall<MeanRows8>::Call};
-constinit MeanRowsSlot MeanRows16{"MeanRows16", kMeanRows16Rows, &ResolveOnFirstCall<MeanRows16>::Call};
-constinit LinearRowsSlot LinearRows8{"LinearRows8", kLinearRows8Rows, &ResolveOnFirstCall<LinearRows8>::Call};
-constinit LinearRowsSlot LinearRows16{"LinearRows16", kLinearRows16Rows, &ResolveOnFirstCall<LinearRows16>::Call};
-constinit AreaRowsSlot AreaRows8{"AreaRows8", kAreaRows8Rows, &ResolveOnFirstCall<AreaRows8>::Call};
-constinit AreaRowsSlot AreaRows16{"AreaRows16", kAreaRows16Rows, &ResolveOnFirstCall<AreaRows16>::Call};
+constinit RowSlot LinearRow8{"LinearRow8", kLinearRow8Forms, &ResolveOnFirstCall<LinearRow8>::Call};
+constinit RowSlot LinearRow16{"LinearRow16", kLinearRow16Forms, &ResolveOnFirstCall<LinearRow16>::Call};
+constinit RowSlot MeanRow8{"MeanRow8", kMeanRow8Forms, &ResolveOnFirstCall<MeanRow8>::Call};
+constinit RowSlot MeanRow16{"MeanRow16", kMeanRow16Forms, &ResolveOnFirstCall<MeanRow16>::Call};
+constinit RowSlot AreaRow8{"AreaRow8", kAreaRow8Forms, &ResolveOnFirstCall<AreaRow8>::Call};
+constinit RowSlot AreaRow16{"AreaRow16", kAreaRow16Forms, &ResolveOnFirstCall<AreaRow16>::Call};
+constinit HalveSlot HalveRows8{"HalveRows8", kHalveRows8Forms, &ResolveOnFirstCall<HalveRows8>::Call};
+constinit MeanRowsSlot MeanRows8{"MeanRows8", kMeanRows8Forms, &ResolveOnFirstCall<MeanRows8>::Call};
+constinit MeanRowsSlot MeanRows16{"MeanRows16", kMeanRows16Forms, &ResolveOnFirstCall<MeanRows16>::Call};
+constinit LinearRowsSlot LinearRows8{"LinearRows8", kLinearRows8Forms, &ResolveOnFirstCall<LinearRows8>::Call};
+constinit LinearRowsSlot LinearRows16{"LinearRows16", kLinearRows16Forms, &ResolveOnFirstCall<LinearRows16>::Call};
+constinit AreaRowsSlot AreaRows8{"AreaRows8", kAreaRows8Forms, &ResolveOnFirstCall<AreaRows8>::Call};
+constinit AreaRowsSlot AreaRows16{"AreaRows16", kAreaRows16Forms, &ResolveOnFirstCall<AreaRows16>::Call};
 
 namespace {
 

@@ -131,6 +131,7 @@ struct RowPlan {
     ResampleFilter filter = ResampleFilter::Copy;
     std::uint32_t srcWidth = 0;
     std::uint32_t dstWidth = 0;
+    std::size_t dstBytes = 0;
     AreaScale area = {};
 
     /// Mean filter: order of 16 source bytes in which neighbours are to be averaged; a group of 16 gives 8. The first

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstdlib>
 
+#include "deinterlace/x86/line_filter_x86.h"
+
 namespace KorvaneSoftware {
 
 namespace {
@@ -75,12 +77,21 @@ void FilterPackedLine_Plain(std::uint8_t* dst, const FilterSources& sources, std
 
 constexpr FilterLineSlot::Entry kFilterPlaneLineRows[] = {
     {FEATURES_PLAIN, FilterPlaneLine_Plain, "FilterPlaneLine_Plain"},
+    {FEATURES_SSE41, FilterPlaneLine_Sse41, "FilterPlaneLine_Sse41"},
+    {FEATURES_AVX2, FilterPlaneLine_Avx2, "FilterPlaneLine_Avx2"},
+    {FEATURES_AVX512BW, FilterPlaneLine_Avx512, "FilterPlaneLine_Avx512"},
 };
 constexpr FilterLineSlot::Entry kFilterUyvyLineRows[] = {
     {FEATURES_PLAIN, FilterPackedLine_Plain<1, 0>, "FilterUyvyLine_Plain"},
+    {FEATURES_SSE41, FilterUyvyLine_Sse41, "FilterUyvyLine_Sse41"},
+    {FEATURES_AVX2, FilterUyvyLine_Avx2, "FilterUyvyLine_Avx2"},
+    {FEATURES_AVX512BW, FilterUyvyLine_Avx512, "FilterUyvyLine_Avx512"},
 };
 constexpr FilterLineSlot::Entry kFilterYuy2LineRows[] = {
     {FEATURES_PLAIN, FilterPackedLine_Plain<0, 1>, "FilterYuy2Line_Plain"},
+    {FEATURES_SSE41, FilterYuy2Line_Sse41, "FilterYuy2Line_Sse41"},
+    {FEATURES_AVX2, FilterYuy2Line_Avx2, "FilterYuy2Line_Avx2"},
+    {FEATURES_AVX512BW, FilterYuy2Line_Avx512, "FilterYuy2Line_Avx512"},
 };
 
 }  // namespace

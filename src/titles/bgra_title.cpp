@@ -2,7 +2,7 @@
 #include <algorithm>
 #include <cstddef>
 
-#include "titles/title_kernels.h"
+#include "titles/title_slot.h"
 
 namespace KorvaneSoftware {
 
@@ -18,9 +18,7 @@ void ForEachPixel(const ImageDescriptor& dst, const ImageDescriptor& src, MixPix
     }
 }
 
-std::uint8_t AddSaturated(std::uint32_t a, std::uint32_t b) {
-    return static_cast<std::uint8_t>(std::min(a + b, 255u));
-}
+std::uint8_t AddSaturated(std::uint32_t a, std::uint32_t b) { return static_cast<std::uint8_t>(std::min(a + b, 255u)); }
 
 void MovTitleBgra_Plain(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
     const std::uint32_t factor = mix.regionAlpha + 1;
@@ -62,17 +60,12 @@ void TitleToImage_Plain(const ImageDescriptor& dst, const ImageDescriptor& src, 
     });
 }
 
-constexpr TitleSlot::Entry kMovTitleBgraRows[] = {{FEATURES_PLAIN, MovTitleBgra_Plain, "MovTitleBgra_Plain"}};
-constexpr TitleSlot::Entry kNPTitleBgraRows[] = {{FEATURES_PLAIN, NPTitleBgra_Plain, "NPTitleBgra_Plain"}};
-constexpr TitleSlot::Entry kAddTitleBgraRows[] = {{FEATURES_PLAIN, AddTitleBgra_Plain, "AddTitleBgra_Plain"}};
-constexpr TitleSlot::Entry kTitleToImageRows[] = {{FEATURES_PLAIN, TitleToImage_Plain, "TitleToImage_Plain"}};
-
 }  // namespace
 
-constinit TitleSlot MovTitleBgra{"MovTitleBgra", kMovTitleBgraRows, &ResolveOnFirstCall<MovTitleBgra>::Call};
-constinit TitleSlot NPTitleBgra{"NPTitleBgra", kNPTitleBgraRows, &ResolveOnFirstCall<NPTitleBgra>::Call};
-constinit TitleSlot AddTitleBgra{"AddTitleBgra", kAddTitleBgraRows, &ResolveOnFirstCall<AddTitleBgra>::Call};
-constinit TitleSlot TitleToImage{"TitleToImage", kTitleToImageRows, &ResolveOnFirstCall<TitleToImage>::Call};
+PIXMORPH_TITLE_SLOT(MovTitleBgra, MovTitleBgra_Plain)
+PIXMORPH_TITLE_SLOT(NPTitleBgra, NPTitleBgra_Plain)
+PIXMORPH_TITLE_SLOT(AddTitleBgra, AddTitleBgra_Plain)
+PIXMORPH_TITLE_SLOT(TitleToImage, TitleToImage_Plain)
 
 namespace {
 

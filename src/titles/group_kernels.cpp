@@ -52,12 +52,8 @@ ChromaPair PairChroma(const std::uint8_t* p, const std::uint8_t* q) {
 }
 
 // A premultiplied pixel has its level offsets premultiplied too: 16 and 128 times alpha, in a rounding of its own each.
-std::int32_t BlackOffset(std::uint8_t alpha) {
-    return (alpha + 8) * 16 / 255;
-}
-std::int32_t ZeroOffset(std::uint8_t alpha) {
-    return (alpha + 1) * 128 / 255;
-}
+std::int32_t BlackOffset(std::uint8_t alpha) { return (alpha + 8) * 16 / 255; }
+std::int32_t ZeroOffset(std::uint8_t alpha) { return (alpha + 1) * 128 / 255; }
 
 // Records are put together aside and then stored, so that the destination may start where the source does.
 template <std::size_t GroupBytes, class Fill>

@@ -3,7 +3,7 @@
 
 #include "convert/colour.h"
 #include "convert/samples.h"
-#include "titles/title_kernels.h"
+#include "titles/title_slot.h"
 
 namespace KorvaneSoftware {
 
@@ -169,39 +169,26 @@ using YvyuSource = PackedSource<YvyuSamples>;
 
 }  // namespace
 
-// One slot for each pair of formats and operation.
-#define PIXMORPH_FRAME_SLOT(operation, source, frame)                                                                 \
-    namespace {                                                                                                       \
-    constexpr TitleSlot::Entry k##operation##source##To##frame##Rows[] = {                                            \
-        {FEATURES_PLAIN, operation##_Plain<source##Source, frame##Samples>, #operation #source "To" #frame "_Plain"}, \
-    };                                                                                                                \
-    }                                                                                                                 \
-    constinit TitleSlot operation##source##To##frame{#operation #source "To" #frame,                                  \
-                                                     k##operation##source##To##frame##Rows,                           \
-                                                     &ResolveOnFirstCall<operation##source##To##frame>::Call};
-
-PIXMORPH_FRAME_SLOT(Move, Bgra, Uyvy)
-PIXMORPH_FRAME_SLOT(Move, Bgra, Yuy2)
-PIXMORPH_FRAME_SLOT(Move, Bgr, Uyvy)
-PIXMORPH_FRAME_SLOT(Move, Bgr, Yuy2)
-PIXMORPH_FRAME_SLOT(Move, Uyvy, Uyvy)
-PIXMORPH_FRAME_SLOT(Move, Uyvy, Yuy2)
-PIXMORPH_FRAME_SLOT(Move, Yuy2, Uyvy)
-PIXMORPH_FRAME_SLOT(Move, Yuy2, Yuy2)
-PIXMORPH_FRAME_SLOT(Move, Yvyu, Uyvy)
-PIXMORPH_FRAME_SLOT(Move, Yvyu, Yuy2)
-PIXMORPH_FRAME_SLOT(Add, Bgra, Uyvy)
-PIXMORPH_FRAME_SLOT(Add, Bgra, Yuy2)
-PIXMORPH_FRAME_SLOT(Add, Bgr, Uyvy)
-PIXMORPH_FRAME_SLOT(Add, Bgr, Yuy2)
-PIXMORPH_FRAME_SLOT(Add, Uyvy, Uyvy)
-PIXMORPH_FRAME_SLOT(Add, Uyvy, Yuy2)
-PIXMORPH_FRAME_SLOT(Add, Yuy2, Uyvy)
-PIXMORPH_FRAME_SLOT(Add, Yuy2, Yuy2)
-PIXMORPH_FRAME_SLOT(Add, Yvyu, Uyvy)
-PIXMORPH_FRAME_SLOT(Add, Yvyu, Yuy2)
-
-#undef PIXMORPH_FRAME_SLOT
+PIXMORPH_TITLE_SLOT(MoveBgraToUyvy, Move_Plain<BgraSource, UyvySamples>)
+PIXMORPH_TITLE_SLOT(MoveBgraToYuy2, Move_Plain<BgraSource, Yuy2Samples>)
+PIXMORPH_TITLE_SLOT(MoveBgrToUyvy, Move_Plain<BgrSource, UyvySamples>)
+PIXMORPH_TITLE_SLOT(MoveBgrToYuy2, Move_Plain<BgrSource, Yuy2Samples>)
+PIXMORPH_TITLE_SLOT(MoveUyvyToUyvy, Move_Plain<UyvySource, UyvySamples>)
+PIXMORPH_TITLE_SLOT(MoveUyvyToYuy2, Move_Plain<UyvySource, Yuy2Samples>)
+PIXMORPH_TITLE_SLOT(MoveYuy2ToUyvy, Move_Plain<Yuy2Source, UyvySamples>)
+PIXMORPH_TITLE_SLOT(MoveYuy2ToYuy2, Move_Plain<Yuy2Source, Yuy2Samples>)
+PIXMORPH_TITLE_SLOT(MoveYvyuToUyvy, Move_Plain<YvyuSource, UyvySamples>)
+PIXMORPH_TITLE_SLOT(MoveYvyuToYuy2, Move_Plain<YvyuSource, Yuy2Samples>)
+PIXMORPH_TITLE_SLOT(AddBgraToUyvy, Add_Plain<BgraSource, UyvySamples>)
+PIXMORPH_TITLE_SLOT(AddBgraToYuy2, Add_Plain<BgraSource, Yuy2Samples>)
+PIXMORPH_TITLE_SLOT(AddBgrToUyvy, Add_Plain<BgrSource, UyvySamples>)
+PIXMORPH_TITLE_SLOT(AddBgrToYuy2, Add_Plain<BgrSource, Yuy2Samples>)
+PIXMORPH_TITLE_SLOT(AddUyvyToUyvy, Add_Plain<UyvySource, UyvySamples>)
+PIXMORPH_TITLE_SLOT(AddUyvyToYuy2, Add_Plain<UyvySource, Yuy2Samples>)
+PIXMORPH_TITLE_SLOT(AddYuy2ToUyvy, Add_Plain<Yuy2Source, UyvySamples>)
+PIXMORPH_TITLE_SLOT(AddYuy2ToYuy2, Add_Plain<Yuy2Source, Yuy2Samples>)
+PIXMORPH_TITLE_SLOT(AddYvyuToUyvy, Add_Plain<YvyuSource, UyvySamples>)
+PIXMORPH_TITLE_SLOT(AddYvyuToYuy2, Add_Plain<YvyuSource, Yuy2Samples>)
 
 namespace {
 

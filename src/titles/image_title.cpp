@@ -4,7 +4,7 @@
 
 #include "convert/colour.h"
 #include "convert/samples.h"
-#include "titles/title_kernels.h"
+#include "titles/title_slot.h"
 
 namespace KorvaneSoftware {
 
@@ -69,9 +69,7 @@ void NPTitle_Plain(const ImageDescriptor& dst, const ImageDescriptor& src, const
     });
 }
 
-std::uint8_t AddSaturated(std::uint32_t a, std::uint32_t b) {
-    return static_cast<std::uint8_t>(std::min(a + b, 255u));
-}
+std::uint8_t AddSaturated(std::uint32_t a, std::uint32_t b) { return static_cast<std::uint8_t>(std::min(a + b, 255u)); }
 
 template <class Row>
 void AddTitle_Plain(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
@@ -89,31 +87,19 @@ using UyvyRow = PackedRow<UyvySamples>;
 using Yuy2Row = PackedRow<Yuy2Samples>;
 using YvyuRow = PackedRow<YvyuSamples>;
 
-constexpr TitleSlot::Entry kMovTitleBgrRows[] = {{FEATURES_PLAIN, MovTitle_Plain<BgrRow>, "MovTitleBgr_Plain"}};
-constexpr TitleSlot::Entry kMovTitleUyvyRows[] = {{FEATURES_PLAIN, MovTitle_Plain<UyvyRow>, "MovTitleUyvy_Plain"}};
-constexpr TitleSlot::Entry kMovTitleYuy2Rows[] = {{FEATURES_PLAIN, MovTitle_Plain<Yuy2Row>, "MovTitleYuy2_Plain"}};
-constexpr TitleSlot::Entry kMovTitleYvyuRows[] = {{FEATURES_PLAIN, MovTitle_Plain<YvyuRow>, "MovTitleYvyu_Plain"}};
-constexpr TitleSlot::Entry kNPTitleUyvyRows[] = {{FEATURES_PLAIN, NPTitle_Plain<UyvyRow>, "NPTitleUyvy_Plain"}};
-constexpr TitleSlot::Entry kNPTitleYuy2Rows[] = {{FEATURES_PLAIN, NPTitle_Plain<Yuy2Row>, "NPTitleYuy2_Plain"}};
-constexpr TitleSlot::Entry kNPTitleYvyuRows[] = {{FEATURES_PLAIN, NPTitle_Plain<YvyuRow>, "NPTitleYvyu_Plain"}};
-constexpr TitleSlot::Entry kAddTitleBgrRows[] = {{FEATURES_PLAIN, AddTitle_Plain<BgrRow>, "AddTitleBgr_Plain"}};
-constexpr TitleSlot::Entry kAddTitleUyvyRows[] = {{FEATURES_PLAIN, AddTitle_Plain<UyvyRow>, "AddTitleUyvy_Plain"}};
-constexpr TitleSlot::Entry kAddTitleYuy2Rows[] = {{FEATURES_PLAIN, AddTitle_Plain<Yuy2Row>, "AddTitleYuy2_Plain"}};
-constexpr TitleSlot::Entry kAddTitleYvyuRows[] = {{FEATURES_PLAIN, AddTitle_Plain<YvyuRow>, "AddTitleYvyu_Plain"}};
-
 }  // namespace
 
-constinit TitleSlot MovTitleBgr{"MovTitleBgr", kMovTitleBgrRows, &ResolveOnFirstCall<MovTitleBgr>::Call};
-constinit TitleSlot MovTitleUyvy{"MovTitleUyvy", kMovTitleUyvyRows, &ResolveOnFirstCall<MovTitleUyvy>::Call};
-constinit TitleSlot MovTitleYuy2{"MovTitleYuy2", kMovTitleYuy2Rows, &ResolveOnFirstCall<MovTitleYuy2>::Call};
-constinit TitleSlot MovTitleYvyu{"MovTitleYvyu", kMovTitleYvyuRows, &ResolveOnFirstCall<MovTitleYvyu>::Call};
-constinit TitleSlot NPTitleUyvy{"NPTitleUyvy", kNPTitleUyvyRows, &ResolveOnFirstCall<NPTitleUyvy>::Call};
-constinit TitleSlot NPTitleYuy2{"NPTitleYuy2", kNPTitleYuy2Rows, &ResolveOnFirstCall<NPTitleYuy2>::Call};
-constinit TitleSlot NPTitleYvyu{"NPTitleYvyu", kNPTitleYvyuRows, &ResolveOnFirstCall<NPTitleYvyu>::Call};
-constinit TitleSlot AddTitleBgr{"AddTitleBgr", kAddTitleBgrRows, &ResolveOnFirstCall<AddTitleBgr>::Call};
-constinit TitleSlot AddTitleUyvy{"AddTitleUyvy", kAddTitleUyvyRows, &ResolveOnFirstCall<AddTitleUyvy>::Call};
-constinit TitleSlot AddTitleYuy2{"AddTitleYuy2", kAddTitleYuy2Rows, &ResolveOnFirstCall<AddTitleYuy2>::Call};
-constinit TitleSlot AddTitleYvyu{"AddTitleYvyu", kAddTitleYvyuRows, &ResolveOnFirstCall<AddTitleYvyu>::Call};
+PIXMORPH_TITLE_SLOT(MovTitleBgr, MovTitle_Plain<BgrRow>)
+PIXMORPH_TITLE_SLOT(MovTitleUyvy, MovTitle_Plain<UyvyRow>)
+PIXMORPH_TITLE_SLOT(MovTitleYuy2, MovTitle_Plain<Yuy2Row>)
+PIXMORPH_TITLE_SLOT(MovTitleYvyu, MovTitle_Plain<YvyuRow>)
+PIXMORPH_TITLE_SLOT(NPTitleUyvy, NPTitle_Plain<UyvyRow>)
+PIXMORPH_TITLE_SLOT(NPTitleYuy2, NPTitle_Plain<Yuy2Row>)
+PIXMORPH_TITLE_SLOT(NPTitleYvyu, NPTitle_Plain<YvyuRow>)
+PIXMORPH_TITLE_SLOT(AddTitleBgr, AddTitle_Plain<BgrRow>)
+PIXMORPH_TITLE_SLOT(AddTitleUyvy, AddTitle_Plain<UyvyRow>)
+PIXMORPH_TITLE_SLOT(AddTitleYuy2, AddTitle_Plain<Yuy2Row>)
+PIXMORPH_TITLE_SLOT(AddTitleYvyu, AddTitle_Plain<YvyuRow>)
 
 namespace {
 

@@ -4,20 +4,10 @@
 #pragma once
 
 #include "foundation/dispatch.h"
-#include "foundation/image_descriptor.h"
+#include "titles/title_mix.h"
 
 namespace KorvaneSoftware {
 
-/// How a kernel stores its result. Both give the same bytes; plain forms make no difference.
-enum class Stores : std::uint32_t { Cached, Streaming };
-
-/// What a kernel is told besides the pictures.
-struct TitleMix {
-    std::uint32_t regionAlpha = 255;
-    Stores stores = Stores::Cached;
-};
-
-using TitleSignature = void(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix);
 using TitleSlot = DispatchSlot<TitleSignature>;
 
 // First layer of a premultiplied title. The 4:2:2 sources are top-down and turn their rows.

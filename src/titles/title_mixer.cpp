@@ -10,9 +10,7 @@ namespace KorvaneSoftware {
 
 namespace {
 
-bool IsPacked422(std::uint32_t format) {
-    return format == FMT_UYVY || format == FMT_YUY2 || format == FMT_YVYU;
-}
+bool IsPacked422(std::uint32_t format) { return format == FMT_UYVY || format == FMT_YUY2 || format == FMT_YVYU; }
 
 // What every operation asks of its pictures once their formats are known to be good.
 Status CheckPictures(const ImageDescriptor& dst, const ImageDescriptor& src) {
@@ -21,9 +19,7 @@ Status CheckPictures(const ImageDescriptor& dst, const ImageDescriptor& src) {
     return IMG_OK;
 }
 
-bool HasPixels(const ImageDescriptor& desc) {
-    return desc.width != 0 && desc.height != 0;
-}
+bool HasPixels(const ImageDescriptor& desc) { return desc.width != 0 && desc.height != 0; }
 
 // Pictures of more bytes, read and written together, than half of the level-2 cache bypass it.
 Stores StoresFor(const ImageDescriptor& dst, std::size_t bytesPerPixel) {

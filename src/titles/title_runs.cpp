@@ -14,9 +14,7 @@ std::int32_t ReadCell(const void* cell) {
     return value;
 }
 
-void WriteCell(void* cell, std::int32_t value) {
-    std::memcpy(cell, &value, sizeof(value));
-}
+void WriteCell(void* cell, std::int32_t value) { std::memcpy(cell, &value, sizeof(value)); }
 
 /// Appends runs to a stream. The open counter is kept here and stored when its run ends, so that nothing has been
 /// written while only clear groups have come.

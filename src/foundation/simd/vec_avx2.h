@@ -49,12 +49,24 @@ static inline void StoreHalf(void* p, Vec a) {
     _mm_storeu_si128(static_cast<__m128i*>(p), _mm256_castsi256_si128(a.v));
 }
 
+// 32-bit integers to floats and back, truncating; floats are kept as their bits.
+static inline Vec IntToFloat32(Vec a) { return {_mm256_castps_si256(_mm256_cvtepi32_ps(a.v))}; }
+static inline Vec FloatToInt32(Vec a) { return {_mm256_cvttps_epi32(_mm256_castsi256_ps(a.v))}; }
+static inline Vec AddFloat32(Vec a, Vec b) {
+    return {_mm256_castps_si256(_mm256_add_ps(_mm256_castsi256_ps(a.v), _mm256_castsi256_ps(b.v)))};
+}
+static inline Vec MulFloat32(Vec a, Vec b) {
+    return {_mm256_castps_si256(_mm256_mul_ps(_mm256_castsi256_ps(a.v), _mm256_castsi256_ps(b.v)))};
+}
+static inline Vec DivideFloat32(Vec a, Vec b) {
+    return {_mm256_castps_si256(_mm256_div_ps(_mm256_castsi256_ps(a.v), _mm256_castsi256_ps(b.v)))};
+}
+
 #define PIXMORPH_VEC_OP(op) _mm256_##op
 #define PIXMORPH_VEC_BITOP(op) _mm256_##op##_si256
 #include "foundation/simd/vec_ops.inc.h"
 
 static inline Vec Min8u(Vec a, Vec b) { return {_mm256_min_epu8(a.v, b.v)}; }
-static inline Vec ShiftRight16uBy(Vec a, int count) { return {_mm256_srl_epi16(a.v, _mm_cvtsi32_si128(count))}; }
 static inline Vec Blend8(Vec a, Vec b, Vec mask) { return {_mm256_blendv_epi8(a.v, b.v, mask.v)}; }
 static inline Vec FixPack(Vec a) { return {_mm256_permute4x64_epi64(a.v, 0xD8)}; }
 static inline Vec PreUnpack(Vec a) { return {_mm256_permute4x64_epi64(a.v, 0xD8)}; }
@@ -89,6 +101,29 @@ static inline void SplitLanePairs(Vec& a, Vec& b) {
     const __m256i order = _mm256_setr_epi32(0, 1, 4, 6, 2, 3, 5, 7);
     a.v = _mm256_permutevar8x32_epi32(a.v, order);
     b.v = _mm256_permutevar8x32_epi32(b.v, order);
+}
+
+static inline Vec LoadLanes128(const std::uint8_t* base, const std::uint32_t* offsets) {
+    const __m128i low = _mm_loadu_si128(reinterpret_cast<const __m128i*>(base + offsets[0]));
+    const __m128i high = _mm_loadu_si128(reinterpret_cast<const __m128i*>(base + offsets[1]));
+    return {_mm256_inserti128_si256(_mm256_castsi128_si256(low), high, 1)};
+}
+static inline void StoreNarrow16To8(void* p, Vec a) {
+    const __m256i bytes = _mm256_permute4x64_epi64(_mm256_packus_epi16(a.v, a.v), 0xD8);
+    _mm_storeu_si128(static_cast<__m128i*>(p), _mm256_castsi256_si128(bytes));
+}
+static inline void StoreNarrow32To16(void* p, Vec a) {
+    const __m256i words = _mm256_permute4x64_epi64(_mm256_packus_epi32(a.v, a.v), 0xD8);
+    _mm_storeu_si128(static_cast<__m128i*>(p), _mm256_castsi256_si128(words));
+}
+static inline void StoreNarrow32To8(void* p, Vec a) {
+    const __m256i words = _mm256_permute4x64_epi64(_mm256_packus_epi32(a.v, a.v), 0xD8);
+    const __m128i low = _mm256_castsi256_si128(words);
+    _mm_storel_epi64(static_cast<__m128i*>(p), _mm_packus_epi16(low, low));
+}
+static inline Vec ScaleAndRound32(Vec a, float scale) {
+    const __m256 product = _mm256_mul_ps(_mm256_cvtepi32_ps(a.v), _mm256_set1_ps(scale));
+    return {_mm256_cvttps_epi32(_mm256_add_ps(product, _mm256_set1_ps(0.5f)))};
 }
 
 }  // namespace KorvaneSoftware::PIXMORPH_SIMD

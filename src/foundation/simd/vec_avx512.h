@@ -58,19 +58,29 @@ static inline void StoreHalf(void* p, Vec a) {
     _mm256_storeu_si256(static_cast<__m256i*>(p), _mm512_castsi512_si256(a.v));
 }
 
+// 32-bit integers to floats and back, truncating; floats are kept as their bits.
+static inline Vec IntToFloat32(Vec a) { return {_mm512_castps_si512(_mm512_cvtepi32_ps(a.v))}; }
+static inline Vec FloatToInt32(Vec a) { return {_mm512_cvttps_epi32(_mm512_castsi512_ps(a.v))}; }
+static inline Vec AddFloat32(Vec a, Vec b) {
+    return {_mm512_castps_si512(_mm512_add_ps(_mm512_castsi512_ps(a.v), _mm512_castsi512_ps(b.v)))};
+}
+static inline Vec MulFloat32(Vec a, Vec b) {
+    return {_mm512_castps_si512(_mm512_mul_ps(_mm512_castsi512_ps(a.v), _mm512_castsi512_ps(b.v)))};
+}
+static inline Vec DivideFloat32(Vec a, Vec b) {
+    return {_mm512_castps_si512(_mm512_div_ps(_mm512_castsi512_ps(a.v), _mm512_castsi512_ps(b.v)))};
+}
+
 #define PIXMORPH_VEC_OP(op) _mm512_##op
 #define PIXMORPH_VEC_BITOP(op) _mm512_##op##_si512
 #include "foundation/simd/vec_ops.inc.h"
 
 static inline Vec Min8u(Vec a, Vec b) { return {_mm512_min_epu8(a.v, b.v)}; }
-static inline Vec ShiftRight16uBy(Vec a, int count) { return {_mm512_srl_epi16(a.v, _mm_cvtsi32_si128(count))}; }
 // Takes b where the top bit of the mask byte is set.
 static inline Vec Blend8(Vec a, Vec b, Vec mask) {
     return {_mm512_mask_blend_epi8(_mm512_movepi8_mask(mask.v), a.v, b.v)};
 }
-static inline Vec FixPack(Vec a) {
-    return {_mm512_permutexvar_epi64(_mm512_setr_epi64(0, 2, 4, 6, 1, 3, 5, 7), a.v)};
-}
+static inline Vec FixPack(Vec a) { return {_mm512_permutexvar_epi64(_mm512_setr_epi64(0, 2, 4, 6, 1, 3, 5, 7), a.v)}; }
 static inline Vec PreUnpack(Vec a) {
     return {_mm512_permutexvar_epi64(_mm512_setr_epi64(0, 4, 1, 5, 2, 6, 3, 7), a.v)};
 }
@@ -112,6 +122,28 @@ static inline void SplitLanePairs(Vec& a, Vec& b) {
     const __m512i order = _mm512_setr_epi32(0, 1, 4, 6, 2, 3, 5, 7, 8, 9, 12, 14, 10, 11, 13, 15);
     a.v = _mm512_permutexvar_epi32(order, a.v);
     b.v = _mm512_permutexvar_epi32(order, b.v);
+}
+
+static inline Vec LoadLanes128(const std::uint8_t* base, const std::uint32_t* offsets) {
+    // Broadcasts under a mask are loads alone; inserts would each take the one port that shuffles need.
+    const auto lane = [&](int i) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(base + offsets[i])); };
+    __m512i v = _mm512_castsi128_si512(lane(0));
+    v = _mm512_mask_broadcast_i32x4(v, 0x00F0, lane(1));
+    v = _mm512_mask_broadcast_i32x4(v, 0x0F00, lane(2));
+    return {_mm512_mask_broadcast_i32x4(v, 0xF000, lane(3))};
+}
+static inline void StoreNarrow16To8(void* p, Vec a) {
+    _mm256_storeu_si256(static_cast<__m256i*>(p), _mm512_cvtusepi16_epi8(a.v));
+}
+static inline void StoreNarrow32To16(void* p, Vec a) {
+    _mm256_storeu_si256(static_cast<__m256i*>(p), _mm512_cvtusepi32_epi16(a.v));
+}
+static inline void StoreNarrow32To8(void* p, Vec a) {
+    _mm_storeu_si128(static_cast<__m128i*>(p), _mm512_cvtusepi32_epi8(a.v));
+}
+static inline Vec ScaleAndRound32(Vec a, float scale) {
+    const __m512 product = _mm512_mul_ps(_mm512_cvtepi32_ps(a.v), _mm512_set1_ps(scale));
+    return {_mm512_cvttps_epi32(_mm512_add_ps(product, _mm512_set1_ps(0.5f)))};
 }
 
 }  // namespace KorvaneSoftware::PIXMORPH_SIMD

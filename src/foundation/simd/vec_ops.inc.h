@@ -25,9 +25,11 @@ PIXMORPH_VEC_BINARY(Min32s, PIXMORPH_VEC_OP(min_epi32))
 PIXMORPH_VEC_BINARY(MulLow16, PIXMORPH_VEC_OP(mullo_epi16))
 PIXMORPH_VEC_BINARY(MulHigh16s, PIXMORPH_VEC_OP(mulhi_epi16))
 PIXMORPH_VEC_BINARY(MulHigh16u, PIXMORPH_VEC_OP(mulhi_epu16))
+PIXMORPH_VEC_BINARY(MulHighRound16, PIXMORPH_VEC_OP(mulhrs_epi16))  // (a * b + 0x4000) >> 15
 PIXMORPH_VEC_BINARY(MulLow32, PIXMORPH_VEC_OP(mullo_epi32))
 PIXMORPH_VEC_BINARY(MulAddPairs16, PIXMORPH_VEC_OP(madd_epi16))      // i16 pairs to i32
 PIXMORPH_VEC_BINARY(MulAddPairs8, PIXMORPH_VEC_OP(maddubs_epi16))    // u8 * i8 pairs to saturated i16
+PIXMORPH_VEC_BINARY(Pack16To8s, PIXMORPH_VEC_OP(packs_epi16))
 PIXMORPH_VEC_BINARY(Pack16To8u, PIXMORPH_VEC_OP(packus_epi16))
 PIXMORPH_VEC_BINARY(Pack32To16s, PIXMORPH_VEC_OP(packs_epi32))
 PIXMORPH_VEC_BINARY(Pack32To16u, PIXMORPH_VEC_OP(packus_epi32))
@@ -60,6 +62,11 @@ static inline Vec AbsDiff8u(Vec a, Vec b) { return Or(SubSat8u(a, b), SubSat8u(b
 template <int N>
 static inline Vec AlignRight(Vec high, Vec low) {
     return {PIXMORPH_VEC_OP(alignr_epi8)(high.v, low.v, N)};
+}
+
+// A shift whose count is known at run time only.
+static inline Vec ShiftRight16uBy(Vec a, int count) {
+    return {PIXMORPH_VEC_OP(srl_epi16)(a.v, _mm_cvtsi32_si128(count))};
 }
 
 #undef PIXMORPH_VEC_OP

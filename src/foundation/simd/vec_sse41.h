@@ -46,13 +46,24 @@ static inline Vec LoadWiden8(const void* p) {
 static inline Vec LoadHalf(const void* p) { return {_mm_loadl_epi64(static_cast<const __m128i*>(p))}; }
 static inline void StoreHalf(void* p, Vec a) { _mm_storel_epi64(static_cast<__m128i*>(p), a.v); }
 
+// 32-bit integers to floats and back, truncating; floats are kept as their bits.
+static inline Vec IntToFloat32(Vec a) { return {_mm_castps_si128(_mm_cvtepi32_ps(a.v))}; }
+static inline Vec FloatToInt32(Vec a) { return {_mm_cvttps_epi32(_mm_castsi128_ps(a.v))}; }
+static inline Vec AddFloat32(Vec a, Vec b) {
+    return {_mm_castps_si128(_mm_add_ps(_mm_castsi128_ps(a.v), _mm_castsi128_ps(b.v)))};
+}
+static inline Vec MulFloat32(Vec a, Vec b) {
+    return {_mm_castps_si128(_mm_mul_ps(_mm_castsi128_ps(a.v), _mm_castsi128_ps(b.v)))};
+}
+static inline Vec DivideFloat32(Vec a, Vec b) {
+    return {_mm_castps_si128(_mm_div_ps(_mm_castsi128_ps(a.v), _mm_castsi128_ps(b.v)))};
+}
+
 #define PIXMORPH_VEC_OP(op) _mm_##op
 #define PIXMORPH_VEC_BITOP(op) _mm_##op##_si128
 #include "foundation/simd/vec_ops.inc.h"
 
 static inline Vec Min8u(Vec a, Vec b) { return {_mm_min_epu8(a.v, b.v)}; }
-// Shift by a count that is known at run time only.
-static inline Vec ShiftRight16uBy(Vec a, int count) { return {_mm_srl_epi16(a.v, _mm_cvtsi32_si128(count))}; }
 static inline Vec Blend8(Vec a, Vec b, Vec mask) { return {_mm_blendv_epi8(a.v, b.v, mask.v)}; }
 // Order of 64-bit quarters after a lane-wise pack: with one lane nothing is to be done.
 static inline Vec FixPack(Vec a) { return a; }
@@ -80,6 +91,29 @@ static inline void SplitLanePairs(Vec& a, Vec& b) {
     const __m128i ordered = _mm_shuffle_epi32(b.v, _MM_SHUFFLE(3, 1, 2, 0));
     b.v = _mm_unpackhi_epi64(a.v, ordered);
     a.v = _mm_unpacklo_epi64(a.v, ordered);
+}
+
+// 16 bytes for each 128-bit lane, each from an offset of its own.
+static inline Vec LoadLanes128(const std::uint8_t* base, const std::uint32_t* offsets) {
+    return Load(base + offsets[0]);
+}
+// Lanes of 16 or 32 bits narrowed without a change of order, saturated as unsigned: kVecBytes / 2 or / 4 bytes.
+static inline void StoreNarrow16To8(void* p, Vec a) {
+    _mm_storel_epi64(static_cast<__m128i*>(p), _mm_packus_epi16(a.v, a.v));
+}
+static inline void StoreNarrow32To16(void* p, Vec a) {
+    _mm_storel_epi64(static_cast<__m128i*>(p), _mm_packus_epi32(a.v, a.v));
+}
+static inline void StoreNarrow32To8(void* p, Vec a) {
+    const __m128i words = _mm_packus_epi32(a.v, a.v);
+    const int bytes = _mm_cvtsi128_si32(_mm_packus_epi16(words, words));
+    __builtin_memcpy(p, &bytes, sizeof(bytes));
+}
+// Signed 32-bit lanes times `scale` plus 0.5, truncated; conversion, product and sum are each rounded to single
+// precision.
+static inline Vec ScaleAndRound32(Vec a, float scale) {
+    const __m128 product = _mm_mul_ps(_mm_cvtepi32_ps(a.v), _mm_set1_ps(scale));
+    return {_mm_cvttps_epi32(_mm_add_ps(product, _mm_set1_ps(0.5f)))};
 }
 
 }  // namespace KorvaneSoftware::PIXMORPH_SIMD

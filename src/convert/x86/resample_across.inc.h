@@ -1,0 +1,214 @@
+// Horizontal resampling over registers of any width, driven by the tables of a plan.
+#include "convert/x86/resample_forms.h"
+
+namespace KorvaneSoftware {
+namespace PIXMORPH_SIMD {
+
+// A group of four blocks fills this many registers of samples that are twice or four times as wide as stored ones.
+constexpr int kParts = 4 / kVecLanes;
+constexpr std::size_t kWindow = 16;
+
+/// Walks the groups of a plan.
+struct Group {
+    const std::uint32_t* windows;
+    const std::uint8_t* shuffles;
+    const std::uint8_t* weights;
+};
+
+static inline Group GroupOf(const RowPlan& plan, std::uint32_t index) {
+    const std::size_t table = std::size_t{index} * plan.tableStride;
+    return {plan.windows + std::size_t{index} * plan.stepCount * 4, plan.shuffles + table, plan.weights + table};
+}
+
+/// The samples of one step of a part of a group, shuffled into place.
+static inline Vec Gather(const std::uint8_t* src, const Group& group, std::uint32_t step, int part) {
+    const std::size_t block = std::size_t{step} * 4 + static_cast<std::size_t>(part * kVecLanes);
+    return Shuffle8(LoadLanes128(src, group.windows + block), Load(group.shuffles + block * kWindow));
+}
+
+static inline Vec WeightsOf(const Group& group, std::uint32_t step, int part) {
+    return Load(group.weights + (std::size_t{step} * 4 + static_cast<std::size_t>(part * kVecLanes)) * kWindow);
+}
+
+/// 32 words as bytes.
+static inline void StoreWordsAsBytes(std::uint8_t* dst, const Vec (&words)[kParts]) {
+    if constexpr (kParts == 1) {
+        StoreNarrow16To8(dst, words[0]);
+    } else {
+        for (int part = 0; part < kParts; part += 2)
+            Store(dst + static_cast<std::size_t>(part / 2) * kVecBytes,
+                  FixPack(Pack16To8u(words[part], words[part + 1])));
+    }
+}
+
+// later + ((later - earlier) * -weight + 0x4000 >> 15): differences of bytes times weights from -32768 to 0 fit the
+// rounding product of 16 bits.
+template <bool OneStep>
+static void LinearBytes(std::uint8_t* dst, const std::uint8_t* src, const RowPlan& plan) {
+    const Vec laterMinusEarlier = Set16(0x01FF);
+    for (std::uint32_t g = 0; g < plan.groupCount; ++g) {
+        const Group group = GroupOf(plan, g);
+        Vec words[kParts];
+        for (int part = 0; part < kParts; ++part) {
+            Vec pairs = Gather(src, group, 0, part);
+            if constexpr (!OneStep)
+                for (std::uint32_t step = 1; step < plan.stepCount; ++step)
+                    pairs = Or(pairs, Gather(src, group, step, part));
+            const Vec difference = MulAddPairs8(pairs, laterMinusEarlier);
+            words[part] = Add16(ShiftRight16u<8>(pairs), MulHighRound16(difference, WeightsOf(group, 0, part)));
+        }
+        StoreWordsAsBytes(dst + plan.outputs[g], words);
+    }
+}
+
+static void LinearWords(std::uint8_t* dst, const std::uint8_t* src, const RowPlan& plan) {
+    const Vec low = Set32(0xFFFF);
+    const Vec half = Set32(0x4000);
+    for (std::uint32_t g = 0; g < plan.groupCount; ++g) {
+        const Group group = GroupOf(plan, g);
+        for (int part = 0; part < kParts; ++part) {
+            Vec pairs = Gather(src, group, 0, part);
+            for (std::uint32_t step = 1; step < plan.stepCount; ++step)
+                pairs = Or(pairs, Gather(src, group, step, part));
+            const Vec later = ShiftRight32u<16>(pairs);
+            const Vec product = MulLow32(Sub32(And(pairs, low), later), WeightsOf(group, 0, part));
+            StoreNarrow32To16(dst + plan.outputs[g] + static_cast<std::size_t>(part) * (kVecBytes / 2),
+                              Add32(later, ShiftRight32s<15>(Add32(product, half))));
+        }
+    }
+}
+
+// Sums below 2^15: a plan is narrow only then.
+template <bool OneStep, bool Shifted>
+static void AreaNarrow(std::uint8_t* dst, const std::uint8_t* src, const RowPlan& plan) {
+    const Vec bias = Set16(plan.area.bias);
+    const Vec multiplier = Set16(plan.area.multiplier);
+    const int shift = plan.area.shift;
+    for (std::uint32_t g = 0; g < plan.groupCount; ++g) {
+        const Group group = GroupOf(plan, g);
+        Vec words[kParts];
+        for (int part = 0; part < kParts; ++part) {
+            Vec sum = Add16(bias, MulAddPairs8(Gather(src, group, 0, part), WeightsOf(group, 0, part)));
+            if constexpr (!OneStep)
+                for (std::uint32_t step = 1; step < plan.stepCount; ++step)
+                    sum = Add16(sum, MulAddPairs8(Gather(src, group, step, part), WeightsOf(group, step, part)));
+            words[part] = MulHigh16u(sum, multiplier);
+            if constexpr (Shifted) words[part] = ShiftRight16uBy(words[part], shift);
+        }
+        StoreWordsAsBytes(dst + plan.outputs[g], words);
+    }
+}
+
+static void AreaNarrowAny(std::uint8_t* dst, const std::uint8_t* src, const RowPlan& plan) {
+    if (plan.stepCount == 1)
+        (plan.area.shift == 0 ? AreaNarrow<true, false> : AreaNarrow<true, true>)(dst, src, plan);
+    else
+        (plan.area.shift == 0 ? AreaNarrow<false, false> : AreaNarrow<false, true>)(dst, src, plan);
+}
+
+// Sums of 32 bits. Words are moved to the signed range for the product; with weights that add up to the source's size
+// that takes 32768 times the size off the sum, which the start value puts back.
+template <bool Words>
+static void AreaWide(std::uint8_t* dst, const std::uint8_t* src, const RowPlan& plan) {
+    const Vec start = Words ? Set32(static_cast<int>(plan.srcWidth << 15)) : Zero();
+    const Vec flip = Words ? Set16(-0x8000) : Zero();
+    for (std::uint32_t g = 0; g < plan.groupCount; ++g) {
+        const Group group = GroupOf(plan, g);
+        for (int part = 0; part < kParts; ++part) {
+            Vec sum = start;
+            for (std::uint32_t step = 0; step < plan.stepCount; ++step)
+                sum =
+                    Add32(sum, MulAddPairs16(Xor(Gather(src, group, step, part), flip), WeightsOf(group, step, part)));
+            const Vec value = ScaleAndRound32(sum, plan.area.reciprocal);
+            if constexpr (Words)
+                StoreNarrow32To16(dst + plan.outputs[g] + static_cast<std::size_t>(part) * (kVecBytes / 2), value);
+            else
+                StoreNarrow32To8(dst + plan.outputs[g] + static_cast<std::size_t>(part) * (kVecBytes / 4), value);
+        }
+    }
+}
+
+/// Means of neighbours, which `order` brings together: two registers become one.
+static inline Vec MeanOfPairs(Vec first, Vec second, Vec order) {
+    const Vec ones = Set8(1);
+    const Vec low = Avg16(MulAddPairs8(Shuffle8(first, order), ones), Zero());
+    const Vec high = Avg16(MulAddPairs8(Shuffle8(second, order), ones), Zero());
+    return FixPack(Pack16To8u(low, high));
+}
+
+/// Calls body(output byte) for each full register, the last one moved back to end with the line. The line is at least
+/// one register long and a multiple of the order's unit, so that the order holds there as well.
+template <class Body>
+static inline void ForEachRegister(std::size_t bytes, Body body) {
+    std::size_t i = 0;
+    for (; i + kVecBytes <= bytes; i += kVecBytes) body(i);
+    if (i < bytes) body(bytes - kVecBytes);
+}
+
+}  // namespace PIXMORPH_SIMD
+
+void PIXMORPH_SIMD_NAME(LinearRow8)(std::uint8_t* dst, const std::uint8_t* src, const RowPlan& plan) {
+    if (plan.groupCount == 0)
+        LinearRow8_Plain(dst, src, plan);
+    else
+        (plan.stepCount == 1 ? PIXMORPH_SIMD::LinearBytes<true> : PIXMORPH_SIMD::LinearBytes<false>)(dst, src, plan);
+}
+
+void PIXMORPH_SIMD_NAME(LinearRow16)(std::uint8_t* dst, const std::uint8_t* src, const RowPlan& plan) {
+    (plan.groupCount == 0 ? LinearRow16_Plain : PIXMORPH_SIMD::LinearWords)(dst, src, plan);
+}
+
+void PIXMORPH_SIMD_NAME(AreaRow8)(std::uint8_t* dst, const std::uint8_t* src, const RowPlan& plan) {
+    if (plan.groupCount == 0)
+        AreaRow8_Plain(dst, src, plan);
+    else
+        (plan.wide ? PIXMORPH_SIMD::AreaWide<false> : PIXMORPH_SIMD::AreaNarrowAny)(dst, src, plan);
+}
+
+void PIXMORPH_SIMD_NAME(AreaRow16)(std::uint8_t* dst, const std::uint8_t* src, const RowPlan& plan) {
+    (plan.groupCount == 0 ? AreaRow16_Plain : PIXMORPH_SIMD::AreaWide<true>)(dst, src, plan);
+}
+
+void PIXMORPH_SIMD_NAME(MeanRow8)(std::uint8_t* dst, const std::uint8_t* src, const RowPlan& plan) {
+    using namespace PIXMORPH_SIMD;
+    if (plan.groupCount != 0) {
+        AreaNarrowAny(dst, src, plan);
+    } else if (plan.pairOrder[0] == 255 || plan.dstBytes < kVecBytes) {
+        MeanRow8_Plain(dst, src, plan);
+    } else {
+        const Vec order = Repeat128(plan.pairOrder);
+        ForEachRegister(plan.dstBytes, [&](std::size_t i) {
+            Store(dst + i, MeanOfPairs(Load(src + 2 * i), Load(src + 2 * i + kVecBytes), order));
+        });
+    }
+}
+
+void PIXMORPH_SIMD_NAME(HalveRows8)(std::uint8_t* dst, const std::uint8_t* a, const std::uint8_t* b,
+                                    const RowPlan& plan) {
+    using namespace PIXMORPH_SIMD;
+    if (plan.pairOrder[0] == 255 || plan.dstBytes < kVecBytes) {
+        HalveRows8_Plain(dst, a, b, plan);
+        return;
+    }
+    const Vec order = Repeat128(plan.pairOrder);
+    ForEachRegister(plan.dstBytes, [&](std::size_t i) {
+        const Vec first = Avg8(Load(a + 2 * i), Load(b + 2 * i));
+        const Vec second = Avg8(Load(a + 2 * i + kVecBytes), Load(b + 2 * i + kVecBytes));
+        Store(dst + i, MeanOfPairs(first, second, order));
+    });
+}
+
+void PIXMORPH_SIMD_NAME(MeanRow16)(std::uint8_t* dst, const std::uint8_t* src, const RowPlan& plan) {
+    using namespace PIXMORPH_SIMD;
+    if (plan.dstBytes < kVecBytes) {
+        MeanRow16_Plain(dst, src, plan);
+        return;
+    }
+    const Vec low = Set32(0xFFFF);
+    const auto mean = [&](Vec pairs) { return Avg16(And(pairs, low), ShiftRight32u<16>(pairs)); };
+    ForEachRegister(plan.dstBytes, [&](std::size_t i) {
+        Store(dst + i, FixPack(Pack32To16u(mean(Load(src + 2 * i)), mean(Load(src + 2 * i + kVecBytes)))));
+    });
+}
+
+}  // namespace KorvaneSoftware

@@ -1,0 +1,219 @@
+// Kernels whose destination is BGRA: a reader brings kPixels source pixels into BGRA order, and a mixing works on one
+// register of them at a time. Region alphas are at most 255, so that the factor is 256 at most and every first product
+// of two bytes, or of a byte and the factor, stays within an unsigned word.
+#include "convert/x86/colour.inc.h"
+#include "titles/x86/title_forms.h"
+#include "titles/x86/title_rows.inc.h"
+
+namespace KorvaneSoftware {
+namespace PIXMORPH_SIMD {
+
+// Alpha of the lower and of the upper two pixels of a lane, widened to every word of its pixel.
+alignas(16) static constexpr std::uint8_t kAlphaLow[16] = {3, 128, 3, 128, 3, 128, 3, 128,
+                                                           7, 128, 7, 128, 7, 128, 7, 128};
+alignas(16) static constexpr std::uint8_t kAlphaHigh[16] = {11, 128, 11, 128, 11, 128, 11, 128,
+                                                            15, 128, 15, 128, 15, 128, 15, 128};
+
+struct Words {
+    Vec low, high;
+};
+
+static inline Words AlphaWords(Vec pixels) {
+    return {Shuffle8(pixels, Repeat128(kAlphaLow)), Shuffle8(pixels, Repeat128(kAlphaHigh))};
+}
+static inline Words Widen(Vec bytes) { return {UnpackLow8(bytes, Zero()), UnpackHigh8(bytes, Zero())}; }
+// Colour as it is and 256 in place of alpha: a multiply-high then leaves the upper byte of the other factor there.
+static inline Words ColourAnd256(Vec pixels) {
+    const Vec colour = And(pixels, Set32(0x00FFFFFF));
+    const Vec one = Set32(0x01000000);
+    return {UnpackLow8(colour, one), UnpackHigh8(colour, one)};
+}
+static inline Words MulLow(Words a, Vec b) { return {MulLow16(a.low, b), MulLow16(a.high, b)}; }
+static inline Words MulLow(Words a, Words b) { return {MulLow16(a.low, b.low), MulLow16(a.high, b.high)}; }
+static inline Words MulHigh(Words a, Words b) { return {MulHigh16u(a.low, b.low), MulHigh16u(a.high, b.high)}; }
+static inline Words UpperBytes(Words a) { return {ShiftRight16u<8>(a.low), ShiftRight16u<8>(a.high)}; }
+static inline Vec Pack(Words a) { return Pack16To8u(a.low, a.high); }
+
+static inline Vec Factor(const TitleMix& mix) { return Set16(static_cast<int>(mix.regionAlpha) + 1); }
+static inline Vec AlphaByte(const TitleMix& mix) { return Set32(static_cast<int>(mix.regionAlpha << 24)); }
+
+// Mixings: what the destination `d` becomes by the source pixels `s`.
+
+struct MoveLayer {
+    explicit MoveLayer(const TitleMix& mix) : factor(Factor(mix)) {}
+    Vec operator()(Vec, Vec s) const { return Pack(MulHigh(ColourAnd256(s), MulLow(AlphaWords(s), factor))); }
+    Vec factor;
+};
+
+struct AddLayer {
+    explicit AddLayer(const TitleMix& mix) : factor(Factor(mix)) {}
+    Vec operator()(Vec d, Vec s) const {
+        const Vec one = Set16(1);
+        const Words k = MulLow(AlphaWords(Xor(d, Set8(-1))), factor);
+        // With 255 in place of alpha its word comes to 256 * alpha, and the shift by 24 in all to one by 16.
+        const Words colour = Widen(Or(s, Set32(static_cast<int>(0xFF000000u))));
+        const Words product = MulLow({Add16(colour.low, one), Add16(colour.high, one)}, AlphaWords(s));
+        return AddSat8u(d, Pack(UpperBytes(MulHigh(product, k))));
+    }
+    Vec factor;
+};
+
+struct ScaleAlpha {
+    explicit ScaleAlpha(const TitleMix& mix) : factor(Factor(mix)) {}
+    Vec operator()(Vec, Vec s) const {
+        const Vec colour = Set32(0x00FFFFFF);
+        return Or(And(s, colour), AndNot(colour, MulLow16(ShiftRight16u<8>(s), factor)));
+    }
+    Vec factor;
+};
+
+struct MoveOpaque {
+    explicit MoveOpaque(const TitleMix& mix) : factor(Factor(mix)), alpha(AlphaByte(mix)) {}
+    Vec operator()(Vec, Vec s) const {
+        const Vec colour = And(s, Set32(0x00FFFFFF));
+        return Or(Pack(UpperBytes(MulLow(Widen(colour), factor))), alpha);
+    }
+    Vec factor, alpha;
+};
+
+struct SetAlpha {
+    explicit SetAlpha(const TitleMix& mix) : alpha(AlphaByte(mix)) {}
+    Vec operator()(Vec, Vec s) const { return Or(And(s, Set32(0x00FFFFFF)), alpha); }
+    Vec alpha;
+};
+
+struct AddOpaque {
+    explicit AddOpaque(const TitleMix& mix) : factor(Factor(mix)) {}
+    Vec operator()(Vec d, Vec s) const {
+        const Words k = MulLow(AlphaWords(Xor(d, Set8(-1))), factor);
+        return AddSat8u(d, Pack(MulHigh(ColourAnd256(s), k)));
+    }
+    Vec factor;
+};
+
+struct Straighten {
+    explicit Straighten(const TitleMix&) {}
+    // Quotients by one reciprocal for each pixel. In exact numbers c * 255 / alpha is a whole number or at least 1 /
+    // 255 below the next one; the addend is larger than all rounding errors of a product below 256 (2^-14 in any
+    // rounding mode) and smaller than that gap. Products above stay above 255 and are cut off. Alpha 0 counts as 1,
+    // which gives the 255 that a colour without alpha becomes, and 0 for 0.
+    Vec operator()(Vec, Vec s) const {
+        const Vec low = Set32(255);
+        const Vec alpha = Max32s(ShiftRight32u<24>(s), Set32(1));
+        const Vec scale = DivideFloat32(IntToFloat32(low), IntToFloat32(alpha));
+        const Vec b = Straight(And(s, low), scale);
+        const Vec g = Straight(And(ShiftRight32u<8>(s), low), scale);
+        const Vec r = Straight(And(ShiftRight32u<16>(s), low), scale);
+        return Or(Or(b, ShiftLeft32<8>(g)), Or(ShiftLeft32<16>(r), AndNot(Set32(0x00FFFFFF), s)));
+    }
+    static Vec Straight(Vec c, Vec scale) {
+        const Vec addend = Set32(0x3A800000);  // 2^-10 as a float.
+        const Vec quotient = AddFloat32(MulFloat32(IntToFloat32(c), scale), addend);
+        return Min32s(FloatToInt32(quotient), Set32(255));
+    }
+};
+
+// Readers: kPixels pixels as four registers of BGRA; alpha matters only where the format has it.
+
+struct BgraReader {
+    static constexpr std::size_t kBytes = 4;
+    static constexpr std::size_t kAhead = 0;
+    static constexpr bool kTopDown = false;
+    explicit BgraReader(const ImageDescriptor&) {}
+    PixelQuads Read(const std::uint8_t* src) const { return BgraPixels::ReadQuads(src); }
+};
+
+struct BgrReader {
+    static constexpr std::size_t kBytes = 3;
+    static constexpr std::size_t kAhead = 0;
+    static constexpr bool kTopDown = false;
+    explicit BgrReader(const ImageDescriptor&) {}
+    PixelQuads Read(const std::uint8_t* src) const { return BgrPixels::ReadQuads(src); }
+};
+
+/// kLuma: byte of the first luma sample of a pair; U before V or behind it.
+template <int kLuma, bool kVFirst>
+struct PackedReader {
+    static constexpr std::size_t kBytes = 2;
+    static constexpr std::size_t kAhead = 2;
+    static constexpr bool kTopDown = true;
+    explicit PackedReader(const ImageDescriptor& src) : matrix(LoadYuvToRgb(src.colorMatrix)) {}
+
+    PixelQuads Read(const std::uint8_t* src) const {
+        const BgrVectors low = Convert(src);
+        const BgrVectors high = Convert(src + kVecBytes);
+        return Interleave({DealPacked(Pack16To8u(low.b, high.b)), DealPacked(Pack16To8u(low.g, high.g)),
+                           DealPacked(Pack16To8u(low.r, high.r)), Zero()});
+    }
+
+    // A register of pairs.
+    BgrVectors Convert(const std::uint8_t* src) const {
+        const Vec pairs = Load(src);
+        const Vec first = ChromaOf(pairs);
+        // A mean of 8.8 words that come from bytes is exact: the rounding of the average never shows.
+        const Vec second = Avg16(first, ChromaOf(Load(src + 4)));
+        Vec u, v;
+        if constexpr (kVFirst)
+            OrderSites(first, second, v, u);
+        else
+            OrderSites(first, second, u, v);
+        return YuvToBgr(matrix, LumaOf(pairs), u, v);
+    }
+    static Vec LumaOf(Vec a) { return kLuma == 1 ? And(a, Set16(0xFF00)) : ShiftLeft16<8>(a); }
+    static Vec ChromaOf(Vec a) { return kLuma == 1 ? ShiftLeft16<8>(a) : And(a, Set16(0xFF00)); }
+
+    YuvToRgbVectors matrix;
+};
+using UyvyReader = PackedReader<1, false>;
+using Yuy2Reader = PackedReader<0, false>;
+using YvyuReader = PackedReader<0, true>;
+
+template <class Reader, class Mixing>
+struct TitleStep {
+    static constexpr std::size_t kDstBytes = 4;
+    static constexpr std::size_t kSrcBytes = Reader::kBytes;
+    static constexpr std::size_t kAhead = Reader::kAhead;
+    static constexpr bool kTurned = Reader::kTopDown;
+
+    template <bool kStreamed>
+    void Run(std::uint8_t* dst, const std::uint8_t* src) const {
+        const PixelQuads quads = reader.Read(src);
+        for (std::size_t i = 0; i < 4; ++i)
+            Put<kStreamed>(dst + i * kVecBytes, mixing(Load(dst + i * kVecBytes), quads.part[i]));
+    }
+
+    Reader reader;
+    Mixing mixing;
+};
+
+template <class Reader, class Mixing>
+static void MixIntoTitle(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+    RunPicture(dst, src, mix, dst.width, TitleStep<Reader, Mixing>{Reader(src), Mixing(mix)});
+}
+
+}  // namespace PIXMORPH_SIMD
+
+#define PIXMORPH_TITLE_FORM(name, reader, mixing)                                                                \
+    void PIXMORPH_SIMD_NAME(name)(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) { \
+        PIXMORPH_SIMD::MixIntoTitle<PIXMORPH_SIMD::reader, PIXMORPH_SIMD::mixing>(dst, src, mix);                \
+    }
+
+PIXMORPH_TITLE_FORM(MovTitleBgra, BgraReader, MoveLayer)
+PIXMORPH_TITLE_FORM(MovTitleBgr, BgrReader, MoveOpaque)
+PIXMORPH_TITLE_FORM(MovTitleUyvy, UyvyReader, MoveOpaque)
+PIXMORPH_TITLE_FORM(MovTitleYuy2, Yuy2Reader, MoveOpaque)
+PIXMORPH_TITLE_FORM(MovTitleYvyu, YvyuReader, MoveOpaque)
+PIXMORPH_TITLE_FORM(NPTitleBgra, BgraReader, ScaleAlpha)
+PIXMORPH_TITLE_FORM(NPTitleUyvy, UyvyReader, SetAlpha)
+PIXMORPH_TITLE_FORM(NPTitleYuy2, Yuy2Reader, SetAlpha)
+PIXMORPH_TITLE_FORM(NPTitleYvyu, YvyuReader, SetAlpha)
+PIXMORPH_TITLE_FORM(AddTitleBgra, BgraReader, AddLayer)
+PIXMORPH_TITLE_FORM(AddTitleBgr, BgrReader, AddOpaque)
+PIXMORPH_TITLE_FORM(AddTitleUyvy, UyvyReader, AddOpaque)
+PIXMORPH_TITLE_FORM(AddTitleYuy2, Yuy2Reader, AddOpaque)
+PIXMORPH_TITLE_FORM(AddTitleYvyu, YvyuReader, AddOpaque)
+PIXMORPH_TITLE_FORM(TitleToImage, BgraReader, Straighten)
+
+#undef PIXMORPH_TITLE_FORM
+
+}  // namespace KorvaneSoftware

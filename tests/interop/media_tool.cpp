@@ -1,0 +1,98 @@
+#include "media_tool.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <memory>
+
+namespace interop {
+namespace {
+
+struct ClosePipe {
+    void operator()(std::FILE* pipe) const { ::pclose(pipe); }
+};
+using Pipe = std::unique_ptr<std::FILE, ClosePipe>;
+
+std::string Quote(const std::string& text) {
+    std::string quoted = "'";
+    for (const char c : text) quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
+    return quoted + "'";
+}
+
+std::filesystem::path FootageDirectory() {
+    if (const char* const given = std::getenv("PIXMORPH_FOOTAGE")) return given;
+    return PIXMORPH_DEFAULT_FOOTAGE;
+}
+
+// The tool that comes with ffmpeg for questions about files.
+bool SizeOf(const std::string& path, std::uint32_t& width, std::uint32_t& height) {
+    const std::string command = std::string(PIXMORPH_FFPROBE) +
+                                " -v error -select_streams v:0 -show_entries stream=width,height -of csv=p=0 " +
+                                Quote(path) + " 2>/dev/null";
+    const Pipe pipe(::popen(command.c_str(), "r"));
+    return pipe != nullptr && std::fscanf(pipe.get(), "%u,%u", &width, &height) == 2;
+}
+
+}  // namespace
+
+std::vector<Clip> DrawnClips() {
+    return {
+        {"geometry", "-f lavfi -i testsrc2=size=960x544:rate=50", 960, 544},
+        {"detail", "-f lavfi -i mandelbrot=size=640x480:rate=50:start_scale=0.5:end_scale=0.05:end_pts=80", 640, 480}};
+}
+
+std::vector<Clip> Clips() {
+    std::vector<Clip> clips;
+    std::error_code error;
+    for (const auto& entry : std::filesystem::directory_iterator(FootageDirectory(), error)) {
+        const std::string extension = entry.path().extension();
+        constexpr const char* kVideo[] = {".mp4", ".webm", ".mov", ".mkv", ".y4m", ".mxf", ".ts"};
+        if (std::find(std::begin(kVideo), std::end(kVideo), extension) == std::end(kVideo)) continue;
+        Clip clip{entry.path().stem().string(), "-ss 1 -i " + Quote(entry.path().string()), 0, 0};
+        if (SizeOf(entry.path().string(), clip.width, clip.height)) clips.push_back(clip);
+    }
+    std::sort(clips.begin(), clips.end(), [](const Clip& a, const Clip& b) { return a.name < b.name; });
+    if (clips.empty()) clips = DrawnClips();
+    return clips;
+}
+
+std::uint32_t CutWidth(const Clip& clip) { return clip.width & ~31u; }
+std::uint32_t CutHeight(const Clip& clip) { return clip.height & ~7u; }
+
+Frames Decode(const Clip& clip, const std::string& filters, const std::string& pixelFormat, std::size_t frameBytes,
+              std::size_t frames) {
+    // Every chain starts from the same 4:2:0 samples, whatever the clip holds, so that only the step under test
+    // differs.
+    std::string chain = "crop=" + std::to_string(CutWidth(clip)) + ":" + std::to_string(CutHeight(clip)) +
+                        ":0:0,format=yuv420p,setparams=range=limited:color_primaries=bt709:color_trc=bt709";
+    if (!filters.empty()) chain += "," + filters;
+    const std::string command = std::string(PIXMORPH_FFMPEG) + " -v error -nostdin " + clip.input + " -an -vf " +
+                                Quote(chain) + " -frames:v " + std::to_string(frames) + " -pix_fmt " + pixelFormat +
+                                " -sws_flags accurate_rnd+full_chroma_int+bitexact -f rawvideo -";
+    Frames result;
+    const Pipe pipe(::popen(command.c_str(), "r"));
+    if (pipe == nullptr) {
+        ADD_FAILURE() << "cannot run " << command;
+        return result;
+    }
+    std::vector<std::uint8_t> frame(frameBytes);
+    while (result.size() < frames && std::fread(frame.data(), 1, frameBytes, pipe.get()) == frameBytes)
+        result.push_back(frame);
+    EXPECT_FALSE(result.empty()) << "no picture from " << command;
+    return result;
+}
+
+double Psnr(const std::uint8_t* a, const std::uint8_t* b, std::size_t size) {
+    double sum = 0;
+    for (std::size_t i = 0; i < size; ++i) {
+        const double difference = static_cast<double>(a[i]) - b[i];
+        sum += difference * difference;
+    }
+    return sum == 0 ? 100 : 10 * std::log10(255.0 * 255.0 * static_cast<double>(size) / sum);
+}
+
+}  // namespace interop
