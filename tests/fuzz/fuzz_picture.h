@@ -30,8 +30,10 @@ inline std::vector<PlaneSize> PlaneSizes(const KorvaneSoftware::ImageDescriptor&
 
 class FuzzPicture {
 public:
-    /// `seed` gives the content. A format without planes gets one row of a few bytes.
-    FuzzPicture(FuzzInput& input, std::uint32_t format, std::uint32_t width, std::uint32_t height, std::uint32_t seed) {
+    /// `seed` gives the content. A format without planes gets one row of a few bytes. With `oneStride` all planes have
+    /// the stride of the first.
+    FuzzPicture(FuzzInput& input, std::uint32_t format, std::uint32_t width, std::uint32_t height, std::uint32_t seed,
+                bool oneStride = false) {
         desc_.format = format;
         desc_.width = width;
         desc_.height = height;
@@ -42,10 +44,12 @@ public:
         if (sizes.empty()) {
             AddPlane(0, {64, 1}, 64, seed);
         } else if (derivable && input.Flag()) {
-            Derive(input, sizes, seed);
+            Derive(input, sizes, seed, oneStride);
         } else {
+            const std::int64_t common = TakeStride(input, WidestRow(sizes));
             for (std::uint32_t plane = 0; plane < sizes.size(); ++plane)
-                AddPlane(plane, sizes[plane], TakeStride(input, sizes[plane].rowBytes), seed + plane);
+                AddPlane(plane, sizes[plane], oneStride ? common : TakeStride(input, sizes[plane].rowBytes),
+                         seed + plane);
         }
     }
 
@@ -61,6 +65,12 @@ private:
         return input.Flag() ? -stride : stride;
     }
 
+    static std::uint64_t WidestRow(const std::vector<PlaneSize>& sizes) {
+        std::uint64_t widest = 2;
+        for (const PlaneSize& size : sizes) widest = std::max(widest, size.rowBytes);
+        return widest;
+    }
+
     void AddPlane(std::uint32_t plane, PlaneSize size, std::int64_t stride, std::uint32_t seed) {
         const std::uint64_t pitch = static_cast<std::uint64_t>(stride < 0 ? -stride : stride);
         // A copy of the second of two pictures starts 16 bytes into the row and ends in the gap behind it.
@@ -74,15 +84,13 @@ private:
     }
 
     // Only the first plane is given; the buffer spans what the others come to.
-    void Derive(FuzzInput& input, const std::vector<PlaneSize>& sizes, std::uint32_t seed) {
+    void Derive(FuzzInput& input, const std::vector<PlaneSize>& sizes, std::uint32_t seed, bool oneStride) {
         // Side by side, both chroma rows must fit the luma stride; elsewhere chroma rows are no longer than that.
-        std::uint64_t widest = 2;
-        for (const PlaneSize& size : sizes) widest = std::max(widest, size.rowBytes);
-        const std::int64_t stride = TakeStride(input, (widest + 7) / 8 * 8);
+        const std::int64_t stride = TakeStride(input, (WidestRow(sizes) + 7) / 8 * 8);
         constexpr std::int64_t kBase = std::int64_t{1} << 40;
         KorvaneSoftware::ImageDescriptor layout = desc_;
         layout.planes[0] = reinterpret_cast<std::uint8_t*>(kBase);
-        layout.strides[0] = stride;
+        for (int plane = 0; plane < 4; ++plane) layout.strides[plane] = plane == 0 || oneStride ? stride : 0;
         KorvaneSoftware::ImageCompletePlanes(&layout);
         std::int64_t lowest = kBase, highest = kBase;
         for (std::size_t plane = 0; plane < sizes.size(); ++plane) {
@@ -94,7 +102,7 @@ private:
         }
         buffers_.emplace_back(static_cast<std::size_t>(highest - lowest), seed);
         desc_.planes[0] = buffers_.back().Data() + (kBase - lowest);
-        desc_.strides[0] = stride;
+        for (int plane = 0; plane < 4; ++plane) desc_.strides[plane] = plane == 0 || oneStride ? stride : 0;
     }
 
     KorvaneSoftware::ImageDescriptor desc_;

@@ -67,7 +67,6 @@ static inline Vec DivideFloat32(Vec a, Vec b) {
 #include "foundation/simd/vec_ops.inc.h"
 
 static inline Vec Min8u(Vec a, Vec b) { return {_mm256_min_epu8(a.v, b.v)}; }
-static inline Vec ShiftRight16uBy(Vec a, int count) { return {_mm256_srl_epi16(a.v, _mm_cvtsi32_si128(count))}; }
 static inline Vec Blend8(Vec a, Vec b, Vec mask) { return {_mm256_blendv_epi8(a.v, b.v, mask.v)}; }
 static inline Vec FixPack(Vec a) { return {_mm256_permute4x64_epi64(a.v, 0xD8)}; }
 static inline Vec PreUnpack(Vec a) { return {_mm256_permute4x64_epi64(a.v, 0xD8)}; }

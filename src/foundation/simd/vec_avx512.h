@@ -76,7 +76,6 @@ static inline Vec DivideFloat32(Vec a, Vec b) {
 #include "foundation/simd/vec_ops.inc.h"
 
 static inline Vec Min8u(Vec a, Vec b) { return {_mm512_min_epu8(a.v, b.v)}; }
-static inline Vec ShiftRight16uBy(Vec a, int count) { return {_mm512_srl_epi16(a.v, _mm_cvtsi32_si128(count))}; }
 // Takes b where the top bit of the mask byte is set.
 static inline Vec Blend8(Vec a, Vec b, Vec mask) {
     return {_mm512_mask_blend_epi8(_mm512_movepi8_mask(mask.v), a.v, b.v)};

@@ -64,8 +64,6 @@ static inline Vec DivideFloat32(Vec a, Vec b) {
 #include "foundation/simd/vec_ops.inc.h"
 
 static inline Vec Min8u(Vec a, Vec b) { return {_mm_min_epu8(a.v, b.v)}; }
-// Shift by a count that is known at run time only.
-static inline Vec ShiftRight16uBy(Vec a, int count) { return {_mm_srl_epi16(a.v, _mm_cvtsi32_si128(count))}; }
 static inline Vec Blend8(Vec a, Vec b, Vec mask) { return {_mm_blendv_epi8(a.v, b.v, mask.v)}; }
 // Order of 64-bit quarters after a lane-wise pack: with one lane nothing is to be done.
 static inline Vec FixPack(Vec a) { return a; }
