@@ -4,26 +4,38 @@
 #pragma once
 
 // X(name, source samples, pixels): a chroma line for each picture line.
-#define PIXMORPH_422_TO_RGB(X) \
-    X(UyvyToBgr, Uyvy, Bgr)    \
-    X(UyvyToBgra, Uyvy, Bgra)  \
-    X(Yuy2ToBgr, Yuy2, Bgr)    \
-    X(Yuy2ToBgra, Yuy2, Bgra)  \
-    X(YvyuToBgr, Yvyu, Bgr)    \
-    X(YvyuToBgra, Yvyu, Bgra)  \
-    X(Y16ToBgr, Y16, Bgr)      \
-    X(Y16ToBgra, Y16, Bgra)    \
-    X(Y16AToBgr, Y16A, Bgr)    \
-    X(Y16AToBgra, Y16A, Bgra)  \
-    X(Y422ToBgr, Planar, Bgr)  \
-    X(Y422ToBgra, Planar, Bgra)
+#define PIXMORPH_422_TO_RGB(X)        \
+    X(UyvyToBgr, Uyvy, Bgr)           \
+    X(UyvyToBgra, Uyvy, Bgra)         \
+    X(Yuy2ToBgr, Yuy2, Bgr)           \
+    X(Yuy2ToBgra, Yuy2, Bgra)         \
+    X(YvyuToBgr, Yvyu, Bgr)           \
+    X(YvyuToBgra, Yvyu, Bgra)         \
+    X(Y16ToBgr, Y16, Bgr)             \
+    X(Y16ToBgra, Y16, Bgra)           \
+    X(Y16AToBgr, Y16A, Bgr)           \
+    X(Y16AToBgra, Y16A, Bgra)         \
+    X(Y422ToBgr, Planar, Bgr)         \
+    X(Y422ToBgra, Planar, Bgra)       \
+    X(Y32ToBgr, Y32, Bgr)             \
+    X(Y32ToBgra, Y32, Bgra)           \
+    X(Y32AToBgr, Y32A, Bgr)           \
+    X(Y32AToBgra, Y32A, Bgra)         \
+    X(Y32ABToBgr, Y32AB, Bgr)         \
+    X(Y32ABToBgra, Y32AB, Bgra)       \
+    X(P216ToBgr, SemiPlanarWord, Bgr) \
+    X(P216ToBgra, SemiPlanarWord, Bgra)
 
 // The same: two picture lines share a chroma line.
-#define PIXMORPH_420_TO_RGB(X)    \
-    X(I420ToBgr, Planar, Bgr)     \
-    X(I420ToBgra, Planar, Bgra)   \
-    X(Nv12ToBgr, SemiPlanar, Bgr) \
-    X(Nv12ToBgra, SemiPlanar, Bgra)
+#define PIXMORPH_420_TO_RGB(X)        \
+    X(I420ToBgr, Planar, Bgr)         \
+    X(I420ToBgra, Planar, Bgra)       \
+    X(Nv12ToBgr, SemiPlanar, Bgr)     \
+    X(Nv12ToBgra, SemiPlanar, Bgra)   \
+    X(S420ToBgr, PlanarWord, Bgr)     \
+    X(S420ToBgra, PlanarWord, Bgra)   \
+    X(P016ToBgr, SemiPlanarWord, Bgr) \
+    X(P016ToBgra, SemiPlanarWord, Bgra)
 
 // X(name, pixels, destination samples).
 #define PIXMORPH_RGB_TO_422(X) \
@@ -59,23 +71,11 @@
 
 // X(name): kernels in the plain form only.
 #define PIXMORPH_RGB_PLAIN(X) \
-    X(Y32ToBgr)               \
-    X(Y32ToBgra)              \
-    X(Y32AToBgr)              \
-    X(Y32AToBgra)             \
-    X(Y32ABToBgr)             \
-    X(Y32ABToBgra)            \
     X(Y41PToBgr)              \
     X(Y41PToBgra)             \
     X(Y444ToBgr)              \
     X(Y444ToBgra)             \
     X(Dv12ToBgr)              \
     X(Dv12ToBgra)             \
-    X(S420ToBgr)              \
-    X(S420ToBgra)             \
-    X(P216ToBgr)              \
-    X(P216ToBgra)             \
-    X(P016ToBgr)              \
-    X(P016ToBgra)             \
     X(Y400ToBgr)              \
     X(BgrToY400)

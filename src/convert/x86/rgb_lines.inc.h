@@ -1,10 +1,13 @@
-// Addresses of lines, and the choice of stores, for the kernels between YUV and RGB.
+// What the kernels between YUV and RGB share: addresses of lines, the choice of stores, prefetching.
 #pragma once
 
 #include "foundation/block_ops.h"
 #include "foundation/image_descriptor.h"
 
 namespace KorvaneSoftware::PIXMORPH_SIMD {
+
+/// Pixels of one step of the kernels: a register of bytes.
+constexpr std::size_t kPixels = kVecBytes;
 
 struct SampleLine {
     std::uint8_t* plane[3];

@@ -6,9 +6,6 @@
 
 namespace KorvaneSoftware::PIXMORPH_SIMD {
 
-/// Pixels of one step of the kernels: a register of bytes.
-constexpr std::size_t kPixels = kVecBytes;
-
 struct PixelBytes {
     Vec b, g, r, a;
 };
