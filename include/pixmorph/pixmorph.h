@@ -48,7 +48,7 @@ enum PixmorphFormat : std::uint32_t {
     PIXMORPH_BGRA_TOP_DOWN = 18,  ///< B G R A, top-down.
     PIXMORPH_NV12 = 24,  ///< "NV12" (c): plane Y, plane of U V pairs, chroma halved in width and height.
     PIXMORPH_IMC2 = 25,  ///< (c): 4:2:0, chroma lines of the luma stride, V in the left half and U in the right.
-    PIXMORPH_IMC4 = 26,  ///< (c): as IMC2 with U in the left half.
+    PIXMORPH_IMC4 = 26,  ///< (c): as IMC2 with U on the left. A source must have all its planes and strides given.
     PIXMORPH_P216 = 27,  ///< (c): 16-bit words, plane Y, plane of U V pairs, 4:2:2, left-justified.
     PIXMORPH_P016 = 28,  ///< (c): as P216 with chroma halved in height; its planes and strides must all be given.
     PIXMORPH_P420 = 29,  ///< (c): 16-bit words, planes Y, U, V, 4:2:0, 10 bits right-justified.

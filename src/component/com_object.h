@@ -90,16 +90,24 @@ private:
     std::atomic<std::uint32_t> references_{1};
 };
 
+// Outer objects may be written in any language. They have a table of methods but no type information of this
+// language's, which the sanitizers would look for.
+#if defined(__GNUC__)
+#define PIXMORPH_CALLS_FOREIGN __attribute__((no_sanitize("vptr")))
+#else
+#define PIXMORPH_CALLS_FOREIGN
+#endif
+
 /// The part of an aggregated object that carries the interfaces: its counting and its queries are the outer object's.
 template <class Class>
 class TContainedObject final : public Class {
 public:
     explicit TContainedObject(IUnknown* outer) : outer_(outer) {}
-    HRESULT PIXMORPH_CALL QueryInterface(const GUID& iid, void** object) override {
+    PIXMORPH_CALLS_FOREIGN HRESULT PIXMORPH_CALL QueryInterface(const GUID& iid, void** object) override {
         return outer_->QueryInterface(iid, object);
     }
-    std::uint32_t PIXMORPH_CALL AddRef() override { return outer_->AddRef(); }
-    std::uint32_t PIXMORPH_CALL Release() override { return outer_->Release(); }
+    PIXMORPH_CALLS_FOREIGN std::uint32_t PIXMORPH_CALL AddRef() override { return outer_->AddRef(); }
+    PIXMORPH_CALLS_FOREIGN std::uint32_t PIXMORPH_CALL Release() override { return outer_->Release(); }
 
 private:
     IUnknown* outer_;  // Not counted: the outer object owns this one.

@@ -1,21 +1,13 @@
 #include "convert/dv12.h"
 
 #include "convert/samples.h"
+#include "convert/x86/dv12_forms.h"
 
 namespace KorvaneSoftware {
 
-namespace {
-
-std::uint8_t Mean(std::uint8_t a, std::uint8_t b) { return static_cast<std::uint8_t>((a + 1 + b) >> 1); }
-
-// The chroma lines whose mean a picture line takes; one line twice where nothing is to be filtered.
-struct ChromaLines {
-    std::int64_t u0, u1, v0, v1;
-};
-
-// DV sites U on the even rows and V on the odd rows of its chroma, so between two chroma lines U is exact on
-// odd picture lines and V on even ones.
-ChromaLines ChromaLinesOf(std::int64_t y, std::int64_t height) {
+// DV sites U on the even rows and V on the odd rows of its chroma, so between two chroma lines U is exact on odd
+// picture lines and V on even ones.
+Dv12ChromaLines Dv12ChromaLinesOf(std::int64_t y, std::int64_t height) {
     const std::int64_t last = height / 2 - 1;
     if (y == 0) return {0, 0, 0, 0};
     if (y == height - 1) return {last, last, last, last};
@@ -24,11 +16,15 @@ ChromaLines ChromaLinesOf(std::int64_t y, std::int64_t height) {
     return {upper, upper + 1, upper + 1, upper + 1};
 }
 
+namespace {
+
+std::uint8_t Mean(std::uint8_t a, std::uint8_t b) { return static_cast<std::uint8_t>((a + 1 + b) >> 1); }
+
 template <class Dst>
 void Dv12To422(const ImageDescriptor& dst, const ImageDescriptor& src) {
     const std::int64_t height = src.height;
     for (std::int64_t y = 0; y < height; ++y) {
-        const ChromaLines lines = ChromaLinesOf(y, height);
+        const Dv12ChromaLines lines = Dv12ChromaLinesOf(y, height);
         const std::uint8_t* const luma = PlaneLine(src, 0, y);
         const std::uint8_t* const u0 = PlaneLine(src, 1, lines.u0);
         const std::uint8_t* const u1 = PlaneLine(src, 1, lines.u1);
@@ -43,17 +39,19 @@ void Dv12To422(const ImageDescriptor& dst, const ImageDescriptor& src) {
     }
 }
 
-constexpr ConvertSlot::Entry kToUyvyRows[] = {{FEATURES_PLAIN, Dv12To422<UyvySamples>, "Dv12ToUyvy_Plain"}};
-constexpr ConvertSlot::Entry kToYuy2Rows[] = {{FEATURES_PLAIN, Dv12To422<Yuy2Samples>, "Dv12ToYuy2_Plain"}};
-constexpr ConvertSlot::Entry kToYvyuRows[] = {{FEATURES_PLAIN, Dv12To422<YvyuSamples>, "Dv12ToYvyu_Plain"}};
-constexpr ConvertSlot::Entry kToY16Rows[] = {{FEATURES_PLAIN, Dv12To422<Y16Samples>, "Dv12ToY16_Plain"}};
-
 }  // namespace
 
-constinit ConvertSlot Dv12ToUyvy{"Dv12ToUyvy", kToUyvyRows, &ResolveOnFirstCall<Dv12ToUyvy>::Call};
-constinit ConvertSlot Dv12ToYuy2{"Dv12ToYuy2", kToYuy2Rows, &ResolveOnFirstCall<Dv12ToYuy2>::Call};
-constinit ConvertSlot Dv12ToYvyu{"Dv12ToYvyu", kToYvyuRows, &ResolveOnFirstCall<Dv12ToYvyu>::Call};
-constinit ConvertSlot Dv12ToY16{"Dv12ToY16", kToY16Rows, &ResolveOnFirstCall<Dv12ToY16>::Call};
+#define PIXMORPH_DV12_SLOT(name, layout)                                                                         \
+    void name##_Plain(const ImageDescriptor& dst, const ImageDescriptor& src) {                                  \
+        Dv12To422<layout##Samples>(dst, src);                                                                    \
+    }                                                                                                            \
+    static constexpr ConvertSlot::Entry k##name##Rows[] = {{FEATURES_PLAIN, name##_Plain, #name "_Plain"},       \
+                                                           {FEATURES_SSE41, name##_Sse41, #name "_Sse41"},       \
+                                                           {FEATURES_AVX2, name##_Avx2, #name "_Avx2"},          \
+                                                           {FEATURES_AVX512BW, name##_Avx512, #name "_Avx512"}}; \
+    constinit ConvertSlot name{#name, k##name##Rows, &ResolveOnFirstCall<name>::Call};
+PIXMORPH_DV12(PIXMORPH_DV12_SLOT)
+#undef PIXMORPH_DV12_SLOT
 
 namespace {
 

@@ -26,7 +26,6 @@ constexpr std::uint32_t kLargestWideSource16 = 0x7FFFFFFF / 65535;
 
 /// A plan with the memory of its tables.
 struct StoredPlan : RowPlan {
-    std::vector<std::uint32_t> outputTable;
     std::vector<std::uint32_t> windowTable;
     std::vector<std::uint8_t> shuffleTable;
     std::vector<std::uint8_t> weightTable;
@@ -63,9 +62,7 @@ public:
         const std::size_t groups = (dstBytes_ + groupBytes_ - 1) / groupBytes_;
         std::size_t steps = 1;
         for (std::size_t group = 0; group < groups; ++group) {
-            // The last group overlaps its neighbour rather than passing the end of the line.
-            const std::size_t output = std::min(group * groupBytes_, dstBytes_ - groupBytes_);
-            plan_.outputTable.push_back(static_cast<std::uint32_t>(output));
+            const std::size_t output = OutputOf(group);
             for (std::size_t block = 0; block < kBlocksPerGroup; ++block)
                 steps = std::max(steps, WalkBlock(output + block * blockSamples_ * sampleBytes_, nullptr));
             if (steps > kLargestStepCount) return;
@@ -77,15 +74,13 @@ public:
         plan_.weightTable.assign(windows * kWindowBytes, 0);
         for (std::size_t group = 0; group < groups; ++group) {
             for (std::size_t block = 0; block < kBlocksPerGroup; ++block) {
-                const std::size_t output = plan_.outputTable[group] + block * blockSamples_ * sampleBytes_;
+                const std::size_t output = OutputOf(group) + block * blockSamples_ * sampleBytes_;
                 const Cursor cursor{(group * steps) * kBlocksPerGroup + block};
                 WalkBlock(output, &cursor);
             }
         }
         plan_.groupCount = static_cast<std::uint32_t>(groups);
-        plan_.tableStride = static_cast<std::uint32_t>(steps * kBlocksPerGroup * kWindowBytes);
         ShareEqualTables();
-        plan_.outputs = plan_.outputTable.data();
         plan_.windows = plan_.windowTable.data();
         plan_.shuffles = plan_.shuffleTable.data();
         plan_.weights = plan_.weightTable.data();
@@ -195,18 +190,41 @@ private:
         }
     }
 
-    /// At a ratio of small numbers all groups are alike; then one stands for all and stays in registers and first-level
-    /// cache.
+    /// Keeps one table for groups that repeat. The windows of the last group are moved back from the end of the line,
+    /// so it seldom belongs to them.
     void ShareEqualTables() {
-        const std::size_t size = plan_.tableStride;
-        for (std::size_t group = 1; group < plan_.groupCount; ++group) {
-            if (std::memcmp(plan_.shuffleTable.data(), plan_.shuffleTable.data() + group * size, size) != 0) return;
-            if (std::memcmp(plan_.weightTable.data(), plan_.weightTable.data() + group * size, size) != 0) return;
-        }
-        plan_.shuffleTable.resize(size);
-        plan_.weightTable.resize(size);
-        plan_.tableStride = 0;
+        const std::size_t windows = plan_.stepCount * kBlocksPerGroup;
+        const std::size_t bytes = windows * kWindowBytes;
+        std::vector<std::uint32_t>& starts = plan_.windowTable;
+        const auto repeats = [&](std::size_t group) {
+            for (std::size_t i = 0; i < windows; ++i)
+                if (starts[group * windows + i] - starts[i] != group * (starts[windows] - starts[0])) return false;
+            return std::equal(Shuffles(0), Shuffles(0) + bytes, Shuffles(group)) &&
+                   std::equal(Weights(0), Weights(0) + bytes, Weights(group));
+        };
+        std::size_t regular = 1;
+        while (regular < plan_.groupCount && repeats(regular)) ++regular;
+        if (regular < 2) return;
+        plan_.regularCount = static_cast<std::uint32_t>(regular);
+        plan_.regularAdvance = starts[windows] - starts[0];
+        const auto drop = [&](auto& table, std::size_t size) {
+            table.erase(table.begin() + static_cast<std::ptrdiff_t>(size),
+                        table.begin() + static_cast<std::ptrdiff_t>(regular * size));
+        };
+        drop(starts, windows);
+        drop(plan_.shuffleTable, bytes);
+        drop(plan_.weightTable, bytes);
     }
+
+    const std::uint8_t* Shuffles(std::size_t group) const {
+        return plan_.shuffleTable.data() + group * plan_.stepCount * kBlocksPerGroup * kWindowBytes;
+    }
+    const std::uint8_t* Weights(std::size_t group) const {
+        return plan_.weightTable.data() + group * plan_.stepCount * kBlocksPerGroup * kWindowBytes;
+    }
+
+    /// First output byte of a group.
+    std::size_t OutputOf(std::size_t group) const { return std::min(group * groupBytes_, dstBytes_ - groupBytes_); }
 
     StoredPlan& plan_;
     const LineLayout& layout_;

@@ -138,14 +138,18 @@ struct RowPlan {
     /// byte is 255 where no such order exists.
     std::uint8_t pairOrder[16] = {255};
 
-    std::uint32_t groupCount = 0;   ///< 0: no tables, only the plain form can run.
-    std::uint32_t stepCount = 0;    ///< Windows of each block.
-    std::uint32_t tableStride = 0;  ///< Bytes from a group's shuffles and weights to the next group's; 0: shared.
-    bool wide = false;              ///< Blocks of 4 samples and 16-bit weights, not of 8 samples.
-    const std::uint32_t* outputs = nullptr;  ///< First output byte of each group.
-    const std::uint32_t* windows = nullptr;  ///< First source byte of each window: 4 for each step of each group.
+    std::uint32_t groupCount = 0;  ///< 0: no tables, only the plain form can run.
+    std::uint32_t stepCount = 0;   ///< Windows of each block.
+    bool wide = false;             ///< Blocks of 4 samples and 16-bit weights, not of 8 samples.
+    /// At a ratio of small numbers groups repeat: this many of them from the first on share one table, and the windows
+    /// of each lie `regularAdvance` bytes behind those of the one before. 0 or at least 2.
+    std::uint32_t regularCount = 0;
+    std::uint32_t regularAdvance = 0;
+    // Tables of the shared group, if any, and then of each further group. A group ends where the next begins, and the
+    // last one at the end of the line, over its neighbour if need be.
+    const std::uint32_t* windows = nullptr;  ///< First source byte of each window: 4 for each step.
     const std::uint8_t* shuffles = nullptr;  ///< 16 bytes for each window.
-    const std::uint8_t* weights = nullptr;   ///< 16 bytes for each window (linear: for each block).
+    const std::uint8_t* weights = nullptr;   ///< 16 bytes for each window (linear: for each block, at its first step).
 };
 
 using RowSlot = DispatchSlot<void(std::uint8_t* dst, const std::uint8_t* src, const RowPlan& plan)>;

@@ -5,6 +5,7 @@
 
 #include "convert/colour.h"
 #include "convert/samples.h"
+#include "convert/x86/sixteen_bit_forms.h"
 
 namespace KorvaneSoftware {
 
@@ -100,21 +101,6 @@ void ChromaToEveryLine_Plain(const ImageDescriptor& dst, const ImageDescriptor& 
     }
 }
 
-// 4:2:2 to 4:2:0. Unlike the mean that HighByte makes of two lines on the way to 4:2:2, this one is rounded.
-void P216ToNv12_Plain(const ImageDescriptor& dst, const ImageDescriptor& src) {
-    const HighByte narrow(0);
-    for (std::int64_t y = 0; y < src.height; ++y)
-        NarrowLuma<SemiPlanarSamples, SemiPlanarWords>(LineAt<WriteLine>(dst, y, 0), LineAt<ReadLine>(src, y, 0),
-                                                       src.width, narrow);
-    for (std::int64_t r = 0; r < src.height / 2; ++r) {
-        std::uint8_t* const to = PlaneLine(dst, 1, r);
-        const std::uint8_t* const upper = PlaneLine(src, 1, 2 * r);
-        const std::uint8_t* const lower = PlaneLine(src, 1, 2 * r + 1);
-        for (std::size_t x = 0; x < src.width; ++x)
-            to[x] = static_cast<std::uint8_t>((WordAt(upper, x) + 1 + WordAt(lower, x)) >> 9);
-    }
-}
-
 // Bytes to right-justified words.
 void Widen(std::uint8_t* to, const std::uint8_t* from, std::size_t count, std::uint32_t shift) {
     for (std::size_t x = 0; x < count; ++x) {
@@ -141,48 +127,57 @@ void Y400ToS400_Plain(const ImageDescriptor& dst, const ImageDescriptor& src) {
     for (std::int64_t y = 0; y < src.height; ++y) Widen(PlaneLine(dst, 0, y), PlaneLine(src, 0, y), src.width, shift);
 }
 
-constexpr ConvertSlot::Entry kP216ToUyvyRows[] = {
-    {FEATURES_PLAIN, SameChroma_Plain<UyvySamples, SemiPlanarWords, HighByte, 1>, "P216ToUyvy_Plain"}};
-constexpr ConvertSlot::Entry kP216ToYuy2Rows[] = {
-    {FEATURES_PLAIN, SameChroma_Plain<Yuy2Samples, SemiPlanarWords, HighByte, 1>, "P216ToYuy2_Plain"}};
-constexpr ConvertSlot::Entry kP216ToNv12Rows[] = {{FEATURES_PLAIN, P216ToNv12_Plain, "P216ToNv12_Plain"}};
-constexpr ConvertSlot::Entry kP016ToUyvyRows[] = {
-    {FEATURES_PLAIN, ChromaToEveryLine_Plain<UyvySamples, SemiPlanarWords, HighByte>, "P016ToUyvy_Plain"}};
-constexpr ConvertSlot::Entry kP016ToYuy2Rows[] = {
-    {FEATURES_PLAIN, ChromaToEveryLine_Plain<Yuy2Samples, SemiPlanarWords, HighByte>, "P016ToYuy2_Plain"}};
-constexpr ConvertSlot::Entry kP016ToNv12Rows[] = {
-    {FEATURES_PLAIN, SameChroma_Plain<SemiPlanarSamples, SemiPlanarWords, HighByte, 2>, "P016ToNv12_Plain"}};
-constexpr ConvertSlot::Entry kS420ToUyvyRows[] = {
-    {FEATURES_PLAIN, ChromaToEveryLine_Plain<UyvySamples, PlanarWords, RoundedShift>, "S420ToUyvy_Plain"}};
-constexpr ConvertSlot::Entry kS420ToYuy2Rows[] = {
-    {FEATURES_PLAIN, ChromaToEveryLine_Plain<Yuy2Samples, PlanarWords, RoundedShift>, "S420ToYuy2_Plain"}};
-constexpr ConvertSlot::Entry kS420ToI420Rows[] = {
-    {FEATURES_PLAIN, SameChroma_Plain<PlanarSamples, PlanarWords, RoundedShift, 2>, "S420ToI420_Plain"}};
-constexpr ConvertSlot::Entry kS422ToUyvyRows[] = {
-    {FEATURES_PLAIN, SameChroma_Plain<UyvySamples, PlanarWords, RoundedShift, 1>, "S422ToUyvy_Plain"}};
-constexpr ConvertSlot::Entry kS422ToYuy2Rows[] = {
-    {FEATURES_PLAIN, SameChroma_Plain<Yuy2Samples, PlanarWords, RoundedShift, 1>, "S422ToYuy2_Plain"}};
-constexpr ConvertSlot::Entry kS422ToY422Rows[] = {
-    {FEATURES_PLAIN, SameChroma_Plain<PlanarSamples, PlanarWords, RoundedShift, 1>, "S422ToY422_Plain"}};
+}  // namespace
+
+// 4:2:2 to 4:2:0. Unlike the mean that HighByte makes of two lines on the way to 4:2:2, this one is rounded.
+void P216ToNv12_Plain(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    const HighByte narrow(0);
+    for (std::int64_t y = 0; y < src.height; ++y)
+        NarrowLuma<SemiPlanarSamples, SemiPlanarWords>(LineAt<WriteLine>(dst, y, 0), LineAt<ReadLine>(src, y, 0),
+                                                       src.width, narrow);
+    for (std::int64_t r = 0; r < src.height / 2; ++r) {
+        std::uint8_t* const to = PlaneLine(dst, 1, r);
+        const std::uint8_t* const upper = PlaneLine(src, 1, 2 * r);
+        const std::uint8_t* const lower = PlaneLine(src, 1, 2 * r + 1);
+        for (std::size_t x = 0; x < src.width; ++x)
+            to[x] = static_cast<std::uint8_t>((WordAt(upper, x) + 1 + WordAt(lower, x)) >> 9);
+    }
+}
+
+#define PIXMORPH_PLAIN(name, ...) \
+    void name##_Plain(const ImageDescriptor& dst, const ImageDescriptor& src) { __VA_ARGS__(dst, src); }
+PIXMORPH_PLAIN(P216ToUyvy, SameChroma_Plain<UyvySamples, SemiPlanarWords, HighByte, 1>)
+PIXMORPH_PLAIN(P216ToYuy2, SameChroma_Plain<Yuy2Samples, SemiPlanarWords, HighByte, 1>)
+PIXMORPH_PLAIN(P016ToUyvy, ChromaToEveryLine_Plain<UyvySamples, SemiPlanarWords, HighByte>)
+PIXMORPH_PLAIN(P016ToYuy2, ChromaToEveryLine_Plain<Yuy2Samples, SemiPlanarWords, HighByte>)
+PIXMORPH_PLAIN(P016ToNv12, SameChroma_Plain<SemiPlanarSamples, SemiPlanarWords, HighByte, 2>)
+PIXMORPH_PLAIN(S420ToUyvy, ChromaToEveryLine_Plain<UyvySamples, PlanarWords, RoundedShift>)
+PIXMORPH_PLAIN(S420ToYuy2, ChromaToEveryLine_Plain<Yuy2Samples, PlanarWords, RoundedShift>)
+PIXMORPH_PLAIN(S420ToI420, SameChroma_Plain<PlanarSamples, PlanarWords, RoundedShift, 2>)
+PIXMORPH_PLAIN(S422ToUyvy, SameChroma_Plain<UyvySamples, PlanarWords, RoundedShift, 1>)
+PIXMORPH_PLAIN(S422ToYuy2, SameChroma_Plain<Yuy2Samples, PlanarWords, RoundedShift, 1>)
+PIXMORPH_PLAIN(S422ToY422, SameChroma_Plain<PlanarSamples, PlanarWords, RoundedShift, 1>)
+#undef PIXMORPH_PLAIN
+
+namespace {
+
 constexpr ConvertSlot::Entry kI420ToS420Rows[] = {{FEATURES_PLAIN, WidenPlanes_Plain<1>, "I420ToS420_Plain"}};
 constexpr ConvertSlot::Entry kI420ToS422Rows[] = {{FEATURES_PLAIN, WidenPlanes_Plain<2>, "I420ToS422_Plain"}};
 constexpr ConvertSlot::Entry kY400ToS400Rows[] = {{FEATURES_PLAIN, Y400ToS400_Plain, "Y400ToS400_Plain"}};
+#define PIXMORPH_ROWS(name)                                                                         \
+    constexpr ConvertSlot::Entry k##name##Rows[] = {{FEATURES_PLAIN, name##_Plain, #name "_Plain"}, \
+                                                    {FEATURES_SSE41, name##_Sse41, #name "_Sse41"}, \
+                                                    {FEATURES_AVX2, name##_Avx2, #name "_Avx2"},    \
+                                                    {FEATURES_AVX512BW, name##_Avx512, #name "_Avx512"}};
+PIXMORPH_HIGH_BYTES(PIXMORPH_ROWS)
+PIXMORPH_ROUNDED_WORDS(PIXMORPH_ROWS)
+#undef PIXMORPH_ROWS
 
 }  // namespace
 
 #define PIXMORPH_SLOT(name) constinit ConvertSlot name{#name, k##name##Rows, &ResolveOnFirstCall<name>::Call};
-PIXMORPH_SLOT(P216ToUyvy)
-PIXMORPH_SLOT(P216ToYuy2)
-PIXMORPH_SLOT(P216ToNv12)
-PIXMORPH_SLOT(P016ToUyvy)
-PIXMORPH_SLOT(P016ToYuy2)
-PIXMORPH_SLOT(P016ToNv12)
-PIXMORPH_SLOT(S420ToUyvy)
-PIXMORPH_SLOT(S420ToYuy2)
-PIXMORPH_SLOT(S420ToI420)
-PIXMORPH_SLOT(S422ToUyvy)
-PIXMORPH_SLOT(S422ToYuy2)
-PIXMORPH_SLOT(S422ToY422)
+PIXMORPH_HIGH_BYTES(PIXMORPH_SLOT)
+PIXMORPH_ROUNDED_WORDS(PIXMORPH_SLOT)
 PIXMORPH_SLOT(I420ToS420)
 PIXMORPH_SLOT(I420ToS422)
 PIXMORPH_SLOT(Y400ToS400)
@@ -190,9 +185,10 @@ PIXMORPH_SLOT(Y400ToS400)
 
 namespace {
 
-const SlotRegistration kRegistration{&P216ToUyvy, &P216ToYuy2, &P216ToNv12, &P016ToUyvy, &P016ToYuy2,
-                                     &P016ToNv12, &S420ToUyvy, &S420ToYuy2, &S420ToI420, &S422ToUyvy,
-                                     &S422ToYuy2, &S422ToY422, &I420ToS420, &I420ToS422, &Y400ToS400};
+#define PIXMORPH_ADDRESS(name) &name,
+const SlotRegistration kRegistration{&I420ToS420, &I420ToS422, &Y400ToS400,
+                                     PIXMORPH_HIGH_BYTES(PIXMORPH_ADDRESS) PIXMORPH_ROUNDED_WORDS(PIXMORPH_ADDRESS)};
+#undef PIXMORPH_ADDRESS
 
 }  // namespace
 

@@ -1,5 +1,7 @@
 #include "deinterlace/blend_lines.h"
 
+#include "deinterlace/x86/blend_lines_x86.h"
+
 namespace KorvaneSoftware {
 
 namespace {
@@ -20,9 +22,15 @@ void CombineLine_Plain(std::uint8_t* dst, const std::uint8_t* forward, const std
 
 constexpr InterpolateLineSlot::Entry kInterpolateLineRows[] = {
     {FEATURES_PLAIN, InterpolateLine_Plain, "InterpolateLine_Plain"},
+    {FEATURES_SSE41, InterpolateLine_Sse41, "InterpolateLine_Sse41"},
+    {FEATURES_AVX2, InterpolateLine_Avx2, "InterpolateLine_Avx2"},
+    {FEATURES_AVX512BW, InterpolateLine_Avx512, "InterpolateLine_Avx512"},
 };
 constexpr CombineLineSlot::Entry kCombineLineRows[] = {
     {FEATURES_PLAIN, CombineLine_Plain, "CombineLine_Plain"},
+    {FEATURES_SSE41, CombineLine_Sse41, "CombineLine_Sse41"},
+    {FEATURES_AVX2, CombineLine_Avx2, "CombineLine_Avx2"},
+    {FEATURES_AVX512BW, CombineLine_Avx512, "CombineLine_Avx512"},
 };
 
 }  // namespace

@@ -13,6 +13,8 @@ constexpr std::uint32_t kHighestMode = 3;
 constexpr std::uint32_t kFirstModeWithoutSpatialCheck = 2;
 constexpr std::uint32_t kLinesPerBand = 16;
 constexpr std::uint32_t kRowAlignment = 64;
+// Below this a frame is copied sooner than a second thread has woken up.
+constexpr std::uint64_t kSmallestSharedCopy = 512 << 10;
 
 bool IsStructure(std::uint32_t structure) { return structure == kTopFieldFirst || structure == kBottomFieldFirst; }
 
@@ -140,10 +142,34 @@ Status CDeinterlaceFilterYADIF::SetSourceFrame(const ImageDescriptor& source, st
         if (const Status status = PlaceImage(image, slot.buffer); status != IMG_OK) return status;
         slot.image = image;
         const Status status =
-            source.format == image.format ? CopyImage(&slot.image, &source) : ConvertToUYVY(&slot.image, &source);
+            source.format == image.format ? CopyFrame(slot.image, source) : ConvertToUYVY(&slot.image, &source);
         if (status == IMG_OK) ++frameCount_;
         return status;
     });
+}
+
+// Copying is limited by memory, of which two processors get more than one: large frames are copied band by band.
+// Conversions are not, for they may look at lines beyond a band.
+Status CDeinterlaceFilterYADIF::CopyFrame(const ImageDescriptor& dst, const ImageDescriptor& source) {
+    const FormatInfo& info = *FormatInfoOf(dst);
+    const bool bandsFit = dst.width % info.xAlign == 0 && dst.height % info.yAlign == 0;
+    if (!bandsFit || ImageBufferSize(&dst) < kSmallestSharedCopy) return CopyImage(&dst, &source);
+    struct Work {
+        const ImageDescriptor* dst;
+        const ImageDescriptor* source;
+        BandTable table;
+    } work{&dst, &source, LayOutBands(dst.width, dst.height, team_.Count())};
+    return team_.Run(
+        work.table.count,
+        [](void* context, unsigned worker) -> Status {
+            const Work& shared = *static_cast<const Work*>(context);
+            ImageDescriptor to = *shared.dst;
+            ImageDescriptor from = *shared.source;
+            if (const Status status = ImageCrop(&to, shared.table.bands[worker]); status != IMG_OK) return status;
+            if (const Status status = ImageCrop(&from, shared.table.bands[worker]); status != IMG_OK) return status;
+            return CopyImage(&to, &from);
+        },
+        &work);
 }
 
 Status CDeinterlaceFilterYADIF::MakePlaneJobs(const ImageDescriptor& image, std::uint32_t parity, const ImageRect& band,

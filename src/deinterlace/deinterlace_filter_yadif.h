@@ -49,6 +49,7 @@ private:
     ~CDeinterlaceFilterYADIF() override = default;
 
     FrameSlot& SlotOf(std::uint64_t frame) { return ring_[frame % ring_.size()]; }
+    Status CopyFrame(const ImageDescriptor& dst, const ImageDescriptor& source);
     Status RunBands(const ImageDescriptor& image, std::uint32_t parity);
     Status MakePlaneJobs(const ImageDescriptor& image, std::uint32_t parity, const ImageRect& band, PlaneJobs& jobs,
                          std::size_t& count);

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstdlib>
 
+#include "deinterlace/x86/field_restoration_x86.h"
+
 namespace KorvaneSoftware {
 
 namespace {
@@ -117,17 +119,48 @@ void PresentLine_Plain(std::uint8_t* dst, const std::uint8_t* src, std::size_t g
     }
 }
 
+}  // namespace
+
+void RestoreLineY16_Plain(std::uint8_t* dst, const RestorationLines& lines, std::size_t groups,
+                          const MotionThresholds& thresholds) {
+    RestoreLine_Plain<false>(dst, lines, groups, thresholds);
+}
+void RestoreLineY16A_Plain(std::uint8_t* dst, const RestorationLines& lines, std::size_t groups,
+                           const MotionThresholds& thresholds) {
+    RestoreLine_Plain<true>(dst, lines, groups, thresholds);
+}
+void PresentLineY16_Plain(std::uint8_t* dst, const std::uint8_t* src, std::size_t groups) {
+    PresentLine_Plain<false>(dst, src, groups);
+}
+void PresentLineY16A_Plain(std::uint8_t* dst, const std::uint8_t* src, std::size_t groups) {
+    PresentLine_Plain<true>(dst, src, groups);
+}
+
+namespace {
+
 constexpr RestoreLineSlot::Entry kRestoreLineY16Rows[] = {
-    {FEATURES_PLAIN, RestoreLine_Plain<false>, "RestoreLineY16_Plain"},
+    {FEATURES_PLAIN, RestoreLineY16_Plain, "RestoreLineY16_Plain"},
+    {FEATURES_SSE41, RestoreLineY16_Sse41, "RestoreLineY16_Sse41"},
+    {FEATURES_AVX2, RestoreLineY16_Avx2, "RestoreLineY16_Avx2"},
+    {FEATURES_AVX512BW, RestoreLineY16_Avx512, "RestoreLineY16_Avx512"},
 };
 constexpr RestoreLineSlot::Entry kRestoreLineY16ARows[] = {
-    {FEATURES_PLAIN, RestoreLine_Plain<true>, "RestoreLineY16A_Plain"},
+    {FEATURES_PLAIN, RestoreLineY16A_Plain, "RestoreLineY16A_Plain"},
+    {FEATURES_SSE41, RestoreLineY16A_Sse41, "RestoreLineY16A_Sse41"},
+    {FEATURES_AVX2, RestoreLineY16A_Avx2, "RestoreLineY16A_Avx2"},
+    {FEATURES_AVX512BW, RestoreLineY16A_Avx512, "RestoreLineY16A_Avx512"},
 };
 constexpr PresentLineSlot::Entry kPresentLineY16Rows[] = {
-    {FEATURES_PLAIN, PresentLine_Plain<false>, "PresentLineY16_Plain"},
+    {FEATURES_PLAIN, PresentLineY16_Plain, "PresentLineY16_Plain"},
+    {FEATURES_SSE41, PresentLineY16_Sse41, "PresentLineY16_Sse41"},
+    {FEATURES_AVX2, PresentLineY16_Avx2, "PresentLineY16_Avx2"},
+    {FEATURES_AVX512BW, PresentLineY16_Avx512, "PresentLineY16_Avx512"},
 };
 constexpr PresentLineSlot::Entry kPresentLineY16ARows[] = {
-    {FEATURES_PLAIN, PresentLine_Plain<true>, "PresentLineY16A_Plain"},
+    {FEATURES_PLAIN, PresentLineY16A_Plain, "PresentLineY16A_Plain"},
+    {FEATURES_SSE41, PresentLineY16A_Sse41, "PresentLineY16A_Sse41"},
+    {FEATURES_AVX2, PresentLineY16A_Avx2, "PresentLineY16A_Avx2"},
+    {FEATURES_AVX512BW, PresentLineY16A_Avx512, "PresentLineY16A_Avx512"},
 };
 
 }  // namespace

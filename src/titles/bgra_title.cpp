@@ -18,8 +18,6 @@ void ForEachPixel(const ImageDescriptor& dst, const ImageDescriptor& src, MixPix
     }
 }
 
-std::uint8_t AddSaturated(std::uint32_t a, std::uint32_t b) { return static_cast<std::uint8_t>(std::min(a + b, 255u)); }
-
 void MovTitleBgra_Plain(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
     const std::uint32_t factor = mix.regionAlpha + 1;
     ForEachPixel(dst, src, [factor](std::uint8_t* d, const std::uint8_t* s) {

@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "titles/title_runs.h"
+#include "titles/x86/group_kernels_x86.h"
 
 namespace KorvaneSoftware {
 
@@ -128,16 +129,40 @@ void Y16AToGroups_Plain(std::uint8_t* dst, const std::uint8_t* src, std::size_t 
 
 constexpr RunLengthSlot::Entry kBgraRunLengthRows[] = {
     {FEATURES_PLAIN, RunLength_Plain<kBgraGroupBytes, 3, 4>, "BgraRunLength_Plain"},
+    {FEATURES_SSE41, BgraRunLength_Sse41, "BgraRunLength_Sse41"},
+    {FEATURES_AVX2, BgraRunLength_Avx2, "BgraRunLength_Avx2"},
+    {FEATURES_AVX512BW, BgraRunLength_Avx512, "BgraRunLength_Avx512"},
 };
 constexpr RunLengthSlot::Entry kY16ARunLengthRows[] = {
     {FEATURES_PLAIN, RunLength_Plain<kY16AGroupBytes, 16, 1>, "Y16ARunLength_Plain"},
+    {FEATURES_SSE41, Y16ARunLength_Sse41, "Y16ARunLength_Sse41"},
+    {FEATURES_AVX2, Y16ARunLength_Avx2, "Y16ARunLength_Avx2"},
+    {FEATURES_AVX512BW, Y16ARunLength_Avx512, "Y16ARunLength_Avx512"},
 };
-constexpr GroupSlot::Entry kTitleToGroupsRows[] = {{FEATURES_PLAIN, TitleToGroups_Plain, "TitleToGroups_Plain"}};
+constexpr GroupSlot::Entry kTitleToGroupsRows[] = {
+    {FEATURES_PLAIN, TitleToGroups_Plain, "TitleToGroups_Plain"},
+    {FEATURES_SSE41, TitleToGroups_Sse41, "TitleToGroups_Sse41"},
+    {FEATURES_AVX2, TitleToGroups_Avx2, "TitleToGroups_Avx2"},
+    {FEATURES_AVX512BW, TitleToGroups_Avx512, "TitleToGroups_Avx512"},
+};
 constexpr GroupSlot::Entry kTitleToCableGroupsRows[] = {
     {FEATURES_PLAIN, TitleToCableGroups_Plain, "TitleToCableGroups_Plain"},
+    {FEATURES_SSE41, TitleToCableGroups_Sse41, "TitleToCableGroups_Sse41"},
+    {FEATURES_AVX2, TitleToCableGroups_Avx2, "TitleToCableGroups_Avx2"},
+    {FEATURES_AVX512BW, TitleToCableGroups_Avx512, "TitleToCableGroups_Avx512"},
 };
-constexpr GroupSlot::Entry kBgraToGroupsRows[] = {{FEATURES_PLAIN, BgraToGroups_Plain, "BgraToGroups_Plain"}};
-constexpr GroupSlot::Entry kY16AToGroupsRows[] = {{FEATURES_PLAIN, Y16AToGroups_Plain, "Y16AToGroups_Plain"}};
+constexpr GroupSlot::Entry kBgraToGroupsRows[] = {
+    {FEATURES_PLAIN, BgraToGroups_Plain, "BgraToGroups_Plain"},
+    {FEATURES_SSE41, BgraToGroups_Sse41, "BgraToGroups_Sse41"},
+    {FEATURES_AVX2, BgraToGroups_Avx2, "BgraToGroups_Avx2"},
+    {FEATURES_AVX512BW, BgraToGroups_Avx512, "BgraToGroups_Avx512"},
+};
+constexpr GroupSlot::Entry kY16AToGroupsRows[] = {
+    {FEATURES_PLAIN, Y16AToGroups_Plain, "Y16AToGroups_Plain"},
+    {FEATURES_SSE41, Y16AToGroups_Sse41, "Y16AToGroups_Sse41"},
+    {FEATURES_AVX2, Y16AToGroups_Avx2, "Y16AToGroups_Avx2"},
+    {FEATURES_AVX512BW, Y16AToGroups_Avx512, "Y16AToGroups_Avx512"},
+};
 
 }  // namespace
 

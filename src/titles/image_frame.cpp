@@ -143,9 +143,9 @@ void Lay(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix&
     const RgbToYuvRow& matrix = RgbToYuvOf(dst.colorMatrix);
     const std::size_t pairs = Source::PairCount(dst.width);
     Weights weights{0, 0, mix.regionAlpha + 1, Source::Black(dst)};
-    for (std::int64_t row = 0; row < dst.height; ++row) {
-        const std::uint8_t* const from = Source::kBottomUp ? BottomUpLine(src, row) : PlaneLine(src, 0, row);
-        std::uint8_t* const to = PlaneLine(dst, 0, row);
+    for (std::int64_t row = 0; row < src.height; ++row) {
+        const std::uint8_t* const from = PlaneLine(src, 0, row);
+        std::uint8_t* const to = Source::kBottomUp ? BottomUpLine(dst, row) : PlaneLine(dst, 0, row);
         for (std::size_t pair = 0; pair < pairs; ++pair) {
             const Pair image = Source::Read(from, pair, matrix, weights);
             WritePair<FrameSamples>(to, pair, Mixing::Mix(image, ReadPair<FrameSamples>(to, pair), weights));

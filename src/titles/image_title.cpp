@@ -1,5 +1,4 @@
 // Kernels from BGR and packed 4:2:2 pictures into titles. Such a source is opaque: the layer's alpha is the region's.
-#include <algorithm>
 #include <cstddef>
 
 #include "convert/colour.h"
@@ -68,8 +67,6 @@ void NPTitle_Plain(const ImageDescriptor& dst, const ImageDescriptor& src, const
         d[3] = static_cast<std::uint8_t>(mix.regionAlpha);
     });
 }
-
-std::uint8_t AddSaturated(std::uint32_t a, std::uint32_t b) { return static_cast<std::uint8_t>(std::min(a + b, 255u)); }
 
 template <class Row>
 void AddTitle_Plain(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {

@@ -147,6 +147,29 @@ TEST(Slots, Yuv420Planar) {
         kInvalidArgument);
 }
 
+TEST(Slots, StretchImage) {
+    const Object object = Make("StretchImage", "IStretchImage");
+    // Twice the width of one colour is that colour.
+    const Bytes source = {10, 20, 30, 40, 10, 20, 30, 40};
+    Bytes target(16);
+    EXPECT_EQ(object.Call<Result>(3, target.data(), source.data(), 4u, 1u, 2u, 1u, 16, 8, 8u), kOk);
+    EXPECT_EQ(target, (Bytes{10, 20, 30, 40, 10, 20, 30, 40, 10, 20, 30, 40, 10, 20, 30, 40}));
+    EXPECT_EQ(object.Call<Result>(3, target.data(), source.data(), 4u, 1u, 2u, 1u, 16, 8, 999u), kFail);
+}
+
+TEST(Slots, ResizeImage) {
+    const Object object = Make("StretchImage", "IResizeImage");
+    Bytes target(8);
+    std::uint8_t* targets[4] = {target.data()};
+    const std::uint8_t* sources[4] = {kUyvy.data()};
+    const std::int32_t strides[4] = {8};
+    EXPECT_EQ(object.Call<Result>(3, &targets[0], &strides[0], &sources[0], &strides[0], 4u, 1u, 4u, 1u, 0u), kOk);
+    EXPECT_EQ(target, kUyvy);
+    EXPECT_EQ(object.Call<Result>(4, &targets[0], &strides[0], &sources[0], &strides[0], 4u, 1u, 4u, 1u, 5u, 0u), kOk);
+    EXPECT_EQ(target, kYuy2);
+    for (const std::size_t reserved : {5, 6}) EXPECT_EQ(object.Call<Result>(reserved), kNotImplemented);
+}
+
 // An opaque layer and its premultiplied form, colour * 255 * 256 >> 16.
 const Bytes kOpaque = {10, 20, 30, 255, 40, 50, 60, 255};
 const Bytes kPremultiplied = {9, 19, 29, 255, 39, 49, 59, 255};

@@ -25,7 +25,7 @@ TEST(DepthKernels, HighBytesOfWords) {
 
 // Every depth that words can have, and more: beyond 8 extra bits the sum of two words and its rounding leave 16 bits.
 TEST(DepthKernels, RoundedWords) {
-    for (const std::uint8_t extraBits : {0, 1, 2, 4, 7, 8, 9, 16, 255}) {
+    for (const std::uint8_t extraBits : {0, 2, 8, 9, 255}) {
         SCOPED_TRACE(static_cast<int>(extraBits));
         CheckPictureKernel({&km::S420ToUyvy, km::FMT_UYVY, km::FMT_S420, 2, 2, 0, extraBits});
         CheckPictureKernel({&km::S420ToYuy2, km::FMT_YUY2, km::FMT_S420, 2, 2, 0, extraBits});

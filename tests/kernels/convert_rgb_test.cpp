@@ -1,5 +1,9 @@
+#include <deque>
+
 #include "convert/rgb.h"
+#include "foundation/block_ops.h"
 #include "kernels/picture_kernel_check.h"
+#include "support/guard_page.h"
 
 namespace pixmorph_test {
 namespace {
@@ -41,6 +45,86 @@ const bool kChecked = [] {
 
 TEST(RgbKernels, AgreeWithThePlainForms) {
     for (const PictureKernelCase& c : kCases) CheckPictureKernel(c);
+}
+
+/// A picture whose planes end, or start, at memory that cannot be touched; `like` gives shape and content.
+class FencedPicture {
+public:
+    FencedPicture(const TestPicture& like, GuardPageBuffer::Side side) : desc_(like.Desc()) {
+        for (const TestPlane& plane : like.Planes()) {
+            const std::size_t index = buffers_.size();
+            buffers_.emplace_back(plane.RowBytes() * plane.Rows(), side);
+            desc_.planes[index] = buffers_.back().Data();
+            desc_.strides[index] = static_cast<std::int64_t>(plane.RowBytes());
+            for (std::size_t row = 0; row < plane.Rows(); ++row)
+                std::memcpy(buffers_.back().Data() + row * plane.RowBytes(), plane.Row(row), plane.RowBytes());
+        }
+        if (desc_.format == km::FMT_S420) {
+            desc_.planes[2] = desc_.planes[1] + desc_.strides[1] / 2;
+            desc_.strides[2] = desc_.strides[1];
+        }
+    }
+    const km::ImageDescriptor& Desc() const { return desc_; }
+    /// Whether the planes hold what those of `expected` do.
+    bool Equals(const TestPicture& expected) {
+        for (std::size_t i = 0; i < buffers_.size(); ++i) {
+            const TestPlane& plane = expected.Planes()[i];
+            for (std::size_t row = 0; row < plane.Rows(); ++row)
+                if (std::memcmp(buffers_[i].Data() + row * plane.RowBytes(), plane.Row(row), plane.RowBytes()) != 0)
+                    return false;
+        }
+        return true;
+    }
+
+private:
+    km::ImageDescriptor desc_;
+    std::deque<GuardPageBuffer> buffers_;
+};
+
+TEST(RgbKernels, StayWithinTheirPlanes) {
+    for (const PictureKernelCase& c : kCases) {
+        SCOPED_TRACE(c.slot->Name());
+        for (const std::uint32_t width : {16u, 32u, 48u, 64u, 80u, 192u, 208u}) {
+            TestPicture src(c.srcFormat, width, 2 * c.heightStep);
+            TestPicture dst(c.dstFormat, width, 2 * c.heightStep);
+            src.Fill(Fill::Random, width);
+            dst.Fill(Fill::Random, width + 1);
+            const TestPicture expected = Converted(c.slot->Row(0).function, dst, src);
+            for (const auto side : {GuardPageBuffer::Side::Start, GuardPageBuffer::Side::End}) {
+                const FencedPicture fencedSrc(src, side);
+                for (std::size_t row = 0; row < c.slot->RowCount(); ++row) {
+                    const auto& entry = c.slot->Row(row);
+                    if ((entry.requiredFeatures & km::EnabledFeatures()) != entry.requiredFeatures) continue;
+                    FencedPicture fencedDst(dst, side);
+                    entry.function(fencedDst.Desc(), fencedSrc.Desc());
+                    EXPECT_TRUE(fencedDst.Equals(expected)) << entry.name << " at width " << width;
+                }
+            }
+        }
+    }
+}
+
+// Destinations that are too large for the cache are written past it, from the first cache line boundary of each line
+// that suits the format. Planes start where a page does, or end there and start anywhere.
+TEST(RgbKernels, LargeFramesAgreeToo) {
+    for (const PictureKernelCase& c : kCases) {
+        if (c.slot->RowCount() == 1) continue;
+        SCOPED_TRACE(c.slot->Name());
+        for (const std::uint32_t width : {1088u, 1072u, 1040u + c.widthStep}) {
+            const auto height = static_cast<std::uint32_t>(km::CachedCountLimit() / (2 * width) / 2 * 2 + 6);
+            TestPicture src(c.srcFormat, width, height);
+            const TestPicture dst(c.dstFormat, width, height);
+            src.Fill(Fill::Random, width);
+            const TestPicture expected = Converted(c.slot->Row(0).function, dst, src);
+            ForEachVariant(*c.slot, [&](PictureKernel* variant, PictureKernel*) {
+                for (const auto side : {GuardPageBuffer::Side::Start, GuardPageBuffer::Side::End}) {
+                    FencedPicture actual(dst, side);
+                    variant(actual.Desc(), src.Desc());
+                    EXPECT_TRUE(actual.Equals(expected)) << width << "x" << height;
+                }
+            });
+        }
+    }
 }
 
 }  // namespace

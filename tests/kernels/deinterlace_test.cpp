@@ -242,9 +242,9 @@ TEST(DeinterlaceKernels, FiltersReachNoFurtherThanTheirRows) {
 }
 
 constexpr std::size_t kGroupCounts[] = {1, 2, 3, 4, 5, 7, 8, 9, 45, 120};
-constexpr km::MotionThresholds kThresholds[] = {{0, 255}, {0, 0},     {10, 60},         {30, 30},         {60, 10},
-                                                {0, 1},   {5, 100},   {100, 1000},      {300, 500},       {254, 256},
-                                                {0, 765}, {764, 765}, {0, 0xFFFFFFFFu}, {1, 0x80000001u}, {3, 65539}};
+constexpr km::MotionThresholds kThresholds[] = {
+    {0, 255},   {0, 0},     {10, 60}, {30, 30},     {60, 10},   {0, 1},           {5, 100},         {100, 1000},
+    {300, 500}, {254, 256}, {0, 765}, {0, 0x10006}, {764, 765}, {0, 0xFFFFFFFFu}, {1, 0x80000001u}, {3, 65539}};
 
 // Close neighbours in time as well as distant ones: motions from 0 to 765 and all weights occur.
 void FillFields(Bytes (&lines)[4], std::size_t size, Fill fill, std::uint32_t seed) {

@@ -2,6 +2,8 @@
 // negative strides and odd offsets, so that a byte touched outside the picture shows.
 #pragma once
 
+#include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <string>
@@ -81,23 +83,29 @@ public:
 
     /// Whether every byte outside the rows still is a guard.
     bool GuardsIntact() const {
-        std::vector<bool> inside(memory_.size(), false);
+        const auto intact = [this](std::size_t first, std::size_t last) {
+            return std::all_of(memory_.begin() + static_cast<std::ptrdiff_t>(first),
+                               memory_.begin() + static_cast<std::ptrdiff_t>(last),
+                               [](std::uint8_t byte) { return byte == kGuard; });
+        };
+        std::size_t behind = 0;
         for (std::size_t row = 0; row < rows_; ++row) {
-            const std::size_t start = static_cast<std::size_t>(Row(row) - memory_.data());
-            for (std::size_t i = 0; i < rowBytes_; ++i) inside[start + i] = true;
+            const std::size_t start = first_ + row * pitch_;
+            if (!intact(behind, start)) return false;
+            behind = start + rowBytes_;
         }
-        for (std::size_t i = 0; i < memory_.size(); ++i)
-            if (!inside[i] && memory_[i] != kGuard) return false;
-        return true;
+        return intact(behind, memory_.size());
     }
 
     /// First difference in the rows of two planes of one size, as text; empty when there is none.
     std::string FirstDifference(const TestPlane& other) const {
-        for (std::size_t row = 0; row < rows_; ++row)
+        for (std::size_t row = 0; row < rows_; ++row) {
+            if (std::equal(Row(row), Row(row) + rowBytes_, other.Row(row))) continue;
             for (std::size_t i = 0; i < rowBytes_; ++i)
                 if (Row(row)[i] != other.Row(row)[i])
                     return "row " + std::to_string(row) + " byte " + std::to_string(i) + ": " +
                            std::to_string(Row(row)[i]) + " and " + std::to_string(other.Row(row)[i]);
+        }
         return {};
     }
 

@@ -17,12 +17,13 @@ struct CachedStores {
     template <class Dst>
     static constexpr std::size_t kUnits = 1;
 };
-/// For addresses that are multiples of the register size. A unit is a cache line of a packed or block format at least;
-/// of planes, several units are.
+/// For addresses that are multiples of the register size. As many units as fill a cache line of every plane.
 struct StreamingStores {
     static inline void Put(void* p, Vec a) { Stream(p, a); }
     template <class Dst>
-    static constexpr std::size_t kUnits = Dst::kIsOnePlane ? 1 : kCacheLine / kVecBytes;
+    static constexpr std::size_t kUnits = Dst::kUnitRegisters* kVecBytes < kCacheLine
+                                              ? kCacheLine / (Dst::kUnitRegisters * kVecBytes)
+                                              : 1;
 };
 
 /// Calls `step` for each kStep pixels of a line that is at least that long. The last step may overlap the one before
@@ -151,18 +152,19 @@ struct Reorder422To420 {
     static void Convert(const Line (&to)[2], const Line (&from)[2], std::size_t width) {
         constexpr std::size_t kUnits = Out::template kUnits<Dst>;
         WalkLine<kStep<Out>>(width, [&](std::size_t x) {
-            Luma luma0[kUnits];
-            Luma luma1[kUnits];
             typename Dst::Chroma chroma[kUnits];
             for (std::size_t i = 0; i < kUnits; ++i) {
+                const std::size_t place = x + i * kLayoutUnit;
+                Luma luma0[1];
+                Luma luma1[1];
                 typename Src::Chroma read0;
                 typename Src::Chroma read1;
-                Src::Read(from[0], x + i * kLayoutUnit, luma0[i], read0);
-                Src::Read(from[1], x + i * kLayoutUnit, luma1[i], read1);
+                Src::Read(from[0], place, luma0[0], read0);
+                Src::Read(from[1], place, luma1[0], read1);
+                WriteLumaPlane<Out>(to[0], place, luma0);
+                WriteLumaPlane<Out>(to[1], place, luma1);
                 Arrange(Mean(read0, read1), chroma[i]);
             }
-            WriteLumaPlane<Out>(to[0], x, luma0);
-            WriteLumaPlane<Out>(to[1], x, luma1);
             Dst::template WriteChroma<Out>(to[0], x, chroma);
         });
     }

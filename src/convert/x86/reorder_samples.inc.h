@@ -2,7 +2,8 @@
 //
 // Work goes in units of kLayoutUnit pixels: two registers of luma and two of chroma, which hold it either as pairs in
 // the order U, V or with the components apart. Each layout reads and writes the arrangement that lies nearer to it;
-// Arrange turns one into the other where the two sides differ.
+// Arrange turns one into the other where the two sides differ. kUnitRegisters is what a unit fills in the narrowest
+// plane.
 #include "foundation/image_descriptor.h"
 
 namespace KorvaneSoftware::PIXMORPH_SIMD {
@@ -38,21 +39,15 @@ static inline Vec EvenBytes(Vec a, Vec b) {
     const Vec mask = Set16(0xFF);
     return FixPack(Pack16To8u(And(a, mask), And(b, mask)));
 }
-static inline Vec OddBytes(Vec a, Vec b) {
-    return FixPack(Pack16To8u(ShiftRight16u<8>(a), ShiftRight16u<8>(b)));
-}
+static inline Vec OddBytes(Vec a, Vec b) { return FixPack(Pack16To8u(ShiftRight16u<8>(a), ShiftRight16u<8>(b))); }
 static inline void InterleaveBytes(Vec even, Vec odd, Vec& a, Vec& b) {
     a = UnpackLow8(even, odd);
     b = UnpackHigh8(even, odd);
     FixUnpack(a, b);
 }
 
-static inline void Arrange(const PairedChroma& from, PairedChroma& to) {
-    to = from;
-}
-static inline void Arrange(const SeparateChroma& from, SeparateChroma& to) {
-    to = from;
-}
+static inline void Arrange(const PairedChroma& from, PairedChroma& to) { to = from; }
+static inline void Arrange(const SeparateChroma& from, SeparateChroma& to) { to = from; }
 static inline void Arrange(const PairedChroma& from, SeparateChroma& to) {
     to = {EvenBytes(from.a, from.b), OddBytes(from.a, from.b)};
 }
@@ -60,18 +55,14 @@ static inline void Arrange(const SeparateChroma& from, PairedChroma& to) {
     InterleaveBytes(from.u, from.v, to.a, to.b);
 }
 
-static inline PairedChroma Mean(PairedChroma c, PairedChroma d) {
-    return {Avg8(c.a, d.a), Avg8(c.b, d.b)};
-}
-static inline SeparateChroma Mean(SeparateChroma c, SeparateChroma d) {
-    return {Avg8(c.u, d.u), Avg8(c.v, d.v)};
-}
+static inline PairedChroma Mean(PairedChroma c, PairedChroma d) { return {Avg8(c.a, d.a), Avg8(c.b, d.b)}; }
+static inline SeparateChroma Mean(SeparateChroma c, SeparateChroma d) { return {Avg8(c.u, d.u), Avg8(c.v, d.v)}; }
 
 /// Packed 4:2:2. kLumaFirst: luma in the even bytes. kCrFirst: V before U.
 template <bool kLumaFirst, bool kCrFirst>
 struct PackedLayout {
     using Chroma = PairedChroma;
-    static constexpr bool kIsOnePlane = true;
+    static constexpr std::size_t kUnitRegisters = 4;
     // Places within four bytes.
     static constexpr int kY0 = kLumaFirst ? 0 : 1;
     static constexpr int kY1 = kY0 + 2;
@@ -175,7 +166,7 @@ static inline void ToBlockChroma(const SeparateChroma& chroma, Vec& a, Vec& b) {
 /// Blocks of 16 pixels in 32 bytes: a lane of luma, a lane of chroma.
 struct Y16Layout {
     using Chroma = SeparateChroma;
-    static constexpr bool kIsOnePlane = true;
+    static constexpr std::size_t kUnitRegisters = 4;
 
     static constexpr std::size_t RowBytes(int plane, std::size_t width) { return plane == 0 ? 2 * width : 0; }
 
@@ -210,7 +201,7 @@ struct Y16Layout {
 /// Blocks of 16 pixels in 48 bytes: a lane of luma, a lane of alpha, a lane of chroma.
 struct Y16ALayout {
     using Chroma = SeparateChroma;
-    static constexpr bool kIsOnePlane = true;
+    static constexpr std::size_t kUnitRegisters = 6;
 
     static constexpr std::size_t RowBytes(int plane, std::size_t width) { return plane == 0 ? 3 * width : 0; }
 
@@ -266,7 +257,7 @@ static inline void WriteLumaPlane(const Line& line, std::size_t x, const Luma (&
 /// Three planes.
 struct PlanarLayout {
     using Chroma = SeparateChroma;
-    static constexpr bool kIsOnePlane = false;
+    static constexpr std::size_t kUnitRegisters = 1;
     static constexpr std::size_t RowBytes(int plane, std::size_t width) { return plane == 0 ? width : width / 2; }
 
     static inline Chroma ReadChroma(const Line& line, std::size_t x) {
@@ -293,7 +284,7 @@ struct PlanarLayout {
 /// A luma plane and a plane of chroma pairs.
 struct SemiPlanarLayout {
     using Chroma = PairedChroma;
-    static constexpr bool kIsOnePlane = false;
+    static constexpr std::size_t kUnitRegisters = 2;
     static constexpr std::size_t RowBytes(int plane, std::size_t width) { return plane < 2 ? width : 0; }
 
     static inline Chroma ReadChroma(const Line& line, std::size_t x) {

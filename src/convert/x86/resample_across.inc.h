@@ -8,26 +8,75 @@ namespace PIXMORPH_SIMD {
 constexpr int kParts = 4 / kVecLanes;
 constexpr std::size_t kWindow = 16;
 
-/// Walks the groups of a plan.
-struct Group {
+/// Tables of one group, advanced from group to group.
+struct GroupTables {
     const std::uint32_t* windows;
     const std::uint8_t* shuffles;
     const std::uint8_t* weights;
+
+    explicit GroupTables(const RowPlan& plan) : windows(plan.windows), shuffles(plan.shuffles), weights(plan.weights) {}
+    void Advance(std::uint32_t steps) {
+        windows += steps * 4;
+        shuffles += steps * 4 * kWindow;
+        weights += steps * 4 * kWindow;
+    }
+    /// The samples of one step of a part of the group, shuffled into place.
+    Vec Gather(const std::uint8_t* src, std::size_t step, int part) const {
+        const std::size_t block = step * 4 + static_cast<std::size_t>(part * kVecLanes);
+        return Shuffle8(LoadLanes128(src, windows + block), Load(shuffles + block * kWindow));
+    }
+    Vec WeightsOf(std::size_t step, int part) const {
+        return Load(weights + (step * 4 + static_cast<std::size_t>(part * kVecLanes)) * kWindow);
+    }
 };
 
-static inline Group GroupOf(const RowPlan& plan, std::uint32_t index) {
-    const std::size_t table = std::size_t{index} * plan.tableStride;
-    return {plan.windows + std::size_t{index} * plan.stepCount * 4, plan.shuffles + table, plan.weights + table};
-}
+/// The tables of a group of one step, in registers. Stores through byte pointers may alias anything, so that a compiler
+/// would load them anew for each group.
+struct HeldTables {
+    std::uint32_t windows[4];
+    Vec shuffles[kParts];
+    Vec weights[kParts];
 
-/// The samples of one step of a part of a group, shuffled into place.
-static inline Vec Gather(const std::uint8_t* src, const Group& group, std::uint32_t step, int part) {
-    const std::size_t block = std::size_t{step} * 4 + static_cast<std::size_t>(part * kVecLanes);
-    return Shuffle8(LoadLanes128(src, group.windows + block), Load(group.shuffles + block * kWindow));
-}
+    explicit HeldTables(const GroupTables& tables) {
+        for (int i = 0; i < 4; ++i) windows[i] = tables.windows[i];
+        for (int part = 0; part < kParts; ++part) {
+            shuffles[part] = Load(tables.shuffles + static_cast<std::size_t>(part) * kVecBytes);
+            weights[part] = Load(tables.weights + static_cast<std::size_t>(part) * kVecBytes);
+        }
+    }
+    Vec Gather(const std::uint8_t* src, std::size_t, int part) const {
+        return Shuffle8(LoadLanes128(src, windows + part * kVecLanes), shuffles[part]);
+    }
+    Vec WeightsOf(std::size_t, int part) const { return weights[part]; }
+};
 
-static inline Vec WeightsOf(const Group& group, std::uint32_t step, int part) {
-    return Load(group.weights + (std::size_t{step} * 4 + static_cast<std::size_t>(part * kVecLanes)) * kWindow);
+/// Calls body(output, source, tables) for each group of `groupBytes` output bytes.
+template <bool OneStep, class Body>
+static inline void ForEachGroup(std::uint8_t* dst, const std::uint8_t* src, const RowPlan& plan, std::size_t groupBytes,
+                                Body body) {
+    const std::uint32_t count = plan.groupCount;
+    const std::uint32_t steps = OneStep ? 1 : plan.stepCount;
+    std::uint8_t* const lastOutput = dst + plan.dstBytes - groupBytes;
+    GroupTables tables(plan);
+    std::uint32_t group = 0;
+    if (plan.regularCount != 0) {
+        const std::uint32_t regular = plan.regularCount;
+        const std::size_t advance = plan.regularAdvance;
+        const std::uint8_t* from = src;
+        if constexpr (OneStep) {
+            const HeldTables held(tables);
+            for (; group < regular; ++group, from += advance, dst += groupBytes)
+                body(group + 1 < count ? dst : lastOutput, from, held);
+        } else {
+            for (; group < regular; ++group, from += advance, dst += groupBytes)
+                body(group + 1 < count ? dst : lastOutput, from, tables);
+        }
+        tables.Advance(steps);
+    }
+    for (; group < count; ++group, dst += groupBytes) {
+        body(group + 1 < count ? dst : lastOutput, src, tables);
+        tables.Advance(steps);
+    }
 }
 
 /// 32 words as bytes.
@@ -46,36 +95,34 @@ static inline void StoreWordsAsBytes(std::uint8_t* dst, const Vec (&words)[kPart
 template <bool OneStep>
 static void LinearBytes(std::uint8_t* dst, const std::uint8_t* src, const RowPlan& plan) {
     const Vec laterMinusEarlier = Set16(0x01FF);
-    for (std::uint32_t g = 0; g < plan.groupCount; ++g) {
-        const Group group = GroupOf(plan, g);
+    const std::uint32_t steps = plan.stepCount;
+    ForEachGroup<OneStep>(dst, src, plan, 32, [&](std::uint8_t* output, const std::uint8_t* from, const auto& tables) {
         Vec words[kParts];
         for (int part = 0; part < kParts; ++part) {
-            Vec pairs = Gather(src, group, 0, part);
+            Vec pairs = tables.Gather(from, 0, part);
             if constexpr (!OneStep)
-                for (std::uint32_t step = 1; step < plan.stepCount; ++step)
-                    pairs = Or(pairs, Gather(src, group, step, part));
+                for (std::uint32_t step = 1; step < steps; ++step) pairs = Or(pairs, tables.Gather(from, step, part));
             const Vec difference = MulAddPairs8(pairs, laterMinusEarlier);
-            words[part] = Add16(ShiftRight16u<8>(pairs), MulHighRound16(difference, WeightsOf(group, 0, part)));
+            words[part] = Add16(ShiftRight16u<8>(pairs), MulHighRound16(difference, tables.WeightsOf(0, part)));
         }
-        StoreWordsAsBytes(dst + plan.outputs[g], words);
-    }
+        StoreWordsAsBytes(output, words);
+    });
 }
 
 static void LinearWords(std::uint8_t* dst, const std::uint8_t* src, const RowPlan& plan) {
     const Vec low = Set32(0xFFFF);
     const Vec half = Set32(0x4000);
-    for (std::uint32_t g = 0; g < plan.groupCount; ++g) {
-        const Group group = GroupOf(plan, g);
+    const std::uint32_t steps = plan.stepCount;
+    ForEachGroup<false>(dst, src, plan, 32, [&](std::uint8_t* output, const std::uint8_t* from, const auto& tables) {
         for (int part = 0; part < kParts; ++part) {
-            Vec pairs = Gather(src, group, 0, part);
-            for (std::uint32_t step = 1; step < plan.stepCount; ++step)
-                pairs = Or(pairs, Gather(src, group, step, part));
+            Vec pairs = tables.Gather(from, 0, part);
+            for (std::uint32_t step = 1; step < steps; ++step) pairs = Or(pairs, tables.Gather(from, step, part));
             const Vec later = ShiftRight32u<16>(pairs);
-            const Vec product = MulLow32(Sub32(And(pairs, low), later), WeightsOf(group, 0, part));
-            StoreNarrow32To16(dst + plan.outputs[g] + static_cast<std::size_t>(part) * (kVecBytes / 2),
+            const Vec product = MulLow32(Sub32(And(pairs, low), later), tables.WeightsOf(0, part));
+            StoreNarrow32To16(output + static_cast<std::size_t>(part) * (kVecBytes / 2),
                               Add32(later, ShiftRight32s<15>(Add32(product, half))));
         }
-    }
+    });
 }
 
 // Sums below 2^15: a plan is narrow only then.
@@ -84,19 +131,19 @@ static void AreaNarrow(std::uint8_t* dst, const std::uint8_t* src, const RowPlan
     const Vec bias = Set16(plan.area.bias);
     const Vec multiplier = Set16(plan.area.multiplier);
     const int shift = plan.area.shift;
-    for (std::uint32_t g = 0; g < plan.groupCount; ++g) {
-        const Group group = GroupOf(plan, g);
+    const std::uint32_t steps = plan.stepCount;
+    ForEachGroup<OneStep>(dst, src, plan, 32, [&](std::uint8_t* output, const std::uint8_t* from, const auto& tables) {
         Vec words[kParts];
         for (int part = 0; part < kParts; ++part) {
-            Vec sum = Add16(bias, MulAddPairs8(Gather(src, group, 0, part), WeightsOf(group, 0, part)));
+            Vec sum = Add16(bias, MulAddPairs8(tables.Gather(from, 0, part), tables.WeightsOf(0, part)));
             if constexpr (!OneStep)
-                for (std::uint32_t step = 1; step < plan.stepCount; ++step)
-                    sum = Add16(sum, MulAddPairs8(Gather(src, group, step, part), WeightsOf(group, step, part)));
+                for (std::uint32_t step = 1; step < steps; ++step)
+                    sum = Add16(sum, MulAddPairs8(tables.Gather(from, step, part), tables.WeightsOf(step, part)));
             words[part] = MulHigh16u(sum, multiplier);
             if constexpr (Shifted) words[part] = ShiftRight16uBy(words[part], shift);
         }
-        StoreWordsAsBytes(dst + plan.outputs[g], words);
-    }
+        StoreWordsAsBytes(output, words);
+    });
 }
 
 static void AreaNarrowAny(std::uint8_t* dst, const std::uint8_t* src, const RowPlan& plan) {
@@ -112,20 +159,23 @@ template <bool Words>
 static void AreaWide(std::uint8_t* dst, const std::uint8_t* src, const RowPlan& plan) {
     const Vec start = Words ? Set32(static_cast<int>(plan.srcWidth << 15)) : Zero();
     const Vec flip = Words ? Set16(-0x8000) : Zero();
-    for (std::uint32_t g = 0; g < plan.groupCount; ++g) {
-        const Group group = GroupOf(plan, g);
-        for (int part = 0; part < kParts; ++part) {
-            Vec sum = start;
-            for (std::uint32_t step = 0; step < plan.stepCount; ++step)
-                sum =
-                    Add32(sum, MulAddPairs16(Xor(Gather(src, group, step, part), flip), WeightsOf(group, step, part)));
-            const Vec value = ScaleAndRound32(sum, plan.area.reciprocal);
-            if constexpr (Words)
-                StoreNarrow32To16(dst + plan.outputs[g] + static_cast<std::size_t>(part) * (kVecBytes / 2), value);
-            else
-                StoreNarrow32To8(dst + plan.outputs[g] + static_cast<std::size_t>(part) * (kVecBytes / 4), value);
-        }
-    }
+    const float reciprocal = plan.area.reciprocal;
+    const std::uint32_t steps = plan.stepCount;
+    ForEachGroup<false>(dst, src, plan, Words ? 32 : 16,
+                        [&](std::uint8_t* output, const std::uint8_t* from, const auto& tables) {
+                            for (int part = 0; part < kParts; ++part) {
+                                Vec sum = start;
+                                for (std::uint32_t step = 0; step < steps; ++step) {
+                                    const Vec samples = Xor(tables.Gather(from, step, part), flip);
+                                    sum = Add32(sum, MulAddPairs16(samples, tables.WeightsOf(step, part)));
+                                }
+                                const Vec value = ScaleAndRound32(sum, reciprocal);
+                                if constexpr (Words)
+                                    StoreNarrow32To16(output + static_cast<std::size_t>(part) * (kVecBytes / 2), value);
+                                else
+                                    StoreNarrow32To8(output + static_cast<std::size_t>(part) * (kVecBytes / 4), value);
+                            }
+                        });
 }
 
 /// Means of neighbours, which `order` brings together: two registers become one.

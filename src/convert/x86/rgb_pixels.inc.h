@@ -2,6 +2,8 @@
 // registers are dealt (see rgb_lanes_sse41.h): pixels in groups of four.
 #pragma once
 
+#include "convert/x86/rgb_lines.inc.h"
+
 namespace KorvaneSoftware::PIXMORPH_SIMD {
 
 /// Pixels of one step of the kernels: a register of bytes.
@@ -10,14 +12,6 @@ constexpr std::size_t kPixels = kVecBytes;
 struct PixelBytes {
     Vec b, g, r, a;
 };
-
-template <bool kStreamed>
-static inline void Put(std::uint8_t* p, Vec a) {
-    if constexpr (kStreamed)
-        Stream(p, a);
-    else
-        Store(p, a);
-}
 
 /// Four registers of pixels of four bytes in memory order.
 struct PixelQuads {
@@ -47,9 +41,9 @@ struct BgraPixels {
     static constexpr std::size_t kBytes = 4;
     static constexpr bool kHasAlpha = true;
 
-    template <bool kStreamed>
-    static inline void Write(std::uint8_t* out, const PixelQuads& quads) {
-        for (std::size_t i = 0; i < 4; ++i) Put<kStreamed>(out + i * kVecBytes, quads.part[i]);
+    template <class Sink>
+    static inline void Write(const Sink& sink, std::uint8_t* out, const PixelQuads& quads) {
+        sink.Write(out, quads.part);
     }
     static inline PixelBytes Read(const std::uint8_t* in) {
         const Vec split = Repeat128(kSplitBgra);
@@ -66,13 +60,13 @@ struct BgrPixels {
     static constexpr bool kHasAlpha = false;
     static constexpr std::size_t kQuarter = kVecBytes / 4 * 3;
 
-    template <bool kStreamed>
-    static inline void Write(std::uint8_t* out, const PixelQuads& quads) {
+    template <class Sink>
+    static inline void Write(const Sink& sink, std::uint8_t* out, const PixelQuads& quads) {
         const Vec drop = Repeat128(kBgraToBgr);
         Vec joined[3];
         JoinGroups12(Shuffle8(quads.part[0], drop), Shuffle8(quads.part[1], drop), Shuffle8(quads.part[2], drop),
                      Shuffle8(quads.part[3], drop), joined);
-        for (std::size_t i = 0; i < 3; ++i) Put<kStreamed>(out + i * kVecBytes, joined[i]);
+        sink.Write(out, joined);
     }
     // The last quarter is loaded from further ahead, where the load ends with the pixels.
     static inline PixelQuads ReadGroups(const std::uint8_t* in, const std::uint8_t* shuffle) {

@@ -35,15 +35,19 @@ static inline Vec LumaBytes(const RgbToYuvVectors& m, const PairedWords& p) {
 
 template <bool kLumaFirst, bool kSwapped>
 struct PackedTarget {
+    static constexpr bool kIsStreamed = true;
+    using Streamed = StreamedPlane<2, 2>;
     static constexpr bool kVFirst = kSwapped;
     static constexpr bool kHasAlpha = false;
 
-    static inline void Write(const SampleLine& line, std::size_t x, Vec luma, Vec chroma, Vec) {
+    template <class Sink>
+    static inline void Write(const Sink& sink, const SampleLine& line, std::size_t x, Vec luma, Vec chroma, Vec) {
         luma = CollectForUnpack(luma);
         chroma = CollectForUnpack(chroma);
-        std::uint8_t* const out = line.plane[0] + 2 * x;
-        Store(out, kLumaFirst ? UnpackLow8(luma, chroma) : UnpackLow8(chroma, luma));
-        Store(out + kVecBytes, kLumaFirst ? UnpackHigh8(luma, chroma) : UnpackHigh8(chroma, luma));
+        const Vec first = kLumaFirst ? luma : chroma;
+        const Vec second = kLumaFirst ? chroma : luma;
+        const Vec pairs[2] = {UnpackLow8(first, second), UnpackHigh8(first, second)};
+        sink.Write(line.plane[0] + 2 * x, pairs);
     }
 };
 using UyvyTarget = PackedTarget<false, false>;
@@ -54,10 +58,11 @@ alignas(16) static constexpr std::uint8_t kSplitChroma[16] = {0, 2, 4, 6, 8, 10,
 
 template <std::size_t kBlockBytes>
 struct BlockTarget {
+    static constexpr bool kIsStreamed = false;
     static constexpr bool kVFirst = false;
     static constexpr bool kHasAlpha = kBlockBytes == 48;
 
-    static inline void Write(const SampleLine& line, std::size_t x, Vec luma, Vec chroma, Vec alpha) {
+    static inline void Write(const PlainSink&, const SampleLine& line, std::size_t x, Vec luma, Vec chroma, Vec alpha) {
         std::uint8_t* const out = line.plane[0] + x / 16 * kBlockBytes;
         ScatterLanes(out, kBlockBytes, CollectLanes(luma));
         if constexpr (kHasAlpha) ScatterLanes(out + 16, kBlockBytes, CollectLanes(alpha));
@@ -68,6 +73,7 @@ using Y16Target = BlockTarget<32>;
 using Y16ATarget = BlockTarget<48>;
 
 struct PlanarTarget {
+    static constexpr bool kIsStreamed = false;
     static constexpr bool kVFirst = false;
     static constexpr bool kHasAlpha = false;
 
@@ -80,7 +86,7 @@ struct PlanarTarget {
         StoreHalf(line.plane[1] + x / 2, split);
         StoreUpperHalf(line.plane[2] + x / 2, split);
     }
-    static inline void Write(const SampleLine& line, std::size_t x, Vec luma, Vec chroma, Vec) {
+    static inline void Write(const PlainSink&, const SampleLine& line, std::size_t x, Vec luma, Vec chroma, Vec) {
         WriteLuma(line, x, luma);
         WriteChroma(line, x, chroma);
     }
@@ -103,68 +109,125 @@ static inline Vec ChromaBytes(const RgbToYuvVectors& m, const BgrVectors& mean) 
     return Target::kVFirst ? MergeBytes32(c.v, c.u) : MergeBytes32(c.u, c.v);
 }
 
-template <class Pixels, class Target>
-static inline void WriteStep422(const SampleLine& out, const std::uint8_t* in, std::size_t x,
+template <class Pixels, class Target, class Sink>
+static inline void WriteStep422(const Sink& sink, const SampleLine& out, const std::uint8_t* in, std::size_t x,
                                 const RgbToYuvVectors& m) {
     const PixelBytes pixels = Pixels::Read(in + x * Pixels::kBytes);
     const PairedWords words = SplitPairs(pixels);
-    Target::Write(out, x, LumaBytes(m, words), ChromaBytes<Target>(m, Mean(words.first, words.second)), pixels.a);
+    Target::Write(sink, out, x, LumaBytes(m, words), ChromaBytes<Target>(m, Mean(words.first, words.second)), pixels.a);
 }
 
-template <class Pixels, class Target>
-static void ConvertTo422(const ImageDescriptor& dst, const ImageDescriptor& src) {
+template <class Pixels, class Target, bool kStreamed>
+static void ConvertLinesTo422(const ImageDescriptor& dst, const ImageDescriptor& src) {
     const RgbToYuvVectors m = LoadRgbToYuv(dst.colorMatrix);
+    const std::size_t last = src.width - kPixels;
     for (std::int64_t row = 0; row < src.height; ++row) {
         const std::uint8_t* const in = PixelsAt(src, row);
+        const std::uint8_t* const next = row + 1 < src.height ? PixelsAt(src, row + 1) : in;
         const SampleLine out = SamplesAt(dst, row, row);
-        for (std::size_t x = 0; x + kPixels < src.width; x += kPixels) WriteStep422<Pixels, Target>(out, in, x, m);
-        WriteStep422<Pixels, Target>(out, in, src.width - kPixels, m);
+        std::size_t x = 0;
+        if constexpr (kStreamed) {
+            using Streamed = typename Target::Streamed;
+            x = Streamed::Head(out.plane[0]);
+            if (x != 0) WriteStep422<Pixels, Target>(Streamed::First(x), out, in, 0, m);
+            for (; x < last; x += kPixels) {
+                Prefetch<kPixels * Pixels::kBytes>(next + x * Pixels::kBytes);
+                WriteStep422<Pixels, Target>(StreamedSink{}, out, in, x, m);
+            }
+            WriteStep422<Pixels, Target>(Streamed::Last(src.width - x), out, in, last, m);
+        } else {
+            for (; x < last; x += kPixels) {
+                Prefetch<kPixels * Pixels::kBytes>(next + x * Pixels::kBytes);
+                WriteStep422<Pixels, Target>(PlainSink{}, out, in, x, m);
+            }
+            WriteStep422<Pixels, Target>(PlainSink{}, out, in, last, m);
+        }
     }
 }
 
 template <class Pixels, class Target>
-static inline void WriteStep420(const SampleLine& outUpper, const SampleLine& outLower, const std::uint8_t* upper,
-                                const std::uint8_t* lower, std::size_t x, const RgbToYuvVectors& m) {
-    const PairedWords upperWords = SplitPairs(Pixels::Read(upper + x * Pixels::kBytes));
-    Target::WriteLuma(outUpper, x, LumaBytes(m, upperWords));
-    const BgrVectors upperMean = Mean(upperWords.first, upperWords.second);
-    const PairedWords lowerWords = SplitPairs(Pixels::Read(lower + x * Pixels::kBytes));
-    Target::WriteLuma(outLower, x, LumaBytes(m, lowerWords));
-    const BgrVectors lowerMean = Mean(lowerWords.first, lowerWords.second);
+static void ConvertTo422(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    if constexpr (Target::kIsStreamed) {
+        if (Target::Streamed::IsFor(dst)) {
+            ConvertLinesTo422<Pixels, Target, true>(dst, src);
+            StreamFence();
+            return;
+        }
+    }
+    ConvertLinesTo422<Pixels, Target, false>(dst, src);
+}
+
+/// Two lines of pixels, upper and lower, at a pixel.
+struct PixelLinePair {
+    const std::uint8_t *upper, *lower;
+};
+
+template <class Pixels, class Target>
+static inline void WriteStep420(const SampleLine& outUpper, const SampleLine& outLower, const PixelLinePair& in,
+                                const PixelLinePair& next, std::size_t x, const RgbToYuvVectors& m) {
+    Prefetch<kPixels * Pixels::kBytes>(next.upper + x * Pixels::kBytes);
+    Prefetch<kPixels * Pixels::kBytes>(next.lower + x * Pixels::kBytes);
+    const PairedWords upper = SplitPairs(Pixels::Read(in.upper + x * Pixels::kBytes));
+    Target::WriteLuma(outUpper, x, LumaBytes(m, upper));
+    const BgrVectors upperMean = Mean(upper.first, upper.second);
+    const PairedWords lower = SplitPairs(Pixels::Read(in.lower + x * Pixels::kBytes));
+    Target::WriteLuma(outLower, x, LumaBytes(m, lower));
+    const BgrVectors lowerMean = Mean(lower.first, lower.second);
     Target::WriteChroma(outUpper, x, ChromaBytes<Target>(m, Mean(upperMean, lowerMean)));
 }
 
 template <class Pixels, class Target>
 static void ConvertTo420(const ImageDescriptor& dst, const ImageDescriptor& src) {
     const RgbToYuvVectors m = LoadRgbToYuv(dst.colorMatrix);
-    for (std::int64_t chromaRow = 0; chromaRow < src.height / 2; ++chromaRow) {
+    const std::int64_t chromaRows = src.height / 2;
+    for (std::int64_t chromaRow = 0; chromaRow < chromaRows; ++chromaRow) {
         const std::int64_t row = 2 * chromaRow;
-        const std::uint8_t* const upper = PixelsAt(src, row);
-        const std::uint8_t* const lower = PixelsAt(src, row + 1);
+        const PixelLinePair in = {PixelsAt(src, row), PixelsAt(src, row + 1)};
+        const PixelLinePair next =
+            chromaRow + 1 < chromaRows ? PixelLinePair{PixelsAt(src, row + 2), PixelsAt(src, row + 3)} : in;
         const SampleLine outUpper = SamplesAt(dst, row, chromaRow);
         const SampleLine outLower = SamplesAt(dst, row + 1, chromaRow);
         for (std::size_t x = 0; x + kPixels < src.width; x += kPixels)
-            WriteStep420<Pixels, Target>(outUpper, outLower, upper, lower, x, m);
-        WriteStep420<Pixels, Target>(outUpper, outLower, upper, lower, src.width - kPixels, m);
+            WriteStep420<Pixels, Target>(outUpper, outLower, in, next, x, m);
+        WriteStep420<Pixels, Target>(outUpper, outLower, in, next, src.width - kPixels, m);
     }
+}
+
+template <class From, class To, class Sink>
+static inline void MoveStep(const Sink& sink, std::uint8_t* out, const std::uint8_t* in, std::size_t x) {
+    To::Write(sink, out + x * To::kBytes, From::ReadQuads(in + x * From::kBytes));
 }
 
 template <class From, class To, bool kStreamed>
 static void MoveLines(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    const std::size_t last = src.width - kPixels;
     for (std::int64_t row = 0; row < src.height; ++row) {
         const std::uint8_t* const in = LineOfPlane(src, 0, row);
+        const std::uint8_t* const next = row + 1 < src.height ? LineOfPlane(src, 0, row + 1) : in;
         std::uint8_t* const out = LineOfPlane(dst, 0, row);
         std::size_t x = 0;
-        for (; x + kPixels < src.width; x += kPixels)
-            To::template Write<kStreamed>(out + x * To::kBytes, From::ReadQuads(in + x * From::kBytes));
-        x = src.width - kPixels;
-        To::template Write<false>(out + x * To::kBytes, From::ReadQuads(in + x * From::kBytes));
+        if constexpr (kStreamed) {
+            using Streamed = StreamedPlane<To::kBytes, 1>;
+            x = Streamed::Head(out);
+            if (x != 0) MoveStep<From, To>(Streamed::First(x), out, in, 0);
+            for (; x < last; x += kPixels) {
+                Prefetch<kPixels * From::kBytes>(next + x * From::kBytes);
+                MoveStep<From, To>(StreamedSink{}, out, in, x);
+            }
+            MoveStep<From, To>(Streamed::Last(src.width - x), out, in, last);
+        } else {
+            for (; x < last; x += kPixels) {
+                Prefetch<kPixels * From::kBytes>(next + x * From::kBytes);
+                MoveStep<From, To>(PlainSink{}, out, in, x);
+            }
+            MoveStep<From, To>(PlainSink{}, out, in, last);
+        }
     }
 }
 
 template <class From, class To>
 static void ConvertPixels(const ImageDescriptor& dst, const ImageDescriptor& src) {
-    if (IsStreamed(dst, src.width * To::kBytes)) {
+    if (StreamedPlane<To::kBytes, 1>::IsFor(dst)) {
         MoveLines<From, To, true>(dst, src);
         StreamFence();
     } else {

@@ -43,15 +43,20 @@ static inline Vec NextAtEnd(const std::uint8_t* last) {
     return Load(window + Bytes);
 }
 
-// Sources: samples of the step at pixel x. kPacked says in which order the words lie: as a lane-wise unpack or pack of
-// two registers leaves them (see rgb_lanes_sse41.h).
+// Sources: samples of the step at pixel x, a multiple of kGranule. kPacked says in which order the words lie: as a
+// lane-wise unpack or pack of two registers leaves them (see rgb_lanes_sse41.h).
 
 /// kLuma: byte of the first luma sample in the four bytes of a pixel pair; U before V or behind it.
 template <int kLuma, bool kVFirst>
 struct PackedSource {
     static constexpr bool kPacked = true;
+    static constexpr std::size_t kGranule = 2;
     static constexpr bool kHasAlpha = false;
 
+    static inline void PrefetchLuma(const SampleLine& line, std::size_t x) {
+        Prefetch<2 * kPixels>(line.plane[0] + 2 * x);
+    }
+    static inline void PrefetchChroma(const SampleLine&, std::size_t) {}
     static inline LumaWords Luma(const SampleLine& line, std::size_t x) {
         const std::uint8_t* const p = line.plane[0] + 2 * x;
         return {LumaOf(Load(p)), LumaOf(Load(p + kVecBytes))};
@@ -99,8 +104,14 @@ using YvyuSource = PackedSource<0, true>;
 
 struct PlanarSource {
     static constexpr bool kPacked = false;
+    static constexpr std::size_t kGranule = 2;
     static constexpr bool kHasAlpha = false;
 
+    static inline void PrefetchLuma(const SampleLine& line, std::size_t x) { Prefetch<kPixels>(line.plane[0] + x); }
+    static inline void PrefetchChroma(const SampleLine& line, std::size_t x) {
+        Prefetch<kPixels / 2>(line.plane[1] + x / 2);
+        Prefetch<kPixels / 2>(line.plane[2] + x / 2);
+    }
     static inline LumaWords Luma(const SampleLine& line, std::size_t x) { return WidenLuma(Load(line.plane[0] + x)); }
     template <bool kLast>
     static inline ChromaWords Chroma(const SampleLine& line, std::size_t x) {
@@ -126,8 +137,11 @@ private:
 
 struct SemiPlanarSource {
     static constexpr bool kPacked = false;
+    static constexpr std::size_t kGranule = 2;
     static constexpr bool kHasAlpha = false;
 
+    static inline void PrefetchLuma(const SampleLine& line, std::size_t x) { Prefetch<kPixels>(line.plane[0] + x); }
+    static inline void PrefetchChroma(const SampleLine& line, std::size_t x) { Prefetch<kPixels>(line.plane[1] + x); }
     static inline LumaWords Luma(const SampleLine& line, std::size_t x) { return WidenLuma(Load(line.plane[0] + x)); }
     template <bool kLast>
     static inline ChromaWords Chroma(const SampleLine& line, std::size_t x) {
@@ -147,12 +161,17 @@ struct SemiPlanarSource {
 template <std::size_t kBlockBytes>
 struct BlockSource {
     static constexpr bool kPacked = false;
+    static constexpr std::size_t kGranule = 16;
     static constexpr bool kHasAlpha = kBlockBytes == 48;
     static constexpr std::size_t kChroma = kBlockBytes - 16;
 
     static inline const std::uint8_t* BlockAt(const SampleLine& line, std::size_t x) {
         return line.plane[0] + x / 16 * kBlockBytes;
     }
+    static inline void PrefetchLuma(const SampleLine& line, std::size_t x) {
+        Prefetch<kPixels / 16 * kBlockBytes>(BlockAt(line, x));
+    }
+    static inline void PrefetchChroma(const SampleLine&, std::size_t) {}
     static inline LumaWords Luma(const SampleLine& line, std::size_t x) {
         return WidenLuma(GatherLanes(BlockAt(line, x), kBlockBytes));
     }
@@ -185,9 +204,9 @@ using Y16Source = BlockSource<32>;
 using Y16ASource = BlockSource<48>;
 
 /// One step of one line.
-template <class Source, class Pixels, bool kStreamed>
-static inline void WriteStep(std::uint8_t* out, const SampleLine& line, std::size_t x, const ChromaWords& c,
-                             const YuvToRgbVectors& m) {
+template <class Source, class Pixels, class Sink>
+static inline void WriteStep(const Sink& sink, std::uint8_t* out, const SampleLine& line, std::size_t x,
+                             const ChromaWords& c, const YuvToRgbVectors& m) {
     const LumaWords y = Source::Luma(line, x);
     const BgrVectors low = YuvToBgr(m, y.low, c.lowU, c.lowV);
     const BgrVectors high = YuvToBgr(m, y.high, c.highU, c.highV);
@@ -195,60 +214,102 @@ static inline void WriteStep(std::uint8_t* out, const SampleLine& line, std::siz
     PixelBytes bytes = {deal(Pack16To8u(low.b, high.b)), deal(Pack16To8u(low.g, high.g)),
                         deal(Pack16To8u(low.r, high.r)), Set8(255)};
     if constexpr (Source::kHasAlpha && Pixels::kHasAlpha) bytes.a = DealLanes(Source::Alpha(line, x));
-    Pixels::template Write<kStreamed>(out + x * Pixels::kBytes, Interleave(bytes));
+    Pixels::Write(sink, out + x * Pixels::kBytes, Interleave(bytes));
 }
 
-template <class Source, class Pixels, bool kStreamed>
-static void ConvertLine(std::uint8_t* out, const SampleLine& line, std::size_t width, const YuvToRgbVectors& m) {
-    std::size_t x = 0;
-    for (; x + kPixels < width; x += kPixels)
-        WriteStep<Source, Pixels, kStreamed>(out, line, x, Source::template Chroma<false>(line, x), m);
-    x = width - kPixels;
-    WriteStep<Source, Pixels, false>(out, line, x, Source::template Chroma<true>(line, x), m);
-}
+/// One line of 4:2:2, `next` being the line that comes next.
+template <class Source, class Pixels>
+struct LineConverter {
+    std::uint8_t* out;
+    SampleLine line, next;
 
-/// The two lines that share a chroma line, the second of which lies between that one and the next.
-template <class Source, class Pixels, bool kStreamed>
-static void ConvertLinePair(std::uint8_t* const (&out)[2], const SampleLine& first, const SampleLine& second,
-                            std::size_t width, const YuvToRgbVectors& m) {
-    std::size_t x = 0;
-    for (; x + kPixels < width; x += kPixels) {
-        const ChromaWords chroma = Source::template Chroma<false>(first, x);
-        const ChromaWords next = Source::template Chroma<false>(second, x);
-        WriteStep<Source, Pixels, kStreamed>(out[0], first, x, chroma, m);
-        WriteStep<Source, Pixels, kStreamed>(out[1], second, x, Mean(chroma, next), m);
+    std::uint8_t* First() const { return out; }
+    void Prefetch(std::size_t x) const {
+        Source::PrefetchLuma(next, x);
+        Source::PrefetchChroma(next, x);
     }
-    x = width - kPixels;
-    const ChromaWords chroma = Source::template Chroma<true>(first, x);
-    const ChromaWords next = Source::template Chroma<true>(second, x);
-    WriteStep<Source, Pixels, false>(out[0], first, x, chroma, m);
-    WriteStep<Source, Pixels, false>(out[1], second, x, Mean(chroma, next), m);
+    template <bool kLast, class Sink>
+    inline void Step(const Sink& sink, std::size_t x, const YuvToRgbVectors& m) const {
+        WriteStep<Source, Pixels>(sink, out, line, x, Source::template Chroma<kLast>(line, x), m);
+    }
+};
+
+/// The two lines of 4:2:0 that share a chroma line, the second of which lies between that one and the next.
+template <class Source, class Pixels>
+struct LinePairConverter {
+    std::uint8_t* out[2];
+    SampleLine line[2], next[2];
+
+    std::uint8_t* First() const { return out[0]; }
+    void Prefetch(std::size_t x) const {
+        Source::PrefetchLuma(next[0], x);
+        Source::PrefetchLuma(next[1], x);
+        Source::PrefetchChroma(next[1], x);
+    }
+    template <bool kLast, class Sink>
+    inline void Step(const Sink& sink, std::size_t x, const YuvToRgbVectors& m) const {
+        const ChromaWords chroma = Source::template Chroma<kLast>(line[0], x);
+        const ChromaWords below = Source::template Chroma<kLast>(line[1], x);
+        WriteStep<Source, Pixels>(sink, out[0], line[0], x, chroma, m);
+        WriteStep<Source, Pixels>(sink, out[1], line[1], x, Mean(chroma, below), m);
+    }
+};
+
+template <class Streamed, bool kStreamed, class Converter>
+static inline void ConvertSteps(const Converter& converter, std::size_t width, const YuvToRgbVectors& m) {
+    const std::size_t last = width - kPixels;
+    std::size_t x = 0;
+    if constexpr (kStreamed) {
+        x = Streamed::Head(converter.First());
+        if (x != 0) converter.template Step<false>(Streamed::First(x), 0, m);
+        for (; x < last; x += kPixels) {
+            converter.Prefetch(x);
+            converter.template Step<false>(StreamedSink{}, x, m);
+        }
+        converter.template Step<true>(Streamed::Last(width - x), last, m);
+    } else {
+        for (; x < last; x += kPixels) {
+            converter.Prefetch(x);
+            converter.template Step<false>(PlainSink{}, x, m);
+        }
+        converter.template Step<true>(PlainSink{}, last, m);
+    }
 }
 
 template <class Source, class Pixels, bool kStreamed>
 static void ConvertLines422(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    using Streamed = StreamedPlane<Pixels::kBytes, Source::kGranule>;
     const YuvToRgbVectors m = LoadYuvToRgb(src.colorMatrix);
-    for (std::int64_t row = 0; row < src.height; ++row)
-        ConvertLine<Source, Pixels, kStreamed>(PixelsAt(dst, row), SamplesAt(src, row, row), src.width, m);
+    const std::int64_t height = src.height;
+    for (std::int64_t row = 0; row < height; ++row) {
+        const std::int64_t next = row + 1 < height ? row + 1 : row;
+        const LineConverter<Source, Pixels> line = {PixelsAt(dst, row), SamplesAt(src, row, row),
+                                                    SamplesAt(src, next, next)};
+        ConvertSteps<Streamed, kStreamed>(line, src.width, m);
+    }
 }
 
 template <class Source, class Pixels, bool kStreamed>
 static void ConvertLines420(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    using Streamed = StreamedPlane<Pixels::kBytes, Source::kGranule>;
     const YuvToRgbVectors m = LoadYuvToRgb(src.colorMatrix);
     const std::int64_t chromaRows = src.height / 2;
+    // Behind the last chroma line there is none to interpolate with: the mean with itself is itself.
+    const auto clamped = [chromaRows](std::int64_t row) { return row < chromaRows ? row : chromaRows - 1; };
     for (std::int64_t chromaRow = 0; chromaRow < chromaRows; ++chromaRow) {
         const std::int64_t row = 2 * chromaRow;
-        // Below the last chroma line there is none to interpolate with: the mean with itself is itself.
-        const std::int64_t nextRow = chromaRow + 1 < chromaRows ? chromaRow + 1 : chromaRow;
-        std::uint8_t* const out[2] = {PixelsAt(dst, row), PixelsAt(dst, row + 1)};
-        ConvertLinePair<Source, Pixels, kStreamed>(out, SamplesAt(src, row, chromaRow),
-                                                   SamplesAt(src, row + 1, nextRow), src.width, m);
+        const std::int64_t below = clamped(chromaRow + 1);
+        const LinePairConverter<Source, Pixels> lines = {
+            {PixelsAt(dst, row), PixelsAt(dst, row + 1)},
+            {SamplesAt(src, row, chromaRow), SamplesAt(src, row + 1, below)},
+            {SamplesAt(src, 2 * below, below), SamplesAt(src, 2 * below + 1, clamped(chromaRow + 2))}};
+        ConvertSteps<Streamed, kStreamed>(lines, src.width, m);
     }
 }
 
 template <class Source, class Pixels>
 static void Convert422ToRgb(const ImageDescriptor& dst, const ImageDescriptor& src) {
-    if (IsStreamed(dst, src.width * Pixels::kBytes)) {
+    if (StreamedPlane<Pixels::kBytes, Source::kGranule>::IsFor(dst)) {
         ConvertLines422<Source, Pixels, true>(dst, src);
         StreamFence();
     } else {
@@ -258,7 +319,9 @@ static void Convert422ToRgb(const ImageDescriptor& dst, const ImageDescriptor& s
 
 template <class Source, class Pixels>
 static void Convert420ToRgb(const ImageDescriptor& dst, const ImageDescriptor& src) {
-    if (IsStreamed(dst, src.width * Pixels::kBytes)) {
+    // The boundaries of two lines that are made together have to coincide.
+    const bool coincide = dst.strides[0] % static_cast<std::int64_t>(kCacheLine) == 0;
+    if (coincide && StreamedPlane<Pixels::kBytes, Source::kGranule>::IsFor(dst)) {
         ConvertLines420<Source, Pixels, true>(dst, src);
         StreamFence();
     } else {

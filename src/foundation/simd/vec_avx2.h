@@ -77,6 +77,30 @@ static inline void FixUnpack(Vec& low, Vec& high) {
 }
 static inline bool AllZero(Vec a) { return _mm256_testz_si256(a.v, a.v) != 0; }
 
+static inline Vec LoadLanes(const std::uint8_t* p, std::size_t stride) {
+    const __m128i low = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
+    const __m128i high = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p + stride));
+    return {_mm256_inserti128_si256(_mm256_castsi128_si256(low), high, 1)};
+}
+static inline void StoreLanes(std::uint8_t* p, std::size_t stride, Vec a) {
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(p), _mm256_castsi256_si128(a.v));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(p + stride), _mm256_extracti128_si256(a.v, 1));
+}
+
+struct VecDouble {
+    __m256d v;
+};
+static inline VecDouble SetDouble(double x) { return {_mm256_set1_pd(x)}; }
+static inline VecDouble AddDouble(VecDouble a, VecDouble b) { return {_mm256_add_pd(a.v, b.v)}; }
+static inline VecDouble SubDouble(VecDouble a, VecDouble b) { return {_mm256_sub_pd(a.v, b.v)}; }
+static inline VecDouble MulDouble(VecDouble a, VecDouble b) { return {_mm256_mul_pd(a.v, b.v)}; }
+static inline VecDouble LowToDouble(Vec a) { return {_mm256_cvtepi32_pd(_mm256_castsi256_si128(a.v))}; }
+static inline VecDouble HighToDouble(Vec a) { return {_mm256_cvtepi32_pd(_mm256_extracti128_si256(a.v, 1))}; }
+static inline Vec TruncateDoubles(VecDouble low, VecDouble high) {
+    return {
+        _mm256_inserti128_si256(_mm256_castsi128_si256(_mm256_cvttpd_epi32(low.v)), _mm256_cvttpd_epi32(high.v), 1)};
+}
+
 static inline void Deinterleave128(Vec& even, Vec& odd) { FixUnpack(even, odd); }
 static inline void Deinterleave128(Vec& a, Vec& b, Vec& c) {
     const __m256i first = _mm256_permute2x128_si256(a.v, b.v, 0x30);

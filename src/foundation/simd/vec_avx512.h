@@ -91,6 +91,36 @@ static inline void FixUnpack(Vec& low, Vec& high) {
 }
 static inline bool AllZero(Vec a) { return _mm512_test_epi32_mask(a.v, a.v) == 0; }
 
+static inline Vec LoadLanes(const std::uint8_t* p, std::size_t stride) {
+    const auto at = [](const std::uint8_t* lane) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(lane)); };
+    const __m256i low = _mm256_inserti128_si256(_mm256_castsi128_si256(at(p)), at(p + stride), 1);
+    const __m256i high = _mm256_inserti128_si256(_mm256_castsi128_si256(at(p + 2 * stride)), at(p + 3 * stride), 1);
+    return {_mm512_inserti64x4(_mm512_castsi256_si512(low), high, 1)};
+}
+static inline void StoreLanes(std::uint8_t* p, std::size_t stride, Vec a) {
+    const auto put = [](std::uint8_t* lane, __m128i x) { _mm_storeu_si128(reinterpret_cast<__m128i*>(lane), x); };
+    const __m256i low = _mm512_castsi512_si256(a.v);
+    const __m256i high = _mm512_extracti64x4_epi64(a.v, 1);
+    put(p, _mm256_castsi256_si128(low));
+    put(p + stride, _mm256_extracti128_si256(low, 1));
+    put(p + 2 * stride, _mm256_castsi256_si128(high));
+    put(p + 3 * stride, _mm256_extracti128_si256(high, 1));
+}
+
+// Doubles. A register of 32-bit integers is two of doubles.
+struct VecDouble {
+    __m512d v;
+};
+static inline VecDouble SetDouble(double x) { return {_mm512_set1_pd(x)}; }
+static inline VecDouble AddDouble(VecDouble a, VecDouble b) { return {_mm512_add_pd(a.v, b.v)}; }
+static inline VecDouble SubDouble(VecDouble a, VecDouble b) { return {_mm512_sub_pd(a.v, b.v)}; }
+static inline VecDouble MulDouble(VecDouble a, VecDouble b) { return {_mm512_mul_pd(a.v, b.v)}; }
+static inline VecDouble LowToDouble(Vec a) { return {_mm512_cvtepi32_pd(_mm512_castsi512_si256(a.v))}; }
+static inline VecDouble HighToDouble(Vec a) { return {_mm512_cvtepi32_pd(_mm512_extracti64x4_epi64(a.v, 1))}; }
+static inline Vec TruncateDoubles(VecDouble low, VecDouble high) {
+    return {_mm512_inserti64x4(_mm512_castsi256_si512(_mm512_cvttpd_epi32(low.v)), _mm512_cvttpd_epi32(high.v), 1)};
+}
+
 static inline void Deinterleave128(Vec& even, Vec& odd) {
     const __m512i first = _mm512_permutex2var_epi64(even.v, _mm512_setr_epi64(0, 1, 4, 5, 8, 9, 12, 13), odd.v);
     odd.v = _mm512_permutex2var_epi64(even.v, _mm512_setr_epi64(2, 3, 6, 7, 10, 11, 14, 15), odd.v);

@@ -73,15 +73,33 @@ static inline Vec PreUnpack(Vec a) { return a; }
 static inline void FixUnpack(Vec&, Vec&) {}
 static inline bool AllZero(Vec a) { return _mm_testz_si128(a.v, a.v) != 0; }
 
-// 128-bit lanes of two registers, seen as one row: the even ones into the first, the odd ones into the second. FixUnpack
-// is the inverse.
+// One 16-byte load or store per 128-bit lane, `stride` bytes apart.
+static inline Vec LoadLanes(const std::uint8_t* p, std::size_t) { return Load(p); }
+static inline void StoreLanes(std::uint8_t* p, std::size_t, Vec a) { Store(p, a); }
+
+// Doubles. A register of 32-bit integers is two of doubles.
+struct VecDouble {
+    __m128d v;
+};
+static inline VecDouble SetDouble(double x) { return {_mm_set1_pd(x)}; }
+static inline VecDouble AddDouble(VecDouble a, VecDouble b) { return {_mm_add_pd(a.v, b.v)}; }
+static inline VecDouble SubDouble(VecDouble a, VecDouble b) { return {_mm_sub_pd(a.v, b.v)}; }
+static inline VecDouble MulDouble(VecDouble a, VecDouble b) { return {_mm_mul_pd(a.v, b.v)}; }
+static inline VecDouble LowToDouble(Vec a) { return {_mm_cvtepi32_pd(a.v)}; }
+static inline VecDouble HighToDouble(Vec a) { return {_mm_cvtepi32_pd(_mm_unpackhi_epi64(a.v, a.v))}; }
+static inline Vec TruncateDoubles(VecDouble low, VecDouble high) {
+    return {_mm_unpacklo_epi64(_mm_cvttpd_epi32(low.v), _mm_cvttpd_epi32(high.v))};
+}
+
+// 128-bit lanes of two registers, seen as one row: the even ones into the first, the odd ones into the second.
+// FixUnpack is the inverse.
 static inline void Deinterleave128(Vec&, Vec&) {}
 // 128-bit lanes of three registers, seen as one row: every third one. Interleave128 is the inverse.
 static inline void Deinterleave128(Vec&, Vec&, Vec&) {}
 static inline void Interleave128(Vec&, Vec&, Vec&) {}
 
-// Double words of two neighbouring lanes, of one register or (here) of two: 0 1 4 5, then 2 6 3 7. SplitLanePairs is the
-// inverse.
+// Double words of two neighbouring lanes, of one register or (here) of two: 0 1 4 5, then 2 6 3 7. SplitLanePairs is
+// the inverse.
 static inline void JoinLanePairs(Vec& a, Vec& b) {
     const __m128i first = _mm_unpacklo_epi64(a.v, b.v);
     b.v = _mm_unpackhi_epi32(a.v, b.v);

@@ -170,6 +170,7 @@ struct FrameStep {
     static constexpr std::size_t kSrcBytes = Reader::kBytes;
     static constexpr std::size_t kAhead = 0;
     static constexpr bool kTurned = Reader::kBottomUp;
+    static constexpr bool kMixes = kAdd;
 
     template <bool kStreamed>
     void Run(std::uint8_t* dst, const std::uint8_t* src) const {

@@ -40,12 +40,14 @@ static inline Vec AlphaByte(const TitleMix& mix) { return Set32(static_cast<int>
 // Mixings: what the destination `d` becomes by the source pixels `s`.
 
 struct MoveLayer {
+    static constexpr bool kMixes = false;
     explicit MoveLayer(const TitleMix& mix) : factor(Factor(mix)) {}
     Vec operator()(Vec, Vec s) const { return Pack(MulHigh(ColourAnd256(s), MulLow(AlphaWords(s), factor))); }
     Vec factor;
 };
 
 struct AddLayer {
+    static constexpr bool kMixes = true;
     explicit AddLayer(const TitleMix& mix) : factor(Factor(mix)) {}
     Vec operator()(Vec d, Vec s) const {
         const Vec one = Set16(1);
@@ -59,6 +61,7 @@ struct AddLayer {
 };
 
 struct ScaleAlpha {
+    static constexpr bool kMixes = false;
     explicit ScaleAlpha(const TitleMix& mix) : factor(Factor(mix)) {}
     Vec operator()(Vec, Vec s) const {
         const Vec colour = Set32(0x00FFFFFF);
@@ -68,6 +71,7 @@ struct ScaleAlpha {
 };
 
 struct MoveOpaque {
+    static constexpr bool kMixes = false;
     explicit MoveOpaque(const TitleMix& mix) : factor(Factor(mix)), alpha(AlphaByte(mix)) {}
     Vec operator()(Vec, Vec s) const {
         const Vec colour = And(s, Set32(0x00FFFFFF));
@@ -77,12 +81,14 @@ struct MoveOpaque {
 };
 
 struct SetAlpha {
+    static constexpr bool kMixes = false;
     explicit SetAlpha(const TitleMix& mix) : alpha(AlphaByte(mix)) {}
     Vec operator()(Vec, Vec s) const { return Or(And(s, Set32(0x00FFFFFF)), alpha); }
     Vec alpha;
 };
 
 struct AddOpaque {
+    static constexpr bool kMixes = true;
     explicit AddOpaque(const TitleMix& mix) : factor(Factor(mix)) {}
     Vec operator()(Vec d, Vec s) const {
         const Words k = MulLow(AlphaWords(Xor(d, Set8(-1))), factor);
@@ -92,12 +98,15 @@ struct AddOpaque {
 };
 
 struct Straighten {
+    static constexpr bool kMixes = false;
     explicit Straighten(const TitleMix&) {}
     // Quotients by one reciprocal for each pixel. In exact numbers c * 255 / alpha is a whole number or at least 1 /
     // 255 below the next one; the addend is larger than all rounding errors of a product below 256 (2^-14 in any
     // rounding mode) and smaller than that gap. Products above stay above 255 and are cut off. Alpha 0 counts as 1,
     // which gives the 255 that a colour without alpha becomes, and 0 for 0.
     Vec operator()(Vec, Vec s) const {
+        // Most of a title is empty.
+        if (AllZero(s)) return s;
         const Vec low = Set32(255);
         const Vec alpha = Max32s(ShiftRight32u<24>(s), Set32(1));
         const Vec scale = DivideFloat32(IntToFloat32(low), IntToFloat32(alpha));
@@ -174,9 +183,16 @@ struct TitleStep {
     static constexpr std::size_t kSrcBytes = Reader::kBytes;
     static constexpr std::size_t kAhead = Reader::kAhead;
     static constexpr bool kTurned = Reader::kTopDown;
+    static constexpr bool kMixes = Mixing::kMixes;
 
     template <bool kStreamed>
     void Run(std::uint8_t* dst, const std::uint8_t* src) const {
+        if constexpr (kMixes) {
+            // Nothing shows through a title that covers all pixels of a step.
+            const Vec all =
+                And(And(Load(dst), Load(dst + kVecBytes)), And(Load(dst + 2 * kVecBytes), Load(dst + 3 * kVecBytes)));
+            if (AllZero(AndNot(all, Set32(static_cast<int>(0xFF000000u))))) return;
+        }
         const PixelQuads quads = reader.Read(src);
         for (std::size_t i = 0; i < 4; ++i)
             Put<kStreamed>(dst + i * kVecBytes, mixing(Load(dst + i * kVecBytes), quads.part[i]));
@@ -191,28 +207,38 @@ static void MixIntoTitle(const ImageDescriptor& dst, const ImageDescriptor& src,
     RunPicture(dst, src, mix, dst.width, TitleStep<Reader, Mixing>{Reader(src), Mixing(mix)});
 }
 
+/// An opaque source at full opacity: scaling by 256 / 256 leaves the colour alone.
+template <class Reader>
+static void MoveIntoTitle(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+    if (mix.regionAlpha == 255)
+        MixIntoTitle<Reader, SetAlpha>(dst, src, mix);
+    else
+        MixIntoTitle<Reader, MoveOpaque>(dst, src, mix);
+}
+
 }  // namespace PIXMORPH_SIMD
 
-#define PIXMORPH_TITLE_FORM(name, reader, mixing)                                                                \
+#define PIXMORPH_TITLE_FORM(name, ...)                                                                           \
     void PIXMORPH_SIMD_NAME(name)(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) { \
-        PIXMORPH_SIMD::MixIntoTitle<PIXMORPH_SIMD::reader, PIXMORPH_SIMD::mixing>(dst, src, mix);                \
+        using namespace PIXMORPH_SIMD;                                                                           \
+        __VA_ARGS__(dst, src, mix);                                                                              \
     }
 
-PIXMORPH_TITLE_FORM(MovTitleBgra, BgraReader, MoveLayer)
-PIXMORPH_TITLE_FORM(MovTitleBgr, BgrReader, MoveOpaque)
-PIXMORPH_TITLE_FORM(MovTitleUyvy, UyvyReader, MoveOpaque)
-PIXMORPH_TITLE_FORM(MovTitleYuy2, Yuy2Reader, MoveOpaque)
-PIXMORPH_TITLE_FORM(MovTitleYvyu, YvyuReader, MoveOpaque)
-PIXMORPH_TITLE_FORM(NPTitleBgra, BgraReader, ScaleAlpha)
-PIXMORPH_TITLE_FORM(NPTitleUyvy, UyvyReader, SetAlpha)
-PIXMORPH_TITLE_FORM(NPTitleYuy2, Yuy2Reader, SetAlpha)
-PIXMORPH_TITLE_FORM(NPTitleYvyu, YvyuReader, SetAlpha)
-PIXMORPH_TITLE_FORM(AddTitleBgra, BgraReader, AddLayer)
-PIXMORPH_TITLE_FORM(AddTitleBgr, BgrReader, AddOpaque)
-PIXMORPH_TITLE_FORM(AddTitleUyvy, UyvyReader, AddOpaque)
-PIXMORPH_TITLE_FORM(AddTitleYuy2, Yuy2Reader, AddOpaque)
-PIXMORPH_TITLE_FORM(AddTitleYvyu, YvyuReader, AddOpaque)
-PIXMORPH_TITLE_FORM(TitleToImage, BgraReader, Straighten)
+PIXMORPH_TITLE_FORM(MovTitleBgra, MixIntoTitle<BgraReader, MoveLayer>)
+PIXMORPH_TITLE_FORM(MovTitleBgr, MoveIntoTitle<BgrReader>)
+PIXMORPH_TITLE_FORM(MovTitleUyvy, MoveIntoTitle<UyvyReader>)
+PIXMORPH_TITLE_FORM(MovTitleYuy2, MoveIntoTitle<Yuy2Reader>)
+PIXMORPH_TITLE_FORM(MovTitleYvyu, MoveIntoTitle<YvyuReader>)
+PIXMORPH_TITLE_FORM(NPTitleBgra, MixIntoTitle<BgraReader, ScaleAlpha>)
+PIXMORPH_TITLE_FORM(NPTitleUyvy, MixIntoTitle<UyvyReader, SetAlpha>)
+PIXMORPH_TITLE_FORM(NPTitleYuy2, MixIntoTitle<Yuy2Reader, SetAlpha>)
+PIXMORPH_TITLE_FORM(NPTitleYvyu, MixIntoTitle<YvyuReader, SetAlpha>)
+PIXMORPH_TITLE_FORM(AddTitleBgra, MixIntoTitle<BgraReader, AddLayer>)
+PIXMORPH_TITLE_FORM(AddTitleBgr, MixIntoTitle<BgrReader, AddOpaque>)
+PIXMORPH_TITLE_FORM(AddTitleUyvy, MixIntoTitle<UyvyReader, AddOpaque>)
+PIXMORPH_TITLE_FORM(AddTitleYuy2, MixIntoTitle<Yuy2Reader, AddOpaque>)
+PIXMORPH_TITLE_FORM(AddTitleYvyu, MixIntoTitle<YvyuReader, AddOpaque>)
+PIXMORPH_TITLE_FORM(TitleToImage, MixIntoTitle<BgraReader, Straighten>)
 
 #undef PIXMORPH_TITLE_FORM
 

@@ -47,9 +47,7 @@ std::uint8_t* SampleAt(const TestPicture& picture, Channel channel, std::uint32_
     }
 }
 
-std::uint8_t RoundedMean(int a, int b) {
-    return static_cast<std::uint8_t>((a + b + 1) / 2);
-}
+std::uint8_t RoundedMean(int a, int b) { return static_cast<std::uint8_t>((a + b + 1) / 2); }
 
 // The chroma sample that a destination has at (x, y), from the lines of the source.
 std::uint8_t ExpectedChroma(const TestPicture& src, bool toShared, Channel channel, std::uint32_t x, std::uint32_t y) {
@@ -182,19 +180,30 @@ TEST(Reorder, CasesCoverEverySlotOnce) {
 }
 
 TEST(Reorder, PackedFormatsConvertInPlace) {
+    struct Shape {
+        std::uint32_t width;
+        bool isLarge;  // Too large for the cache: written past it.
+        PictureLayout layout;
+    };
+    static constexpr Shape kShapes[] = {{2, false, {8, false, 4}},   {6, false, {8, true, 4}},
+                                        {30, false, {8, false, 4}},  {34, false, {8, false, 4}},
+                                        {126, false, {8, true, 4}},  {254, false, {8, false, 4}},
+                                        {256, true, {64, false, 0}}, {262, true, {8, false, 4}}};
     for (const ReorderCase& c : kReorderCases) {
         if (c.from > km::FMT_YVYU || c.to > km::FMT_YVYU) continue;
         for (const std::uint32_t level : FeatureLevels()) {
             const RestrictedFeatures restricted(level);
-            for (const std::uint32_t width : {2, 6, 30, 34, 126, 254}) {
-                TestPicture src(c.from, width, 3, {8, false, 4});
-                src.Fill(Fill::Random, width);
-                TestPicture expected(c.to, width, 3, {8, false, 4});
+            for (const Shape& shape : kShapes) {
+                const std::size_t rows = shape.isLarge ? km::GetCacheSize() / 2 / (2 * shape.width) + 3 : 3;
+                const auto height = static_cast<std::uint32_t>(rows);
+                TestPicture src(c.from, shape.width, height, shape.layout);
+                src.Fill(Fill::Random, shape.width);
+                TestPicture expected(c.to, shape.width, height, shape.layout);
                 FillExpected(expected, src);
                 km::ImageDescriptor dst = src.Desc();
                 dst.format = c.to;
                 (*c.slot)(dst, src.Desc());
-                EXPECT_EQ(src.FirstDifference(expected), "") << c.slot->Name() << " width " << width;
+                EXPECT_EQ(src.FirstDifference(expected), "") << c.slot->Name() << " width " << shape.width;
                 EXPECT_TRUE(src.GuardsIntact());
             }
         }

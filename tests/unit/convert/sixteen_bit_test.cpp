@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "convert/conversion_dispatch.h"
+#include "foundation/block_ops.h"
 #include "support/features.h"
 #include "support/picture.h"
 
@@ -141,6 +142,33 @@ INSTANTIATE_TEST_SUITE_P(SixteenBit, LeftJustified,
                          testing::Values(DepthPair{km::FMT_UYVY, km::FMT_P216}, DepthPair{km::FMT_YUY2, km::FMT_P216},
                                          DepthPair{km::FMT_NV12, km::FMT_P216}, DepthPair{km::FMT_UYVY, km::FMT_P016},
                                          DepthPair{km::FMT_YUY2, km::FMT_P016}, DepthPair{km::FMT_NV12, km::FMT_P016}));
+
+// Frames that do not fit the cache are written another way where lines start at cache lines.
+TEST(SixteenBit, LargeFramesAreTheSameAtEveryLevel) {
+    constexpr std::uint32_t kWide = 1024;
+    const auto height = static_cast<std::uint32_t>(km::CachedCountLimit() / kWide / 2 * 2 + 4);
+    for (const auto& [dstFormat, srcFormat] :
+         {DepthPair{km::FMT_UYVY, km::FMT_P216}, DepthPair{km::FMT_YUY2, km::FMT_P016},
+          DepthPair{km::FMT_UYVY, km::FMT_S422}, DepthPair{km::FMT_YUY2, km::FMT_S420},
+          DepthPair{km::FMT_NV12, km::FMT_P216}, DepthPair{km::FMT_NV12, km::FMT_P016},
+          DepthPair{km::FMT_Y422, km::FMT_S422}, DepthPair{km::FMT_I420, km::FMT_S420}}) {
+        TestPicture src(srcFormat, kWide, height, {}, 0, 2);
+        src.Fill(Fill::Random, dstFormat);
+        for (const PictureLayout& layout : {PictureLayout{}, {64, true, 0}, {0, false, 4}}) {
+            TestPicture expected(dstFormat, kWide, height, layout), actual(dstFormat, kWide, height, layout);
+            {
+                const RestrictedFeatures restricted(km::FEATURES_PLAIN);
+                ASSERT_EQ(km::ImageConversionDispatch(&expected.Desc(), &src.Desc()), km::IMG_OK);
+            }
+            for (const std::uint32_t level : FeatureLevels()) {
+                const RestrictedFeatures restricted(level);
+                ASSERT_EQ(km::ImageConversionDispatch(&actual.Desc(), &src.Desc()), km::IMG_OK);
+                EXPECT_EQ(actual.FirstDifference(expected), "") << srcFormat << " at level " << level;
+                EXPECT_TRUE(actual.GuardsIntact());
+            }
+        }
+    }
+}
 
 // One word everywhere, as one byte everywhere.
 int ByteOfWord(std::uint32_t srcFormat, std::uint16_t word, std::uint8_t extraBits) {

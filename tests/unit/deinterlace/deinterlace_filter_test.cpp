@@ -78,10 +78,10 @@ TEST(DeinterlaceFilter, MatchesTheSlowFormInEveryFormatAndMode) {
         for (const std::uint32_t format : kNativeFormats) {
             for (const std::uint32_t mode : {0u, 1u, 2u, 3u}) {
                 for (const std::uint32_t structure : {5u, 6u}) {
+                    ++seed;
                     const std::uint32_t width = 32 + 2 * (seed * 7 % 90);
                     const std::uint32_t height = 4 + 4 * (seed % 20);
-                    const Scene scene(format, width, height, ++seed,
-                                      {static_cast<int>(seed % 3) * 12, seed % 2 == 0, 0});
+                    const Scene scene(format, width, height, seed, {static_cast<int>(seed % 3) * 12, seed % 2 == 0, 0});
                     Filter filter(mode, 1 + seed % 4);
                     scene.Give(filter.operator->(), structure);
                     for (const std::uint32_t fieldIntact : {0u, 1u, 2u, 3u}) {
@@ -242,6 +242,45 @@ TEST(DeinterlaceFilter, WorkedColumn) {
     EXPECT_EQ(middle(2), 55);
     EXPECT_EQ(middle(0), 50);
     EXPECT_EQ(middle(6), 75);
+}
+
+// Frames large enough that several threads copy them into the history.
+TEST(DeinterlaceFilter, LargeFrames) {
+    for (const std::uint32_t format : {+km::FMT_UYVY, +km::FMT_I420, +km::FMT_IMC2, +km::FMT_Y422}) {
+        const Scene scene(format, 720, 576, 50 + format, {16, format == km::FMT_UYVY, 0});
+        for (const std::uint32_t threads : {1u, 4u}) {
+            Filter filter(0, threads);
+            scene.Give(filter.operator->(), 5);
+            TestPicture output(format, 720, 576);
+            ASSERT_EQ(filter->GetFrame(output.Desc(), 0), km::IMG_OK);
+            EXPECT_EQ(output.FirstDifference(scene.Expected(output, {true, 0, true})), "") << format;
+        }
+    }
+    km::ImageDescriptor missing;
+    missing.format = km::FMT_UYVY;
+    missing.width = 720;
+    missing.height = 576;
+    Filter filter;
+    EXPECT_EQ(filter->SetSourceFrame(missing, 5), km::IMG_E_NULL_ARG);
+}
+
+// Every format that the history holds can be had in another one.
+TEST(DeinterlaceFilter, NativeFormatsAreConvertedOnTheWayOut) {
+    for (const std::uint32_t format : kNativeFormats) {
+        const std::uint32_t wanted = format == km::FMT_UYVY   ? +km::FMT_YUY2
+                                     : format == km::FMT_Y444 ? +km::FMT_BGR
+                                                              : +km::FMT_UYVY;
+        const Scene scene(format, 64, 32, 70 + format);
+        Filter filter;
+        scene.Give(filter.operator->(), 6);
+        TestPicture direct(format, 64, 32);
+        TestPicture expected(wanted, 64, 32);
+        TestPicture actual(wanted, 64, 32);
+        ASSERT_EQ(filter->GetFrame(direct.Desc(), 3), km::IMG_OK);
+        ASSERT_EQ(km::ImageConversionDispatch(&expected.Desc(), &direct.Desc()), km::IMG_OK) << format;
+        ASSERT_EQ(filter->GetFrame(actual.Desc(), 3), km::IMG_OK) << format;
+        EXPECT_EQ(actual.FirstDifference(expected), "") << format;
+    }
 }
 
 TEST(DeinterlaceFilter, OtherFormatsGoThroughUyvy) {

@@ -258,9 +258,9 @@ TEST(FieldRestoration, ChromaFollowsOnePixelEach) {
     fields.next.Set(5, 0, {60, 100, 100});
     Frame frame(16, 4);
     ASSERT_EQ(Restore(frame, fields, true, 0, 0), km::IMG_OK);
-    const long y = 76284L * 50;
-    const auto blue = [y](long u) { return Clamped(Floored(y + 132252 * u - 18116032, 65536)); };
-    const auto red = [y](long v) { return Clamped(Floored(y + 104595 * v - 14575936, 65536)); };
+    constexpr long kLuma = 76284L * 50;
+    const auto blue = [](long u) { return Clamped(Floored(kLuma + 132252 * u - 18116032, 65536)); };
+    const auto red = [](long v) { return Clamped(Floored(kLuma + 104595 * v - 14575936, 65536)); };
     EXPECT_EQ(frame.At(2, 1)[0], blue(140));
     EXPECT_EQ(frame.At(2, 1)[2], red(100));
     EXPECT_EQ(frame.At(5, 1)[0], blue(100));

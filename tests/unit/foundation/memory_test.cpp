@@ -7,8 +7,10 @@
 #include "foundation/aligned_memory.h"
 
 // Sanitizers would end the program where an allocation is refused.
-extern "C" const char* __asan_default_options() { return "allocator_may_return_null=1"; }
-extern "C" const char* __tsan_default_options() { return "allocator_may_return_null=1"; }
+extern "C" {
+__attribute__((visibility("default"))) const char* __asan_default_options() { return "allocator_may_return_null=1"; }
+__attribute__((visibility("default"))) const char* __tsan_default_options() { return "allocator_may_return_null=1"; }
+}
 
 namespace {
 
