@@ -103,6 +103,7 @@ std::uint32_t TextWidth(std::string_view text, std::uint32_t height) {
 
 void DrawText(Picture& picture, std::string_view text, std::int32_t left, std::int32_t top, std::uint32_t height,
               Colour colour) {
+    if (height == 0) return;
     const float dots = static_cast<float>(kRows) / static_cast<float>(height);
     const auto width = static_cast<std::int32_t>(TextWidth(text, height));
     // One dot more on each side: the hills of the outermost dots reach half a dot beyond them.

@@ -118,7 +118,8 @@ void TitleStage::DrawLayers(std::uint32_t width, std::uint32_t height) {
     crawlText_ = Layer(once + width, crawlPlace_.height);
     for (std::uint32_t x = 0; x < once + width; x += once)
         DrawText(crawlText_, script_.crawl, static_cast<std::int32_t>(x),
-                 static_cast<std::int32_t>((crawlPlace_.height - letters) / 2), letters, {255, 255, 255});
+                 (static_cast<std::int32_t>(crawlPlace_.height) - static_cast<std::int32_t>(letters)) / 2, letters,
+                 {255, 255, 255});
 }
 
 void TitleStage::Compose(double time) {

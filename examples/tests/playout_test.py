@@ -224,6 +224,14 @@ class Pictures(unittest.TestCase):
         self.assertGreater(width, 1900)
         self.assertGreater(len(set(lines[height // 4])), 50)
 
+    def test_smallest_and_uneven_sizes(self):
+        """Nothing of the title fits any more, and nothing breaks."""
+        for scene, size in (("32x16", "32x16"), ("34x18", "46x22"), ("64x48", "50x34"), ("48x400", "34x302"), ("400x32", "402x18")):
+            self.playout("--scene", scene, "--size", size, "--frames", 2, "--fade", 0, "--stills", "--double-rate")
+            video = Y4m(self.read("playout.y4m"))
+            self.assertEqual((f"{video.width}x{video.height}", len(video.frames)), (size, 4))
+            read_streams(self.read("playout.rle"), video.width // 16 * 16, video.height)
+
     def test_key_stream(self):
         self.playout("--scene", "640x368", "--size", "320x184", "--frames", 2, "--fade", 0)
         keys = read_streams(self.read("playout.rle"), 320, 184)

@@ -172,8 +172,11 @@ protected:
                                                            source.strides, width, height, to.number, from.number)
                                    : single_->Pixmorph(destination.pointers[0], source.pointers[0], width, height,
                                                        destination.stride, source.stride, to.number, from.number);
-        // Planes cannot be derived for the semi-planar 16-bit 4:2:0 format.
-        const bool derivable = allPlanes || ((to.number & 31) != 28 && (from.number & 31) != 28);
+        // Planes cannot be derived for the semi-planar 16-bit 4:2:0 format, nor where 16-bit 4:2:2 goes into a block
+        // format, which means three planes to that path.
+        const bool toBlocks = (to.number >= 1 && to.number <= 4) || to.number == 12 || to.number == 13;
+        const bool derivable = allPlanes || ((to.number & 31) != 28 && (from.number & 31) != 28 &&
+                                             !(toBlocks && from.number >= 31 && (from.number & 31) == 31));
         if (possible != S_OK)
             EXPECT_EQ(result, possible) << to.number << " from " << from.number;
         else if (fine && derivable)
@@ -270,7 +273,8 @@ protected:
         const HRESULT stretched =
             stretch_->StretchImage(destination.pointers[0], source.pointers[0], toWidth, toHeight, width, height,
                                    destination.stride & ~1, source.stride & ~1, layout.number);
-        if (!possible && (width != toWidth || height != toHeight)) {
+        const bool known = layout.number != 9 && layout.number != 200;
+        if (!known || (!possible && (width != toWidth || height != toHeight))) {
             EXPECT_EQ(stretched, E_FAIL) << layout.number;
         } else if (fine) {
             EXPECT_EQ(stretched, S_OK) << layout.number << ' ' << width << 'x' << height << " to " << toWidth << 'x'
@@ -530,23 +534,23 @@ private:
 };
 
 TEST_F(LongRun, MixedCallsKeepToTheirMemoryAndLeaveNothingBehind) {
-    // Memory is measured while no object lives, so that what grows with use and stays is seen, however little it is.
-    const auto round = [&](int calls) {
+    // The same calls run three times, the first time to warm up. Memory is measured while no object lives: what is in
+    // use after the third time and was not after the second has been left behind by some call, however little it is.
+    const auto run = [&] {
+        random_ = Random(20240229);
         MakeObjects();
-        if (!HasFatalFailure()) Calls(calls);
+        if (!HasFatalFailure()) Calls(10000);
         DropObjects();
         EXPECT_EQ(DllCanUnloadNow(), S_OK);
         return BytesInUse();
     };
-    constexpr int kWarmUp = 3000;
-    constexpr int kRounds = 4;
-    constexpr int kCallsPerRound = 2500;
-    const std::size_t atFirst = round(kWarmUp);
-    std::size_t atLast = 0;
-    for (int i = 0; i < kRounds && !HasFailure(); ++i) atLast = round(kCallsPerRound);
+    run();
+    const std::size_t before = run();
+    const std::size_t after = run();
     ASSERT_FALSE(HasFailure());
-    // Allocators keep some freed blocks in caches that count as used: 8 bytes a call would be more than they vary by.
-    EXPECT_LE(atLast, atFirst + std::size_t{8} * kRounds * kCallsPerRound) << "bytes in use grew from " << atFirst;
+    // Which blocks the allocator keeps at hand depends a little on when threads end.
+    constexpr std::size_t kAllocatorNoise = 16384;
+    EXPECT_LE(after, before + kAllocatorNoise);
     EXPECT_GT(framesShown_, 100u) << "the run hardly reached the deinterlacer's filter";
 }
 
