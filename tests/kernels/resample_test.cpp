@@ -42,7 +42,9 @@ void CheckRowSlot(const RowSlot& slot, const LineKind (&kinds)[KindCount],
                   const std::uint32_t (&widths)[WidthCount][2]) {
     ByteGenerator generator(4711);
     for (const LineKind kind : kinds) {
-        for (const auto& [from, to] : widths) {
+        for (const auto& sizes : widths) {
+            const std::uint32_t from = sizes[0];
+            const std::uint32_t to = sizes[1];
             const std::shared_ptr<const RowPlan> plan = MakeRowPlan(kind, from, to);
             for (const Fill fill : kFills) {
                 TestPlane src(LineBytes(kind, from), 1, {0, false, static_cast<int>(generator.Below(64))});
@@ -84,7 +86,9 @@ TEST(ResampleKernels, AreaRow16) { CheckRowSlot(AreaRow16, kWordKinds, kAreaWidt
 TEST(ResampleKernels, HalveRows8) {
     ByteGenerator generator(4712);
     for (const LineKind kind : kByteKinds) {
-        for (const auto& [from, to] : kMeanWidths) {
+        for (const auto& sizes : kMeanWidths) {
+            const std::uint32_t from = sizes[0];
+            const std::uint32_t to = sizes[1];
             const std::shared_ptr<const RowPlan> plan = MakeRowPlan(kind, from, to);
             for (const Fill fill : kFills) {
                 TestPlane src(LineBytes(kind, from), 2, {static_cast<int>(generator.Below(40)), false, 3});
@@ -153,7 +157,9 @@ TEST(ResampleKernels, AreaRows) {
     static constexpr std::uint32_t kHeights[][2] = {
         {3, 2},    {15, 8}, {9, 4},   {3, 1},  {4, 1},      {5, 1},      {16, 9}, {128, 127},    {128, 9},
         {129, 65}, {26, 1}, {130, 5}, {20, 3}, {1000, 960}, {1080, 719}, {8, 1},  {40000, 39999}};
-    for (const auto& [from, to] : kHeights) {
+    for (const auto& sizes : kHeights) {
+        const std::uint32_t from = sizes[0];
+        const std::uint32_t to = sizes[1];
         const AreaScale scale = MakeAreaScale(from, to);
         for (const std::uint32_t index : {0u, 1u, to / 2, to - 1}) {
             if (index >= to) continue;
