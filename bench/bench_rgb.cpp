@@ -2,16 +2,11 @@
 // fewer bits; the work from the caller's point of view is the same.
 #include "bench.h"
 #include "convert/rgb.h"
+#include "peer_swscale.h"
 
 #ifdef PIXMORPH_HAVE_LIBYUV
 #include <libyuv.h>
 #endif
-#ifdef PIXMORPH_HAVE_SWSCALE
-extern "C" {
-#include <libswscale/swscale.h>
-}
-#endif
-
 namespace pixmorph_bench {
 namespace {
 
@@ -98,22 +93,6 @@ const PictureBench kLibyuv[] = {
 #endif
 
 #ifdef PIXMORPH_HAVE_SWSCALE
-
-/// A conversion by swscale at 1920x1080, with accurate rounding and the default bicubic chroma filter.
-PictureFunction Swscale(AVPixelFormat to, AVPixelFormat from) {
-    return [to, from, context = static_cast<SwsContext*>(nullptr)](const ImageDescriptor& dst,
-                                                                   const ImageDescriptor& src) mutable {
-        const int width = static_cast<int>(src.width), height = static_cast<int>(src.height);
-        context = sws_getCachedContext(context, width, height, from, width, height, to, SWS_BICUBIC | SWS_ACCURATE_RND,
-                                       nullptr, nullptr, nullptr);
-        int srcStrides[4], dstStrides[4];
-        for (int i = 0; i < 4; ++i) {
-            srcStrides[i] = static_cast<int>(src.strides[i]);
-            dstStrides[i] = static_cast<int>(dst.strides[i]);
-        }
-        sws_scale(context, src.planes, srcStrides, 0, height, dst.planes, dstStrides);
-    };
-}
 
 const PictureBench kSwscale[] = {
     {"UyvyToBgra", "swscale", km::FMT_BGRA, km::FMT_UYVY, Swscale(AV_PIX_FMT_BGRA, AV_PIX_FMT_UYVY422)},

@@ -4,16 +4,11 @@
 #include "convert/luma_only.h"
 #include "convert/sixteen_bit.h"
 #include "convert/y41p.h"
+#include "peer_swscale.h"
 
 #ifdef PIXMORPH_HAVE_LIBYUV
 #include <libyuv.h>
 #endif
-#ifdef PIXMORPH_HAVE_SWSCALE
-extern "C" {
-#include <libswscale/swscale.h>
-}
-#endif
-
 namespace pixmorph_bench {
 namespace {
 
@@ -53,21 +48,6 @@ const PictureBench kLibyuv[] = {
 #endif
 
 #ifdef PIXMORPH_HAVE_SWSCALE
-
-PictureFunction Swscale(AVPixelFormat to, AVPixelFormat from) {
-    return [to, from, context = static_cast<SwsContext*>(nullptr)](const ImageDescriptor& dst,
-                                                                   const ImageDescriptor& src) mutable {
-        const int width = static_cast<int>(src.width), height = static_cast<int>(src.height);
-        context = sws_getCachedContext(context, width, height, from, width, height, to, SWS_BICUBIC | SWS_ACCURATE_RND,
-                                       nullptr, nullptr, nullptr);
-        int srcStrides[4], dstStrides[4];
-        for (int i = 0; i < 4; ++i) {
-            srcStrides[i] = static_cast<int>(src.strides[i]);
-            dstStrides[i] = static_cast<int>(dst.strides[i]);
-        }
-        sws_scale(context, src.planes, srcStrides, 0, height, dst.planes, dstStrides);
-    };
-}
 
 const PictureBench kSwscale[] = {
     {"P216ToUyvy", "swscale", km::FMT_UYVY, km::FMT_P216, Swscale(AV_PIX_FMT_UYVY422, AV_PIX_FMT_P216LE)},

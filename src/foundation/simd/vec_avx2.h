@@ -17,16 +17,6 @@ struct Vec {
 constexpr std::size_t kVecBytes = 32;
 constexpr int kVecLanes = 2;
 
-#define PIXMORPH_VEC_UNARY(name, op) \
-    static inline Vec name(Vec a) { return {op(a.v)}; }
-#define PIXMORPH_VEC_BINARY(name, op) \
-    static inline Vec name(Vec a, Vec b) { return {op(a.v, b.v)}; }
-#define PIXMORPH_VEC_SHIFT(name, op) \
-    template <int N>                 \
-    static inline Vec name(Vec a) {  \
-        return {op(a.v, N)};         \
-    }
-
 static inline Vec Load(const void* p) { return {_mm256_loadu_si256(static_cast<const __m256i*>(p))}; }
 static inline void Store(void* p, Vec a) { _mm256_storeu_si256(static_cast<__m256i*>(p), a.v); }
 static inline void StoreAligned(void* p, Vec a) { _mm256_store_si256(static_cast<__m256i*>(p), a.v); }

@@ -26,16 +26,6 @@ struct Vec {
 constexpr std::size_t kVecBytes = 64;
 constexpr int kVecLanes = 4;
 
-#define PIXMORPH_VEC_UNARY(name, op) \
-    static inline Vec name(Vec a) { return {op(a.v)}; }
-#define PIXMORPH_VEC_BINARY(name, op) \
-    static inline Vec name(Vec a, Vec b) { return {op(a.v, b.v)}; }
-#define PIXMORPH_VEC_SHIFT(name, op) \
-    template <int N>                 \
-    static inline Vec name(Vec a) {  \
-        return {op(a.v, N)};         \
-    }
-
 static inline Vec Load(const void* p) { return {_mm512_loadu_si512(p)}; }
 static inline void Store(void* p, Vec a) { _mm512_storeu_si512(p, a.v); }
 static inline void StoreAligned(void* p, Vec a) { _mm512_store_si512(p, a.v); }

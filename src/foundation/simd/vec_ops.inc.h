@@ -1,6 +1,17 @@
 // Operations that have the same name at every register width; included by vec_sse41.h, vec_avx2.h and vec_avx512.h.
-// Unpacks, packs, byte shuffles and byte shifts work within 128-bit lanes; FixPack, PreUnpack and FixUnpack restore memory
-// order where it matters.
+// Unpacks, packs, byte shuffles and byte shifts work within 128-bit lanes; FixPack, PreUnpack and FixUnpack restore
+// memory order where it matters.
+
+#define PIXMORPH_VEC_UNARY(name, op) \
+    static inline Vec name(Vec a) { return {op(a.v)}; }
+#define PIXMORPH_VEC_BINARY(name, op) \
+    static inline Vec name(Vec a, Vec b) { return {op(a.v, b.v)}; }
+#define PIXMORPH_VEC_SHIFT(name, op) \
+    template <int N>                 \
+    static inline Vec name(Vec a) {  \
+        return {op(a.v, N)};         \
+    }
+
 PIXMORPH_VEC_BINARY(Add8, PIXMORPH_VEC_OP(add_epi8))
 PIXMORPH_VEC_BINARY(Add16, PIXMORPH_VEC_OP(add_epi16))
 PIXMORPH_VEC_BINARY(Add32, PIXMORPH_VEC_OP(add_epi32))
@@ -27,8 +38,8 @@ PIXMORPH_VEC_BINARY(MulHigh16s, PIXMORPH_VEC_OP(mulhi_epi16))
 PIXMORPH_VEC_BINARY(MulHigh16u, PIXMORPH_VEC_OP(mulhi_epu16))
 PIXMORPH_VEC_BINARY(MulHighRound16, PIXMORPH_VEC_OP(mulhrs_epi16))  // (a * b + 0x4000) >> 15
 PIXMORPH_VEC_BINARY(MulLow32, PIXMORPH_VEC_OP(mullo_epi32))
-PIXMORPH_VEC_BINARY(MulAddPairs16, PIXMORPH_VEC_OP(madd_epi16))      // i16 pairs to i32
-PIXMORPH_VEC_BINARY(MulAddPairs8, PIXMORPH_VEC_OP(maddubs_epi16))    // u8 * i8 pairs to saturated i16
+PIXMORPH_VEC_BINARY(MulAddPairs16, PIXMORPH_VEC_OP(madd_epi16))    // i16 pairs to i32
+PIXMORPH_VEC_BINARY(MulAddPairs8, PIXMORPH_VEC_OP(maddubs_epi16))  // u8 * i8 pairs to saturated i16
 PIXMORPH_VEC_BINARY(Pack16To8s, PIXMORPH_VEC_OP(packs_epi16))
 PIXMORPH_VEC_BINARY(Pack16To8u, PIXMORPH_VEC_OP(packus_epi16))
 PIXMORPH_VEC_BINARY(Pack32To16s, PIXMORPH_VEC_OP(packs_epi32))

@@ -17,16 +17,6 @@ struct Vec {
 constexpr std::size_t kVecBytes = 16;
 constexpr int kVecLanes = 1;  // 128-bit lanes
 
-#define PIXMORPH_VEC_UNARY(name, op) \
-    static inline Vec name(Vec a) { return {op(a.v)}; }
-#define PIXMORPH_VEC_BINARY(name, op) \
-    static inline Vec name(Vec a, Vec b) { return {op(a.v, b.v)}; }
-#define PIXMORPH_VEC_SHIFT(name, op) \
-    template <int N>                 \
-    static inline Vec name(Vec a) {  \
-        return {op(a.v, N)};         \
-    }
-
 static inline Vec Load(const void* p) { return {_mm_loadu_si128(static_cast<const __m128i*>(p))}; }
 static inline void Store(void* p, Vec a) { _mm_storeu_si128(static_cast<__m128i*>(p), a.v); }
 static inline void StoreAligned(void* p, Vec a) { _mm_store_si128(static_cast<__m128i*>(p), a.v); }
