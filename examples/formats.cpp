@@ -1,6 +1,6 @@
 // Prints, in Markdown, what the library answers about itself: its classes and their interfaces, and which picture
 // formats convert into which. docs/formats.md holds this output; "formats --check docs/formats.md" tells whether it
-// still is right.
+// still is right. "formats --check-classes README.md" tells the same of the states in a table of classes.
 #include <pixmorph/pixmorph.h>
 
 #include <array>
@@ -170,6 +170,33 @@ std::string NumberTable(IColorConversion& conversion, IStretchImage& stretch) {
     return text;
 }
 
+// A page's table has a row for each class, or for several, whose first cell holds the names and whose last cell is
+// "works" for those that the library can make.
+int CheckClassStates(const char* path) {
+    std::ifstream file(path);
+    int wrong = 0;
+    std::array<bool, std::size(kClasses)> found{};
+    for (std::string line; std::getline(file, line);) {
+        if (line.rfind("| `", 0) != 0) continue;
+        const std::string names = line.substr(0, line.find('|', 1));
+        const bool works = line.size() > 8 && line.substr(line.size() - 8) == " works |";
+        for (std::size_t i = 0; i < std::size(kClasses); ++i) {
+            if (names.find(std::string("`").append(kClasses[i].name).append("`")) == std::string::npos) continue;
+            ComPtr<IUnknown> object;
+            found[i] = true;
+            if (SUCCEEDED(CreateInstance(kClasses[i].id, object)) == works) continue;
+            std::printf("%s is wrong about %s\n", path, kClasses[i].name);
+            ++wrong;
+        }
+    }
+    for (std::size_t i = 0; i < std::size(kClasses); ++i) {
+        if (found[i]) continue;
+        std::printf("%s says nothing about %s\n", path, kClasses[i].name);
+        ++wrong;
+    }
+    return wrong == 0 ? 0 : 1;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -190,6 +217,7 @@ int main(int argc, char** argv) {
         }
         return missing == 0 ? 0 : 1;
     }
+    if (argc == 3 && std::string(argv[1]) == "--check-classes") return CheckClassStates(argv[2]);
     for (const std::string& table : tables) std::printf("%s\n", table.c_str());
     return 0;
 }
