@@ -56,9 +56,7 @@ const PictureBench kCopies[] = {
 
 #ifdef PIXMORPH_HAVE_LIBYUV
 
-int Stride(const ImageDescriptor& desc, int plane) {
-    return static_cast<int>(desc.strides[plane]);
-}
+int Stride(const ImageDescriptor& desc, int plane) { return static_cast<int>(desc.strides[plane]); }
 
 using FromPacked = int(const std::uint8_t*, int, std::uint8_t*, int, std::uint8_t*, int, std::uint8_t*, int, int, int);
 using FromPackedToPairs = int(const std::uint8_t*, int, std::uint8_t*, int, std::uint8_t*, int, int, int);

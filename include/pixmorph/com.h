@@ -46,24 +46,29 @@ constexpr bool operator!=(const GUID& a, const GUID& b) noexcept { return !(a ==
 /// Outcome of every component method: negative values are failures.
 using HRESULT = std::int32_t;
 
-inline constexpr HRESULT S_OK = 0;                                          ///< The method did what it says.
-inline constexpr HRESULT S_FALSE = 1;                                       ///< "No", from DllCanUnloadNow.
-inline constexpr HRESULT E_PENDING = static_cast<HRESULT>(0x8000000A);      ///< More input is needed before there is a result.
-inline constexpr HRESULT E_NOTIMPL = static_cast<HRESULT>(0x80004001);      ///< A reserved slot, or a call before Initialize.
-inline constexpr HRESULT E_NOINTERFACE = static_cast<HRESULT>(0x80004002);  ///< The object lacks the interface asked for.
-inline constexpr HRESULT E_POINTER = static_cast<HRESULT>(0x80004003);      ///< A result pointer is null.
-inline constexpr HRESULT E_FAIL = static_cast<HRESULT>(0x80004005);         ///< The engine refused or failed.
+inline constexpr HRESULT S_OK = 0;     ///< The method did what it says.
+inline constexpr HRESULT S_FALSE = 1;  ///< "No", from DllCanUnloadNow.
+inline constexpr HRESULT E_PENDING =
+    static_cast<HRESULT>(0x8000000A);  ///< More input is needed before there is a result.
+inline constexpr HRESULT E_NOTIMPL =
+    static_cast<HRESULT>(0x80004001);  ///< A reserved slot, or a call before Initialize.
+inline constexpr HRESULT E_NOINTERFACE =
+    static_cast<HRESULT>(0x80004002);                                   ///< The object lacks the interface asked for.
+inline constexpr HRESULT E_POINTER = static_cast<HRESULT>(0x80004003);  ///< A result pointer is null.
+inline constexpr HRESULT E_FAIL = static_cast<HRESULT>(0x80004005);     ///< The engine refused or failed.
 inline constexpr HRESULT E_UNEXPECTED = static_cast<HRESULT>(0x8000FFFF);   ///< The object is in no state for the call.
 inline constexpr HRESULT E_OUTOFMEMORY = static_cast<HRESULT>(0x8007000E);  ///< Memory could not be had.
 inline constexpr HRESULT E_INVALIDARG = static_cast<HRESULT>(0x80070057);   ///< An argument is out of range or unknown.
-inline constexpr HRESULT CLASS_E_NOAGGREGATION = static_cast<HRESULT>(0x80040110);      ///< Aggregation asked for wrongly.
-inline constexpr HRESULT CLASS_E_CLASSNOTAVAILABLE = static_cast<HRESULT>(0x80040111);  ///< The class identifier is unknown.
+inline constexpr HRESULT CLASS_E_NOAGGREGATION = static_cast<HRESULT>(0x80040110);  ///< Aggregation asked for wrongly.
+inline constexpr HRESULT CLASS_E_CLASSNOTAVAILABLE =
+    static_cast<HRESULT>(0x80040111);  ///< The class identifier is unknown.
 
 constexpr bool SUCCEEDED(HRESULT result) noexcept { return result >= 0; }
 constexpr bool FAILED(HRESULT result) noexcept { return result < 0; }
 
 inline constexpr GUID IID_IUnknown = {0x00000000, 0x0000, 0x0000, {0xC0, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x46}};
-inline constexpr GUID IID_IClassFactory = {0x00000001, 0x0000, 0x0000, {0xC0, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x46}};
+inline constexpr GUID IID_IClassFactory = {
+    0x00000001, 0x0000, 0x0000, {0xC0, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x46}};
 
 #if defined(__GNUC__)
 // Interfaces have no destructor by contract: one would take slots of the table. Objects end by Release alone.

@@ -2,19 +2,22 @@
 //
 // Create an object of one of the classes below, ask it for an interface and call it with pointers, strides, sizes and
 // formats. Nothing is kept of a caller's memory after a call returns, except where a class says so (VideoDeinterlacer
-// keeps copies of three frames). One object is driven by one thread at a time; different objects run freely in parallel.
+// keeps copies of three frames). One object is driven by one thread at a time; different objects run freely in
+// parallel.
 //
 // What holds everywhere:
 //  - Sizes are in pixels and lines, strides in bytes from one line to the next. Strides are signed.
 //  - Pictures are trusted to be as large as their sizes and strides say; no byte outside them is read or written.
 //  - BGR and BGRA pictures are stored bottom-up: the pointer names the lowest line in memory, which is the bottom line
 //    of the picture. For a top-down picture pass the address of its last line and a negative stride, or, where a method
-//    says that it takes them, the formats PIXMORPH_BGR_TOP_DOWN and PIXMORPH_BGRA_TOP_DOWN. All other formats are stored
-//    top-down.
-//  - A method that takes arrays of planes takes four pointers and four strides. Those after the first may be null and 0:
+//    says that it takes them, the formats PIXMORPH_BGR_TOP_DOWN and PIXMORPH_BGRA_TOP_DOWN. All other formats are
+//    stored top-down.
+//  - A method that takes arrays of planes takes four pointers and four strides. Those after the first may be null and
+//  0:
 //    the further planes then follow the first directly, with strides derived from the first.
 //  - Results are the same to the bit on every processor and with every number of threads.
-//  - Methods return S_OK or a failure code; no exception leaves them. Where nothing else is stated a failure has written
+//  - Methods return S_OK or a failure code; no exception leaves them. Where nothing else is stated a failure has
+//  written
 //    nothing.
 //
 // The header compiles alone as C++17 and C++20.
@@ -46,15 +49,15 @@ enum PixmorphFormat : std::uint32_t {
     PIXMORPH_NV12_BT709 = 16,     ///< NV12 with the BT.709 matrix.
     PIXMORPH_BGR_TOP_DOWN = 17,   ///< B G R, top-down.
     PIXMORPH_BGRA_TOP_DOWN = 18,  ///< B G R A, top-down.
-    PIXMORPH_NV12 = 24,  ///< "NV12" (c): plane Y, plane of U V pairs, chroma halved in width and height.
-    PIXMORPH_IMC2 = 25,  ///< (c): 4:2:0, chroma lines of the luma stride, V in the left half and U in the right.
-    PIXMORPH_IMC4 = 26,  ///< (c): as IMC2 with U on the left. A source must have all its planes and strides given.
-    PIXMORPH_P216 = 27,  ///< (c): 16-bit words, plane Y, plane of U V pairs, 4:2:2, left-justified.
-    PIXMORPH_P016 = 28,  ///< (c): as P216 with chroma halved in height; its planes and strides must all be given.
-    PIXMORPH_P420 = 29,  ///< (c): 16-bit words, planes Y, U, V, 4:2:0, 10 bits right-justified.
-    PIXMORPH_Y422 = 30,  ///< (c): planes Y, U, V, chroma halved in width.
-    PIXMORPH_P422 = 31,  ///< (c): 16-bit words, planes Y, U, V, 4:2:2, 10 bits right-justified.
-    PIXMORPH_BT709 = 32,       ///< Added to a number marked (c): BT.709 at video levels.
+    PIXMORPH_NV12 = 24,           ///< "NV12" (c): plane Y, plane of U V pairs, chroma halved in width and height.
+    PIXMORPH_IMC2 = 25,   ///< (c): 4:2:0, chroma lines of the luma stride, V in the left half and U in the right.
+    PIXMORPH_IMC4 = 26,   ///< (c): as IMC2 with U on the left. A source must have all its planes and strides given.
+    PIXMORPH_P216 = 27,   ///< (c): 16-bit words, plane Y, plane of U V pairs, 4:2:2, left-justified.
+    PIXMORPH_P016 = 28,   ///< (c): as P216 with chroma halved in height; its planes and strides must all be given.
+    PIXMORPH_P420 = 29,   ///< (c): 16-bit words, planes Y, U, V, 4:2:0, 10 bits right-justified.
+    PIXMORPH_Y422 = 30,   ///< (c): planes Y, U, V, chroma halved in width.
+    PIXMORPH_P422 = 31,   ///< (c): 16-bit words, planes Y, U, V, 4:2:2, 10 bits right-justified.
+    PIXMORPH_BT709 = 32,  ///< Added to a number marked (c): BT.709 at video levels.
     PIXMORPH_FULL_RANGE = 96,  ///< Added to a number marked (c): BT.601 at full range.
 };
 
@@ -74,38 +77,58 @@ enum PixmorphFieldIntact : std::uint32_t {
 
 // Class identifiers.
 inline constexpr GUID CLSID_Pixmorph = {0x2ACC22E9, 0xB881, 0x4873, {0xBC, 0x39, 0xDE, 0x01, 0xDD, 0x49, 0x18, 0x5E}};
-inline constexpr GUID CLSID_StretchImage = {0x31E38A3B, 0x4457, 0x4227, {0x95, 0xB0, 0xAC, 0x73, 0x7D, 0xAC, 0x58, 0x3E}};
+inline constexpr GUID CLSID_StretchImage = {
+    0x31E38A3B, 0x4457, 0x4227, {0x95, 0xB0, 0xAC, 0x73, 0x7D, 0xAC, 0x58, 0x3E}};
 inline constexpr GUID CLSID_CopyMemory = {0x8EAE9EC1, 0x94D8, 0x4BC4, {0xAC, 0x19, 0xCA, 0x65, 0xEE, 0xC8, 0x25, 0xFE}};
 inline constexpr GUID CLSID_TitleMixer = {0xC98ABA7E, 0xD4E3, 0x4630, {0x96, 0x01, 0xC7, 0x32, 0x3F, 0x6F, 0xCE, 0x7A}};
-inline constexpr GUID CLSID_TitleMixer2 = {0xCE746614, 0xB7FD, 0x4A03, {0x94, 0x72, 0x60, 0xAA, 0xCE, 0xF3, 0x75, 0xB9}};
-inline constexpr GUID CLSID_TitleMixer3 = {0xC318E9A7, 0x4C90, 0x46F3, {0xB9, 0xE0, 0x68, 0x2D, 0x36, 0xF8, 0x7F, 0xE5}};
-inline constexpr GUID CLSID_Y16ARLECompressor = {0x0B5E501E, 0x4513, 0x4CA7, {0x81, 0xBB, 0xF0, 0x8E, 0x12, 0x9C, 0xA2, 0x7A}};
-inline constexpr GUID CLSID_DeinterlaceMaker = {0x6105D26A, 0x775A, 0x47A6, {0x9E, 0xB2, 0x32, 0x16, 0x39, 0xDD, 0x39, 0x8E}};
-inline constexpr GUID CLSID_VideoInterpolation = {0x6B16BA9E, 0xEDD1, 0x4D85, {0x98, 0xB0, 0xD0, 0x36, 0x40, 0x92, 0x5B, 0x7C}};
-inline constexpr GUID CLSID_VideoDeinterlacer = {0x1DFC1AAA, 0xD3E2, 0x4361, {0xB2, 0x65, 0x63, 0x32, 0xDD, 0x0E, 0x75, 0xF5}};
+inline constexpr GUID CLSID_TitleMixer2 = {
+    0xCE746614, 0xB7FD, 0x4A03, {0x94, 0x72, 0x60, 0xAA, 0xCE, 0xF3, 0x75, 0xB9}};
+inline constexpr GUID CLSID_TitleMixer3 = {
+    0xC318E9A7, 0x4C90, 0x46F3, {0xB9, 0xE0, 0x68, 0x2D, 0x36, 0xF8, 0x7F, 0xE5}};
+inline constexpr GUID CLSID_Y16ARLECompressor = {
+    0x0B5E501E, 0x4513, 0x4CA7, {0x81, 0xBB, 0xF0, 0x8E, 0x12, 0x9C, 0xA2, 0x7A}};
+inline constexpr GUID CLSID_DeinterlaceMaker = {
+    0x6105D26A, 0x775A, 0x47A6, {0x9E, 0xB2, 0x32, 0x16, 0x39, 0xDD, 0x39, 0x8E}};
+inline constexpr GUID CLSID_VideoInterpolation = {
+    0x6B16BA9E, 0xEDD1, 0x4D85, {0x98, 0xB0, 0xD0, 0x36, 0x40, 0x92, 0x5B, 0x7C}};
+inline constexpr GUID CLSID_VideoDeinterlacer = {
+    0x1DFC1AAA, 0xD3E2, 0x4361, {0xB2, 0x65, 0x63, 0x32, 0xDD, 0x0E, 0x75, 0xF5}};
 inline constexpr GUID CLSID_VideoCodec = {0xFC71E806, 0x15F0, 0x4A76, {0x9C, 0x82, 0xAF, 0xCB, 0x64, 0x84, 0x74, 0x16}};
 
 // Interface identifiers.
 inline constexpr GUID IID_IPixmorph = {0x7F399F71, 0xB8E5, 0x4AAC, {0x97, 0xD2, 0x92, 0x99, 0x1D, 0x67, 0x78, 0x66}};
-inline constexpr GUID IID_IColorConversion = {0x6B67CD22, 0x6EEF, 0x4CD7, {0x9F, 0x56, 0x1E, 0x76, 0x67, 0x62, 0xD3, 0xD1}};
-inline constexpr GUID IID_IPixmorphYUVPlanar = {0xEBC3AE44, 0x0A7C, 0x4BA5, {0xAF, 0x5D, 0x9E, 0xA4, 0x75, 0xC2, 0xDC, 0x11}};
-inline constexpr GUID IID_IPixmorphGamma = {0xD3A57963, 0x280A, 0x4BCA, {0x88, 0x1E, 0xDD, 0xCB, 0xF8, 0x32, 0xEF, 0x61}};
-inline constexpr GUID IID_IPixmorphToYUV420Planar = {0xB2038496, 0x09EA, 0x4DCD, {0xB1, 0x8F, 0x55, 0xFD, 0xB1, 0x81, 0xF4, 0x92}};
-inline constexpr GUID IID_IStretchImage = {0x076F9D3D, 0xD665, 0x41EC, {0x8D, 0xAE, 0x71, 0xD6, 0x79, 0xF9, 0xE1, 0x18}};
+inline constexpr GUID IID_IColorConversion = {
+    0x6B67CD22, 0x6EEF, 0x4CD7, {0x9F, 0x56, 0x1E, 0x76, 0x67, 0x62, 0xD3, 0xD1}};
+inline constexpr GUID IID_IPixmorphYUVPlanar = {
+    0xEBC3AE44, 0x0A7C, 0x4BA5, {0xAF, 0x5D, 0x9E, 0xA4, 0x75, 0xC2, 0xDC, 0x11}};
+inline constexpr GUID IID_IPixmorphGamma = {
+    0xD3A57963, 0x280A, 0x4BCA, {0x88, 0x1E, 0xDD, 0xCB, 0xF8, 0x32, 0xEF, 0x61}};
+inline constexpr GUID IID_IPixmorphToYUV420Planar = {
+    0xB2038496, 0x09EA, 0x4DCD, {0xB1, 0x8F, 0x55, 0xFD, 0xB1, 0x81, 0xF4, 0x92}};
+inline constexpr GUID IID_IStretchImage = {
+    0x076F9D3D, 0xD665, 0x41EC, {0x8D, 0xAE, 0x71, 0xD6, 0x79, 0xF9, 0xE1, 0x18}};
 inline constexpr GUID IID_IResizeImage = {0xFDCD0A0D, 0x95B5, 0x44E3, {0xA1, 0x53, 0xF6, 0xEC, 0x06, 0xF4, 0xC1, 0x62}};
 inline constexpr GUID IID_ICopyMemory = {0xA3EA29A5, 0x5FA1, 0x455A, {0x81, 0xB0, 0xBE, 0xC1, 0x0E, 0xC6, 0x17, 0x3D}};
 inline constexpr GUID IID_ITitleMixer = {0x9A0ABE85, 0x062D, 0x432A, {0x97, 0xC4, 0x08, 0x0E, 0x38, 0xCA, 0x55, 0x8B}};
 inline constexpr GUID IID_ITitleMixer2 = {0x765250E8, 0x39F2, 0x473D, {0xB0, 0xE2, 0x89, 0xA8, 0x23, 0xA8, 0xFC, 0x2A}};
 inline constexpr GUID IID_ITitleMixer3 = {0x47AEE8E0, 0x8BC8, 0x4AE1, {0xB4, 0x8D, 0x89, 0xE4, 0xD4, 0x1E, 0xAA, 0x5D}};
 inline constexpr GUID IID_ITitleMixer4 = {0x1E439B6C, 0x9634, 0x4714, {0x8A, 0x1D, 0x88, 0x8F, 0xAD, 0x20, 0xA0, 0x83}};
-inline constexpr GUID IID_IY16ARLECompressor = {0x8F29D605, 0xBC2A, 0x482E, {0x8A, 0x44, 0xC3, 0x2B, 0x42, 0x51, 0x73, 0x56}};
-inline constexpr GUID IID_IDeinterlaceMaker = {0x323C5C6C, 0x92A6, 0x4024, {0xA8, 0x0E, 0x03, 0xF7, 0x8E, 0xC4, 0x10, 0x5E}};
-inline constexpr GUID IID_IVideoInterpolation = {0x2017185A, 0xA785, 0x4573, {0x85, 0x03, 0xE0, 0xE7, 0xFF, 0xF1, 0xA1, 0xAF}};
-inline constexpr GUID IID_IVideoInterpolation2 = {0xCC50A4CB, 0x6906, 0x480A, {0x85, 0x5B, 0xA0, 0x91, 0xD1, 0x59, 0xDA, 0x61}};
-inline constexpr GUID IID_IVideoDeinterlacer = {0x90463ED7, 0x6A5D, 0x4480, {0x89, 0x68, 0x7D, 0xD1, 0xD9, 0x58, 0x9E, 0xF3}};
-inline constexpr GUID IID_IVideoCodecEnum = {0x802705BE, 0xAE52, 0x42D5, {0x8F, 0xDD, 0x5A, 0x88, 0xFB, 0xB2, 0x22, 0x97}};
-inline constexpr GUID IID_IVideoEncoder = {0x98E14A9E, 0x2340, 0x4DE8, {0x92, 0xBE, 0x4A, 0xB0, 0x33, 0xF8, 0x26, 0xD4}};
-inline constexpr GUID IID_IVideoDecoder = {0x292E7CEE, 0x412B, 0x4EC2, {0xAE, 0x5D, 0x7C, 0xE4, 0x9B, 0x80, 0x82, 0x9D}};
+inline constexpr GUID IID_IY16ARLECompressor = {
+    0x8F29D605, 0xBC2A, 0x482E, {0x8A, 0x44, 0xC3, 0x2B, 0x42, 0x51, 0x73, 0x56}};
+inline constexpr GUID IID_IDeinterlaceMaker = {
+    0x323C5C6C, 0x92A6, 0x4024, {0xA8, 0x0E, 0x03, 0xF7, 0x8E, 0xC4, 0x10, 0x5E}};
+inline constexpr GUID IID_IVideoInterpolation = {
+    0x2017185A, 0xA785, 0x4573, {0x85, 0x03, 0xE0, 0xE7, 0xFF, 0xF1, 0xA1, 0xAF}};
+inline constexpr GUID IID_IVideoInterpolation2 = {
+    0xCC50A4CB, 0x6906, 0x480A, {0x85, 0x5B, 0xA0, 0x91, 0xD1, 0x59, 0xDA, 0x61}};
+inline constexpr GUID IID_IVideoDeinterlacer = {
+    0x90463ED7, 0x6A5D, 0x4480, {0x89, 0x68, 0x7D, 0xD1, 0xD9, 0x58, 0x9E, 0xF3}};
+inline constexpr GUID IID_IVideoCodecEnum = {
+    0x802705BE, 0xAE52, 0x42D5, {0x8F, 0xDD, 0x5A, 0x88, 0xFB, 0xB2, 0x22, 0x97}};
+inline constexpr GUID IID_IVideoEncoder = {
+    0x98E14A9E, 0x2340, 0x4DE8, {0x92, 0xBE, 0x4A, 0xB0, 0x33, 0xF8, 0x26, 0xD4}};
+inline constexpr GUID IID_IVideoDecoder = {
+    0x292E7CEE, 0x412B, 0x4EC2, {0xAE, 0x5D, 0x7C, 0xE4, 0x9B, 0x80, 0x82, 0x9D}};
 
 #if defined(__GNUC__)
 #pragma GCC diagnostic push
@@ -176,9 +199,8 @@ struct IPixmorphGamma : IUnknown {
     /// @param nFormatDst, nFormatSrc  number or FourCC.
     /// @return S_OK; E_INVALIDARG for any other pair of formats; E_FAIL on an inner failure.
     virtual HRESULT PIXMORPH_CALL PixmorphGamma(void* lpvDst, const void* lpvSrc, std::uint32_t nWidth,
-                                                std::uint32_t nHeight, std::int32_t iStrideDst,
-                                                std::int32_t iStrideSrc, std::uint32_t nFormatDst,
-                                                std::uint32_t nFormatSrc) = 0;
+                                                std::uint32_t nHeight, std::int32_t iStrideDst, std::int32_t iStrideSrc,
+                                                std::uint32_t nFormatDst, std::uint32_t nFormatSrc) = 0;
     /// Fills the table with exponent 2.8. @return S_OK.
     virtual HRESULT PIXMORPH_CALL SetGammaPal() = 0;
     /// Fills the table with exponent 2.2. @return S_OK.
@@ -213,8 +235,10 @@ struct IPixmorphToYUV420Planar : IUnknown {
 
 /// Change of size within one format: area averaging to reduce, linear interpolation to enlarge.
 struct IStretchImage : IUnknown {
-    /// @param nWidthDst, nHeightDst, nWidthSrc, nHeightSrc  sizes in pixels; multiples of what the format shares chroma by.
-    /// @param nFormat  number or FourCC; the Y16 family, P216 and P016 cannot be resized. The top-down numbers are taken
+    /// @param nWidthDst, nHeightDst, nWidthSrc, nHeightSrc  sizes in pixels; multiples of what the format shares chroma
+    /// by.
+    /// @param nFormat  number or FourCC; the Y16 family, P216 and P016 cannot be resized. The top-down numbers are
+    /// taken
     ///                 as bottom-up here, which comes to the same.
     /// @return S_OK; E_FAIL for an unknown format, one that cannot be resized, or a size that it cannot have.
     virtual HRESULT PIXMORPH_CALL StretchImage(void* lpvDst, const void* lpvSrc, std::uint32_t nWidthDst,
@@ -230,8 +254,8 @@ struct IResizeImage : IUnknown {
                                               const std::uint8_t* const* pSrc, const std::int32_t* srcStride,
                                               std::uint32_t dstWidth, std::uint32_t dstHeight, std::uint32_t srcWidth,
                                               std::uint32_t srcHeight, std::uint32_t format) = 0;
-    /// Converts and resizes. The arrays are those of IColorConversion::Pixmorph with one difference: of `srcStride` only
-    /// the first entry is read, and it serves all source planes.
+    /// Converts and resizes. The arrays are those of IColorConversion::Pixmorph with one difference: of `srcStride`
+    /// only the first entry is read, and it serves all source planes.
     /// @return S_OK; E_FAIL when there is no path, a size cannot be had, or memory for the step between is missing.
     virtual HRESULT PIXMORPH_CALL ResizePixmorph(std::uint8_t* const* pDst, const std::int32_t* dstStride,
                                                  const std::uint8_t* const* pSrc, const std::int32_t* srcStride,
@@ -291,12 +315,13 @@ struct ITitleMixer : IUnknown {
     ///                        room needed is 48 bytes per visible group and 4 per new run.
     /// @param lpbSource       the title, BGRA.
     /// @param nWidth          pixels; a multiple of 16.
-    /// @param lpiCounter      in and out: points to the pointer to the current counter cell, which the caller has set up
+    /// @param lpiCounter      in and out: points to the pointer to the current counter cell, which the caller has set
+    /// up
     ///                        (to 0, normally right in front of the write position).
     /// @return S_OK always; with a null argument nothing is written.
     virtual HRESULT PIXMORPH_CALL CompressToRLE(std::uint8_t** lpbDestination, const std::uint8_t* lpbSource,
-                                                std::uint32_t nWidth, std::uint32_t nHeight,
-                                                std::int32_t iStrideSource, std::int32_t** lpiCounter) = 0;
+                                                std::uint32_t nWidth, std::uint32_t nHeight, std::int32_t iStrideSource,
+                                                std::int32_t** lpiCounter) = 0;
 };
 
 /// As ITitleMixer, with the uncompressed form of the groups. The first three methods are ITitleMixer's.
@@ -308,13 +333,13 @@ struct ITitleMixer2 : IUnknown {
                                            std::uint32_t nWidth, std::uint32_t nHeight, std::int32_t iStrideDst,
                                            std::int32_t iStrideSrc, std::uint32_t nRegionAlpha) = 0;
     virtual HRESULT PIXMORPH_CALL CompressToRLE(std::uint8_t** lpbDestination, const std::uint8_t* lpbSource,
-                                                std::uint32_t nWidth, std::uint32_t nHeight,
-                                                std::int32_t iStrideSource, std::int32_t** lpiCounter) = 0;
+                                                std::uint32_t nWidth, std::uint32_t nHeight, std::int32_t iStrideSource,
+                                                std::int32_t** lpiCounter) = 0;
     /// Writes the 48-byte record of every 16 pixels of a premultiplied BGRA title, without counters and with clamped
     /// chroma. A destination row holds 48 bytes per 16 pixels. @return S_OK always.
     virtual HRESULT PIXMORPH_CALL Convert4CableTV(std::uint8_t* pbDestination, const std::uint8_t* pbSource,
-                                                  std::uint32_t nWidth, std::uint32_t nHeight,
-                                                  std::int32_t iStrideDest, std::int32_t iStrideSource) = 0;
+                                                  std::uint32_t nWidth, std::uint32_t nHeight, std::int32_t iStrideDest,
+                                                  std::int32_t iStrideSource) = 0;
 };
 
 /// Title mixing with conversion of images on the way. The first three methods are ITitleMixer's.
@@ -326,8 +351,8 @@ struct ITitleMixer3 : IUnknown {
                                            std::uint32_t nWidth, std::uint32_t nHeight, std::int32_t iStrideDst,
                                            std::int32_t iStrideSrc, std::uint32_t nRegionAlpha) = 0;
     virtual HRESULT PIXMORPH_CALL CompressToRLE(std::uint8_t** lpbDestination, const std::uint8_t* lpbSource,
-                                                std::uint32_t nWidth, std::uint32_t nHeight,
-                                                std::int32_t iStrideSource, std::int32_t** lpiCounter) = 0;
+                                                std::uint32_t nWidth, std::uint32_t nHeight, std::int32_t iStrideSource,
+                                                std::int32_t** lpiCounter) = 0;
     /// Makes the first, premultiplied layer of a title from an image: BGR, BGRA (as MovTitle), UYVY, YUY2 or YVYU.
     /// @param imageFormat  public number of the source. @return S_OK; E_FAIL for another format or an odd 4:2:2 width.
     virtual HRESULT PIXMORPH_CALL PixmorphToTitle(std::uint8_t* pbDstTitle, const std::uint8_t* pbSrcImage,
@@ -398,17 +423,17 @@ struct IY16ARLECompressor : IUnknown {
     /// @param nTypeSource     PIXMORPH_Y16A (top-down) or PIXMORPH_BGRA (bottom-up).
     /// @return S_OK; E_INVALIDARG for a null argument, a width below 16, a height of 0 or another source type.
     virtual HRESULT PIXMORPH_CALL Compress(void** lpvDestination, const void* lpvSource, std::uint32_t nWidth,
-                                           std::uint32_t nHeight, std::int32_t iStrideSource,
-                                           std::int32_t** lpiCounter, std::uint32_t nTypeSource) = 0;
+                                           std::uint32_t nHeight, std::int32_t iStrideSource, std::int32_t** lpiCounter,
+                                           std::uint32_t nTypeSource) = 0;
 };
 
 // -------------------------------------------------------------------------------------- class DeinterlaceMaker
 
 /// Rebuilds the missing field of a frame from three fields. Fields are Y16 (or Y16A for the Alpha forms) of
 /// `nFieldWidth` pixels (whole groups of 16 are processed) by `nFieldHeight` lines; the destination is BGRA, bottom-up,
-/// of twice the height. Where the previous and the next field differ by at most `Kmin` their mean is taken, at `Kmax` or
-/// above the mean of the present field's neighbouring lines, in between a blend. Rebuilt lines have alpha 0 and lines of
-/// the present field alpha 255, except in the Alpha forms, which carry the fields' alpha.
+/// of twice the height. Where the previous and the next field differ by at most `Kmin` their mean is taken, at `Kmax`
+/// or above the mean of the present field's neighbouring lines, in between a blend. Rebuilt lines have alpha 0 and
+/// lines of the present field alpha 255, except in the Alpha forms, which carry the fields' alpha.
 struct IDeinterlaceMaker : IUnknown {
     /// The present field is the upper one (even lines). @return S_OK; E_FAIL on an inner failure.
     virtual HRESULT PIXMORPH_CALL RestoreLowerField(void* lpbDestination, const void* lpbSrcPrev,
@@ -476,7 +501,8 @@ struct IVideoInterpolation2 : IVideoInterpolation {
 /// up to four threads of its own. Output lags one frame behind input: after the third frame the second can be had.
 struct IVideoDeinterlacer : IUnknown {
     /// Starts anew, forgetting earlier frames.
-    /// @param mode  0 or 1: with the spatial check; 2 or 3: without. (1 and 3 are for callers that take two frames out of
+    /// @param mode  0 or 1: with the spatial check; 2 or 3: without. (1 and 3 are for callers that take two frames out
+    /// of
     ///              each source frame.)
     /// @return S_OK; E_INVALIDARG for a mode above 3; E_OUTOFMEMORY.
     virtual HRESULT PIXMORPH_CALL Initialize(std::uint32_t mode) = 0;
@@ -489,15 +515,15 @@ struct IVideoDeinterlacer : IUnknown {
     virtual HRESULT PIXMORPH_CALL SetSourceFrame(const std::uint8_t* const* pSrc, const std::int32_t* srcStride,
                                                  std::uint32_t srcWidth, std::uint32_t srcHeight,
                                                  std::uint32_t imageFormat, std::uint32_t imageStructure) = 0;
-    /// Makes the frame before the last one given, with one field kept and the other rebuilt. May be called several times
-    /// for one source frame. Widths are at least 16 samples in every plane.
+    /// Makes the frame before the last one given, with one field kept and the other rebuilt. May be called several
+    /// times for one source frame. Widths are at least 16 samples in every plane.
     /// @param imageFormat  number or FourCC of the output; it may differ from the source's.
     /// @param fieldIntact  PixmorphFieldIntact.
     /// @return S_OK; E_NOTIMPL before Initialize; E_PENDING with fewer than three frames; E_FAIL for a size other than
     ///         the source's, a picture too small or a format that cannot be deinterlaced.
     virtual HRESULT PIXMORPH_CALL GetFrame(std::uint8_t* const* pDst, const std::int32_t* dstStride,
-                                           std::uint32_t dstWidth, std::uint32_t dstHeight,
-                                           std::uint32_t imageFormat, std::uint32_t fieldIntact) = 0;
+                                           std::uint32_t dstWidth, std::uint32_t dstHeight, std::uint32_t imageFormat,
+                                           std::uint32_t fieldIntact) = 0;
 };
 
 #if defined(__GNUC__)

@@ -4,11 +4,11 @@
 #include "component/copy_memory.h"
 #include "component/deinterlace_maker.h"
 #include "component/pixmorph.h"
+#include "component/stretch_image.h"
 #include "component/title_mixer.h"
-#include "component/y16a_rle_compressor.h"
 #include "component/video_deinterlacer.h"
 #include "component/video_interpolation.h"
-#include "component/stretch_image.h"
+#include "component/y16a_rle_compressor.h"
 
 namespace KorvaneSoftware {
 
@@ -29,8 +29,6 @@ constexpr ComponentClass kClasses[] = {
 
 }  // namespace
 
-std::span<const ComponentClass> ComponentClasses() {
-    return kClasses;
-}
+std::span<const ComponentClass> ComponentClasses() { return kClasses; }
 
 }  // namespace KorvaneSoftware

@@ -28,12 +28,8 @@ void WriteChroma(const WriteLine& line, std::size_t pair, ChromaPair chroma) {
     Samples::Cr(line, pair) = chroma.v;
 }
 
-constexpr std::uint8_t Mean(std::uint8_t a, std::uint8_t b) {
-    return static_cast<std::uint8_t>((a + 1 + b) >> 1);
-}
-constexpr ChromaPair Mean(ChromaPair a, ChromaPair b) {
-    return {Mean(a.u, b.u), Mean(a.v, b.v)};
-}
+constexpr std::uint8_t Mean(std::uint8_t a, std::uint8_t b) { return static_cast<std::uint8_t>((a + 1 + b) >> 1); }
+constexpr ChromaPair Mean(ChromaPair a, ChromaPair b) { return {Mean(a.u, b.u), Mean(a.v, b.v)}; }
 
 /// Luma of a pixel pair; opaque alpha where the destination has some.
 template <class Dst>
@@ -120,9 +116,7 @@ void Reorder420To420(const ImageDescriptor& dst, const ImageDescriptor& src) {
 
 }  // namespace
 
-std::size_t ReorderCachedLimit() {
-    return GetCacheSize() / 2;
-}
+std::size_t ReorderCachedLimit() { return GetCacheSize() / 2; }
 
 #define PIXMORPH_REORDER_SLOT(name, kernel, from, to)                           \
     void name##_Plain(const ImageDescriptor& dst, const ImageDescriptor& src) { \

@@ -1,6 +1,6 @@
-// Every kernel of the reordering family once, as X(name, source samples, destination samples): the slots, the plain forms
-// and the vector forms are all generated from these lists. Pairs that differ from a listed one only by an exchange of
-// separate U and V planes have no kernel: the caller exchanges the planes.
+// Every kernel of the reordering family once, as X(name, source samples, destination samples): the slots, the plain
+// forms and the vector forms are all generated from these lists. Pairs that differ from a listed one only by an
+// exchange of separate U and V planes have no kernel: the caller exchanges the planes.
 #pragma once
 
 // Both sides have a chroma line for each picture line.

@@ -12,13 +12,9 @@ namespace {
 
 // Rounded mean of two samples in 8.8 form. Samples that come from bytes are multiples of 256, so their means, and the
 // means of those, are exact; the rounding shows only in samples that are 16-bit words from the start.
-std::uint32_t Mean(std::uint32_t a, std::uint32_t b) {
-    return (a + b + 1) >> 1;
-}
+std::uint32_t Mean(std::uint32_t a, std::uint32_t b) { return (a + b + 1) >> 1; }
 
-std::uint32_t Widen(std::uint8_t sample) {
-    return std::uint32_t{sample} << 8;
-}
+std::uint32_t Widen(std::uint8_t sample) { return std::uint32_t{sample} << 8; }
 
 // Sample `index` of a run of 16-bit words, which may lie at an odd address.
 std::uint32_t WordAt(const std::uint8_t* run, std::size_t index) {
@@ -28,7 +24,6 @@ std::uint32_t WordAt(const std::uint8_t* run, std::size_t index) {
 }
 
 // --- Pixels
-// -----------------------------------------------------------------------------------------------------------
 
 struct BgrPixel {
     static constexpr std::size_t kBytes = 3;
@@ -48,7 +43,6 @@ struct BgraPixel {
 };
 
 // --- Lines of samples, chroma shared by pixel pairs
-// -------------------------------------------------------------------
 
 /// Bytes of any 4:2:2 layout.
 template <class Samples>
@@ -114,7 +108,6 @@ struct Dv12Line {
 };
 
 // --- Line kernels
-// -----------------------------------------------------------------------------------------------------
 
 /// One line of pixel pairs. The first pixel of a pair takes the pair's chroma, the second the mean with the next
 /// pair's; the last pair of the line has no next.
@@ -154,7 +147,6 @@ void ConvertY41PLine(std::uint8_t* out, std::size_t width, const std::uint8_t* i
 }
 
 // --- Pictures
-// ---------------------------------------------------------------------------------------------------------
 
 /// 4:2:2: every line has chroma of its own.
 template <class Pixel, class Line>

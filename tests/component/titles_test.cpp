@@ -301,9 +301,7 @@ protected:
     std::int32_t* cell = reinterpret_cast<std::int32_t*>(stream.data());
 };
 
-void SetAlpha(Bytes& title, std::size_t pixel, std::uint8_t alpha) {
-    title[4 * pixel + 3] = alpha;
-}
+void SetAlpha(Bytes& title, std::size_t pixel, std::uint8_t alpha) { title[4 * pixel + 3] = alpha; }
 
 TEST_F(TitleStreamTest, EmptyTitleTakesNoRoom) {
     ASSERT_EQ(Compress(Bytes(32 * 2 * 4, 0), 32, 2, 128), S_OK);

@@ -26,9 +26,7 @@ struct ReorderCase {
 };
 
 /// How a failing test names its case.
-inline void PrintTo(const ReorderCase& c, std::ostream* out) {
-    *out << c.slot->Name();
-}
+inline void PrintTo(const ReorderCase& c, std::ostream* out) { *out << c.slot->Name(); }
 
 inline const ReorderCase kReorderCases[] = {
     {&km::UyvyToYuy2, km::FMT_UYVY, km::FMT_YUY2}, {&km::UyvyToYvyu, km::FMT_UYVY, km::FMT_YVYU},

@@ -42,9 +42,7 @@ static inline Words Lesser(Words a, Words b) { return {Min16s(a.low, b.low), Min
 // Bytes whose top bit is the sign of each word.
 static inline Vec Signs(Words a) { return Pack16To8s(a.low, a.high); }
 // `a` where `sign` is negative, more than any score elsewhere.
-static inline Vec OnlyWhereNegative(Vec a, Vec sign) {
-    return Or(a, AndNot(ShiftRight16s<15>(sign), Set16(0x4000)));
-}
+static inline Vec OnlyWhereNegative(Vec a, Vec sign) { return Or(a, AndNot(ShiftRight16s<15>(sign), Set16(0x4000))); }
 
 // Score of direction `J` from the lines above and below, which are given from three samples to the left on.
 template <int J>

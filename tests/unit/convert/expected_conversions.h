@@ -1,7 +1,7 @@
 // Expected results of conversions between public format numbers at 48 by 16, from plain computations written apart from
-// the library. Each buffer has 8 * 48 * 16 + 4096 bytes, filled from its seed by ByteGenerator; the first plane starts 1024
-// bytes into it and is the only one given. The hash is HashBytes of the whole destination buffer after the call. Pairs that
-// are not listed fail and leave the buffer as it was.
+// the library. Each buffer has 8 * 48 * 16 + 4096 bytes, filled from its seed by ByteGenerator; the first plane starts
+// 1024 bytes into it and is the only one given. The hash is HashBytes of the whole destination buffer after the call.
+// Pairs that are not listed fail and leave the buffer as it was.
 #pragma once
 
 #include <cstdint>

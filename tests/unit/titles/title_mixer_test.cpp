@@ -103,9 +103,7 @@ TEST(TitleMixer, LayerBeneathFromEverySource) {
     for (const std::uint32_t source : kSources) CheckTitle(TitleOperation::Add, source);
 }
 
-TEST(TitleMixer, TitleToStraightImage) {
-    CheckTitle(TitleOperation::ToImage, km::FMT_BGRA);
-}
+TEST(TitleMixer, TitleToStraightImage) { CheckTitle(TitleOperation::ToImage, km::FMT_BGRA); }
 
 TEST(TitleMixer, ImageReplacesFrame) {
     for (const std::uint32_t frame : kFrames)

@@ -16,25 +16,15 @@ struct PairSamples {
     std::int64_t u, y0, v, y1;
 };
 
-inline std::int64_t Wrapped(std::int64_t value) {
-    return value & 0xFFFFFFFF;
-}
-inline std::int64_t WrappedSigned(std::int64_t value) {
-    return static_cast<std::int32_t>(Wrapped(value));
-}
+inline std::int64_t Wrapped(std::int64_t value) { return value & 0xFFFFFFFF; }
+inline std::int64_t WrappedSigned(std::int64_t value) { return static_cast<std::int32_t>(Wrapped(value)); }
 inline std::int64_t FloorDivide(std::int64_t value, std::int64_t by) {
     return value >= 0 ? value / by : -((-value + by - 1) / by);
 }
-inline std::int64_t Saturated(std::int64_t value) {
-    return value < 0 ? 0 : value > 255 ? 255 : value;
-}
-inline std::uint8_t Byte(std::int64_t value) {
-    return static_cast<std::uint8_t>(value & 0xFF);
-}
+inline std::int64_t Saturated(std::int64_t value) { return value < 0 ? 0 : value > 255 ? 255 : value; }
+inline std::uint8_t Byte(std::int64_t value) { return static_cast<std::uint8_t>(value & 0xFF); }
 
-inline std::int64_t Term(std::int64_t coefficient, std::int64_t sample) {
-    return coefficient * sample / 65536;
-}
+inline std::int64_t Term(std::int64_t coefficient, std::int64_t sample) { return coefficient * sample / 65536; }
 
 inline Colour ColourOf(int matrix, std::int64_t y, std::int64_t u256, std::int64_t v256) {
     static constexpr std::int64_t kTable[4][8] = {{9539, 16525, 3209, 6660, 13075, 8841, 4355, 7116},

@@ -39,9 +39,7 @@ km::Status Compress(GroupKind kind, km::RunCursor& cursor, const km::GroupRows& 
     }
 }
 
-std::size_t GroupBytes(GroupKind kind) {
-    return kind == GroupKind::Y16A ? 48 : 64;
-}
+std::size_t GroupBytes(GroupKind kind) { return kind == GroupKind::Y16A ? 48 : 64; }
 
 constexpr GroupKind kRunKinds[] = {GroupKind::Title, GroupKind::StraightBgra, GroupKind::Y16A};
 
