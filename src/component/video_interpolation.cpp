@@ -37,14 +37,17 @@ HRESULT CVideoInterpolation::InterpolateBottomField(std::uint8_t* pbDst, const s
     return S_OK;
 }
 
-// Weights 0 and 255 get no copy of one source: the formula gives the one for 0 and 256, and 255 is a weight like
-// others.
+// At weight 255 the destination is filled with the forward source before the mix, and at 0 with the backward one. The
+// mix writes every byte anew, so the fill shows in one case only: mixed in place over the backward source at 255, the
+// mix then reads the forward source on both sides. At 255 the result otherwise is a weighted mean like others.
 HRESULT CVideoInterpolation::CombineBuffersAlpha(std::uint8_t* pDst, const std::uint8_t* pSrcFwd,
                                                  const std::uint8_t* pSrcBck, std::int32_t stride, std::uint32_t width,
                                                  std::uint32_t height, std::uint32_t alphaFwd) {
-    return ResultOf(CVideoInterpolator::CombineImages(BytePlane(pDst, stride, width, height),
-                                                      BytePlane(pSrcFwd, stride, width, height),
-                                                      BytePlane(pSrcBck, stride, width, height), alphaFwd));
+    const ImageDescriptor forward = BytePlane(pSrcFwd, stride, width, height);
+    const bool fillShows = alphaFwd == 255 && pDst == pSrcBck;
+    return ResultOf(CVideoInterpolator::CombineImages(BytePlane(pDst, stride, width, height), forward,
+                                                      fillShows ? forward : BytePlane(pSrcBck, stride, width, height),
+                                                      alphaFwd));
 }
 
 }  // namespace KorvaneSoftware

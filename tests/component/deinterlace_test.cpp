@@ -170,6 +170,20 @@ TEST(VideoInterpolation, NullPointersWriteNothing) {
 }
 
 // 255 is a weight like others and does not reproduce the forward picture; 256 does.
+TEST(VideoInterpolation, CombineInPlaceOverTheBackwardSource) {
+    ComPtr<IVideoInterpolation2> interpolation;
+    ASSERT_EQ(CreateInstance(CLSID_VideoInterpolation, interpolation), S_OK);
+    const std::vector<std::uint8_t> forward(40, 200);
+    std::vector<std::uint8_t> apart(40, 0);
+    std::vector<std::uint8_t> backward(40, 10);
+    ASSERT_EQ(interpolation->CombineBuffersAlpha(apart.data(), forward.data(), backward.data(), 20, 20, 2, 255), S_OK);
+    EXPECT_EQ(apart, std::vector<std::uint8_t>(40, (10 + 128 + 200 * 255) >> 8));
+    // Filled with the forward source first, which then is all that there is to mix.
+    ASSERT_EQ(interpolation->CombineBuffersAlpha(backward.data(), forward.data(), backward.data(), 20, 20, 2, 255),
+              S_OK);
+    EXPECT_EQ(backward, std::vector<std::uint8_t>(40, 200));
+}
+
 TEST(VideoInterpolation, CombineAtTheEndsOfTheScale) {
     const auto interpolation = Create<IVideoInterpolation2>(CLSID_VideoInterpolation);
     std::vector<std::uint8_t> forward(32 * 3, 255), backward(32 * 3, 0), dst(32 * 3);
