@@ -18,15 +18,6 @@ static inline Vec CollectForUnpack(Vec a) {
     return {_mm256_permutevar8x32_epi32(a.v, _mm256_setr_epi32(0, 4, 2, 6, 1, 5, 3, 7))};
 }
 
-static inline Vec GatherLanes(const std::uint8_t* p, std::size_t step) {
-    const __m128i first = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
-    return {_mm256_inserti128_si256(_mm256_castsi128_si256(first),
-                                    _mm_loadu_si128(reinterpret_cast<const __m128i*>(p + step)), 1)};
-}
-static inline void ScatterLanes(std::uint8_t* p, std::size_t step, Vec a) {
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(p), _mm256_castsi256_si128(a.v));
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(p + step), _mm256_extracti128_si256(a.v, 1));
-}
 static inline void StoreUpperHalf(std::uint8_t* p, Vec a) {
     _mm_storeu_si128(reinterpret_cast<__m128i*>(p), _mm256_extracti128_si256(a.v, 1));
 }

@@ -17,18 +17,6 @@ static inline Vec CollectForUnpack(Vec a) {
     return {_mm512_permutexvar_epi32(_mm512_setr_epi32(0, 4, 2, 6, 8, 12, 10, 14, 1, 5, 3, 7, 9, 13, 11, 15), a.v)};
 }
 
-static inline Vec GatherLanes(const std::uint8_t* p, std::size_t step) {
-    __m512i v = _mm512_castsi128_si512(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p)));
-    v = _mm512_inserti32x4(v, _mm_loadu_si128(reinterpret_cast<const __m128i*>(p + step)), 1);
-    v = _mm512_inserti32x4(v, _mm_loadu_si128(reinterpret_cast<const __m128i*>(p + 2 * step)), 2);
-    return {_mm512_inserti32x4(v, _mm_loadu_si128(reinterpret_cast<const __m128i*>(p + 3 * step)), 3)};
-}
-static inline void ScatterLanes(std::uint8_t* p, std::size_t step, Vec a) {
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(p), _mm512_castsi512_si128(a.v));
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(p + step), _mm512_extracti32x4_epi32(a.v, 1));
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(p + 2 * step), _mm512_extracti32x4_epi32(a.v, 2));
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(p + 3 * step), _mm512_extracti32x4_epi32(a.v, 3));
-}
 static inline void StoreUpperHalf(std::uint8_t* p, Vec a) {
     _mm256_storeu_si256(reinterpret_cast<__m256i*>(p), _mm512_extracti64x4_epi64(a.v, 1));
 }

@@ -19,9 +19,6 @@ static inline Vec CollectLanes(Vec a) { return a; }
 /// Dealt to what a lane-wise unpack, low then high, turns into memory order.
 static inline Vec CollectForUnpack(Vec a) { return a; }
 
-/// 16 bytes from every `step` bytes.
-static inline Vec GatherLanes(const std::uint8_t* p, std::size_t) { return Load(p); }
-static inline void ScatterLanes(std::uint8_t* p, std::size_t, Vec a) { Store(p, a); }
 /// The upper half of a register.
 static inline void StoreUpperHalf(std::uint8_t* p, Vec a) { StoreHalf(p, UnpackHigh64(a, a)); }
 

@@ -64,9 +64,9 @@ struct BlockTarget {
 
     static inline void Write(const PlainSink&, const SampleLine& line, std::size_t x, Vec luma, Vec chroma, Vec alpha) {
         std::uint8_t* const out = line.plane[0] + x / 16 * kBlockBytes;
-        ScatterLanes(out, kBlockBytes, CollectLanes(luma));
-        if constexpr (kHasAlpha) ScatterLanes(out + 16, kBlockBytes, CollectLanes(alpha));
-        ScatterLanes(out + kBlockBytes - 16, kBlockBytes, Shuffle8(CollectLanes(chroma), Repeat128(kSplitChroma)));
+        StoreLanes(out, kBlockBytes, CollectLanes(luma));
+        if constexpr (kHasAlpha) StoreLanes(out + 16, kBlockBytes, CollectLanes(alpha));
+        StoreLanes(out + kBlockBytes - 16, kBlockBytes, Shuffle8(CollectLanes(chroma), Repeat128(kSplitChroma)));
     }
 };
 using Y16Target = BlockTarget<32>;

@@ -179,15 +179,15 @@ struct BlockSource {
     }
     static inline void PrefetchChroma(const SampleLine&, std::size_t) {}
     static inline LumaWords Luma(const SampleLine& line, std::size_t x) {
-        return WidenLuma(GatherLanes(BlockAt(line, x) + kLuma, kBlockBytes));
+        return WidenLuma(LoadLanes(BlockAt(line, x) + kLuma, kBlockBytes));
     }
     static inline Vec Alpha(const SampleLine& line, std::size_t x) {
-        return GatherLanes(BlockAt(line, x) + kAlpha, kBlockBytes);
+        return LoadLanes(BlockAt(line, x) + kAlpha, kBlockBytes);
     }
     template <bool kLast>
     static inline ChromaWords Chroma(const SampleLine& line, std::size_t x) {
         const std::uint8_t* const p = BlockAt(line, x) + kChroma;
-        const Vec chroma = GatherLanes(p, kBlockBytes);
+        const Vec chroma = LoadLanes(p, kBlockBytes);
         Vec behind;
         if constexpr (kLast) {
             // The runs of the blocks that follow; behind the last one, a run that starts with its last samples.
@@ -198,7 +198,7 @@ struct BlockSource {
             window[kVecBytes + 8] = window[kEnd + 15];
             behind = Load(window + 16);
         } else {
-            behind = GatherLanes(p + kBlockBytes, kBlockBytes);
+            behind = LoadLanes(p + kBlockBytes, kBlockBytes);
         }
         const LumaWords words = WidenLuma(chroma);
         const LumaWords wordsBehind = WidenLuma(behind);

@@ -50,7 +50,7 @@ static std::size_t Y16ARun(const std::uint8_t* src, std::size_t count, bool visi
         const Vec mask = Set8(0xFE);
         for (; group + 2 * kStep <= count; group += 2 * kStep) {
             const std::uint8_t* const alpha = src + group * kY16ABytes + 16;
-            const Vec any = Or(GatherLanes(alpha, kY16ABytes), GatherLanes(alpha + kStep * kY16ABytes, kY16ABytes));
+            const Vec any = Or(LoadLanes(alpha, kY16ABytes), LoadLanes(alpha + kStep * kY16ABytes, kY16ABytes));
             if (!AllZero(And(any, mask))) break;
         }
     }
@@ -141,22 +141,22 @@ struct BgraGroups {
         const RecordWords highRecord = Offsets::Apply(high);
         const Vec alpha = CollectLanes(Pack16To8u(low.alpha, high.alpha));
         const Vec chroma = CollectLanes(Pack16To8u(lowRecord.chroma, highRecord.chroma));
-        ScatterLanes(dst, kRecord, CollectLanes(Pack16To8u(lowRecord.luma, highRecord.luma)));
-        ScatterLanes(dst + 16, kRecord, Xor(alpha, Set8(-1)));
-        ScatterLanes(dst + 32, kRecord, Shuffle8(chroma, Repeat128(kEvenThenOdd)));
+        StoreLanes(dst, kRecord, CollectLanes(Pack16To8u(lowRecord.luma, highRecord.luma)));
+        StoreLanes(dst + 16, kRecord, Xor(alpha, Set8(-1)));
+        StoreLanes(dst + 32, kRecord, Shuffle8(chroma, Repeat128(kEvenThenOdd)));
     }
 };
 
 struct Y16AGroups {
     static constexpr std::size_t kGroupBytes = kY16ABytes;
     static void Run(std::uint8_t* dst, const std::uint8_t* src) {
-        const Vec luma = GatherLanes(src, kY16ABytes);
-        const Vec alpha = GatherLanes(src + 16, kY16ABytes);
-        const Vec chroma = GatherLanes(src + 32, kY16ABytes);
-        ScatterLanes(dst, kRecord, UpperBytesOfProducts(luma, alpha));
-        ScatterLanes(dst + 16, kRecord, Xor(alpha, Set8(-1)));
+        const Vec luma = LoadLanes(src, kY16ABytes);
+        const Vec alpha = LoadLanes(src + 16, kY16ABytes);
+        const Vec chroma = LoadLanes(src + 32, kY16ABytes);
+        StoreLanes(dst, kRecord, UpperBytesOfProducts(luma, alpha));
+        StoreLanes(dst + 16, kRecord, Xor(alpha, Set8(-1)));
         // The eight Cb go by the even alphas and the eight Cr behind them by the odd ones.
-        ScatterLanes(dst + 32, kRecord, UpperBytesOfProducts(chroma, Shuffle8(alpha, Repeat128(kEvenThenOdd))));
+        StoreLanes(dst + 32, kRecord, UpperBytesOfProducts(chroma, Shuffle8(alpha, Repeat128(kEvenThenOdd))));
     }
     static Vec UpperBytesOfProducts(Vec a, Vec b) {
         const Vec zero = Zero();
