@@ -164,14 +164,14 @@ void Add(Timed timed) { TimedList().push_back(std::move(timed)); }
 
 std::string VariantLabel(const km::DispatchSlotBase& slot, std::size_t row) {
     if (row == 0) return "plain";
-    const char* const underscore = std::strrchr(slot.RowName(row), '_');
-    return underscore != nullptr ? underscore + 1 : slot.RowName(row);
+    const char* const underscore = std::strrchr(slot.RowSet(row), '_');
+    return underscore != nullptr ? underscore + 1 : slot.RowSet(row);
 }
 
 PictureBench::PictureBench(const char* group, const char* variant, std::uint32_t dstFormat, std::uint32_t srcFormat,
                            PictureFunction function, std::uint32_t width, std::uint32_t height) {
-    km::ImageDescriptor dst{dstFormat == km::FMT_P016 ? +km::FMT_P216 : dstFormat, width, height};
-    km::ImageDescriptor src{srcFormat == km::FMT_P016 ? +km::FMT_P216 : srcFormat, width, height};
+    km::ImageDescriptor dst{{dstFormat == km::FMT_P016 ? +km::FMT_P216 : dstFormat, width, height}};
+    km::ImageDescriptor src{{srcFormat == km::FMT_P016 ? +km::FMT_P216 : srcFormat, width, height}};
     const double bytes = static_cast<double>(km::ImageBufferSize(&dst) + km::ImageBufferSize(&src));
     Add({group, variant, static_cast<double>(width) * height, bytes, [=](Regime regime, std::size_t i) {
              function(FrameIn(Arena::Destination, regime, dstFormat, width, height, i),
@@ -190,8 +190,8 @@ PictureSlotBench::PictureSlotBench(
 
 void AddResize(const char* group, const char* variant, std::uint32_t format, std::uint32_t dstWidth,
                std::uint32_t dstHeight, std::uint32_t srcWidth, std::uint32_t srcHeight, PictureFunction function) {
-    const km::ImageDescriptor dst{format, dstWidth, dstHeight};
-    const km::ImageDescriptor src{format, srcWidth, srcHeight};
+    const km::ImageDescriptor dst{{format, dstWidth, dstHeight}};
+    const km::ImageDescriptor src{{format, srcWidth, srcHeight}};
     const double bytes = static_cast<double>(km::ImageBufferSize(&dst) + km::ImageBufferSize(&src));
     Add({group, variant, static_cast<double>(dstWidth) * dstHeight, bytes, [=](Regime regime, std::size_t i) {
              function(FrameIn(Arena::Destination, regime, format, dstWidth, dstHeight, i),

@@ -148,7 +148,7 @@ Filter NewFilter(std::uint32_t format, std::uint32_t threads) {
 }
 
 void AddSequence(const std::string& what, std::uint32_t format, std::uint32_t threads) {
-    km::ImageDescriptor shape{format, kWidth, kHeight};
+    km::ImageDescriptor shape{{format, kWidth, kHeight}};
     const auto bytes = static_cast<double>(km::ImageBufferSize(&shape));
     const std::string suffix = std::to_string(threads);
     const auto filter = std::make_shared<Filter>();
@@ -234,7 +234,7 @@ private:
 };
 
 void AddPeer(int threads) {
-    km::ImageDescriptor shape{km::FMT_Y422, kWidth, kHeight};
+    km::ImageDescriptor shape{{km::FMT_Y422, kWidth, kHeight}};
     const auto peer = std::make_shared<std::unique_ptr<PeerFilter>>();
     Add({"DeinterlaceY422x" + std::to_string(threads), "yadif" + std::to_string(threads), double{kWidth} * kHeight,
          4.0 * static_cast<double>(km::ImageBufferSize(&shape)),

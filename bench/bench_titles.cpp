@@ -29,8 +29,8 @@ bool MixesIntoTitle(const std::string& group) { return group.rfind("AddTitle", 0
 void AddRow(const std::string& group, const std::string& variant, std::uint32_t dstFormat, std::uint32_t srcFormat,
             const PictureFunction& function) {
     const Arena arena = MixesIntoTitle(group) ? Arena::Destination2 : Arena::Destination;
-    km::ImageDescriptor dst{dstFormat, kWidth, kHeight};
-    km::ImageDescriptor src{srcFormat, kWidth, kHeight};
+    km::ImageDescriptor dst{{dstFormat, kWidth, kHeight}};
+    km::ImageDescriptor src{{srcFormat, kWidth, kHeight}};
     const double bytes = static_cast<double>(km::ImageBufferSize(&dst) + km::ImageBufferSize(&src));
     Add({group, variant, kPixels, bytes, [=](Regime regime, std::size_t i) {
              function(FrameIn(arena, regime, dstFormat, kWidth, kHeight, i),

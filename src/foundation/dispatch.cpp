@@ -26,6 +26,15 @@ void RestrictFeatures(std::uint32_t allowed) {
     for (DispatchSlotBase* slot = g_firstSlot; slot != nullptr; slot = slot->Next()) slot->Unresolve();
 }
 
+unsigned EnabledCpuLevel() {
+    // What each level stands on; a restricted feature word takes the levels above it away.
+    constexpr std::uint32_t kLevelFeatures[] = {FEATURES_PLAIN, FEATURES_SSE3,  FEATURES_SSSE3,
+                                                FEATURES_SSSE3, FEATURES_SSE41, FEATURES_AVX};
+    unsigned level = CpuLevel().level;
+    while (level > 0 && (kLevelFeatures[level] & EnabledFeatures()) != kLevelFeatures[level]) --level;
+    return level;
+}
+
 DispatchSlotBase* DispatchSlotBase::First() { return g_firstSlot; }
 
 void DispatchSlotBase::Register() {

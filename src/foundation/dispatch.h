@@ -1,18 +1,29 @@
 // Dispatch slots: each primitive that has several forms is one global slot, called like a function. A slot starts at
-// its resolver, which looks the best form up in the primitive's table on the first call; from then on a call costs one
-// indirect jump. Resolution takes no lock: all threads compute and store the same pointer.
+// its resolver, which picks the best form for this processor on the first call; from then on a call costs one indirect
+// jump. Resolution takes no lock: all threads compute and store the same pointer.
 //
-// How a primitive is laid out:
+// Every slot is defined in the same way: its name, its plain form, and its forms for SSE4.1, AVX2 and AVX-512BW side by
+// side, nullptr where there is none. A form has the slot's name in the namespace of its set, so one text search for the
+// name finds the slot and every form, and a profiler shows the set in the symbol.
 //
-//   widen.h            extern DispatchSlot<void(std::uint8_t*, const std::uint8_t*, std::size_t)> Widen;
-//   widen.cpp          void Widen_Plain(...) {...}
-//                      constexpr DispatchEntry<...> kWidenRows[] = {{FEATURES_PLAIN, Widen_Plain, "Widen_Plain"},
-//                                                                   {FEATURES_AVX2, Widen_Avx2, "Widen_Avx2"}};
-//                      constinit DispatchSlot<...> Widen{"Widen", kWidenRows, &ResolveOnFirstCall<Widen>::Call};
-//                      const SlotRegistration kRegistration{&Widen};
-//   x86/widen_avx2.cpp void Widen_Avx2(...) {...}   // compiled with the set's flags, declared in x86/widen.h
+//   widen.h              using WidenSignature = void(std::uint8_t*, const std::uint8_t*, std::size_t);
+//                        extern DispatchSlot<WidenSignature> Widen;
+//   x86/widen_forms.h    PIXMORPH_FORMS(WidenSignature, Widen)    // declares plain::Widen, simd_sse41::Widen, ...
+//   widen.cpp            void plain::Widen(...) {...}
+//                        PIXMORPH_SLOT(DispatchSlot<WidenSignature>, Widen,
+//                                      plain::Widen, nullptr, simd_avx2::Widen, nullptr);
+//   x86/widen.inc.h      void PIXMORPH_SIMD::Widen(...) {...}     // once for all register widths
+//   x86/widen_avx2.cpp   #include "foundation/simd/vec_avx2.h"    // compiled with the set's flags
+//                        #include "x86/widen.inc.h"
 //
-// Adding a row is all it takes to have a form verified by tests/kernels and timed by bench/.
+// A new form is its definition and one entry here; tests/kernels verifies it and bench/ times it without further ado. A
+// new instruction set is one vec_<set>.h, one file for each family, and one more column.
+//
+// All else that a file under x86/ defines, types included, stands in an unnamed namespace: two families may each have a
+// type of the same name in simd_avx2.
+//
+// Transforms that follow the older level scheme (see features.h) are LevelSlots: six entries, one for each CpuLevel.
+// Families whose forms are reached by number (a size, a fraction) keep them in a SlotTable.
 #pragma once
 
 #include <atomic>
@@ -20,6 +31,7 @@
 #include <cstdint>
 #include <initializer_list>
 #include <type_traits>
+#include <utility>
 
 #include "foundation/features.h"
 
@@ -33,12 +45,15 @@ std::uint32_t EnabledFeatures();
 /// works.
 void RestrictFeatures(std::uint32_t allowed);
 
+/// The level of the older scheme that LevelSlots follow: that of CpuLevel(), lowered to what EnabledFeatures allows.
+unsigned EnabledCpuLevel();
+
 /// One form of a primitive.
 template <class Signature>
 struct DispatchEntry {
     std::uint32_t requiredFeatures;
     Signature* function;
-    const char* name;
+    const char* set;  ///< "Plain", "Sse41", "Avx2" or "Avx512".
 };
 
 /// Row that wins for a feature word: the last whose requirements are all present. -1 when none does.
@@ -56,8 +71,10 @@ public:
     DispatchSlotBase& operator=(const DispatchSlotBase&) = delete;
 
     const char* Name() const { return name_; }
+    /// Number of the slot in its SlotTable; -1 for a slot of its own.
+    int Index() const { return index_; }
     std::size_t RowCount() const { return rowCount_; }
-    virtual const char* RowName(std::size_t row) const = 0;
+    virtual const char* RowSet(std::size_t row) const = 0;
     virtual std::uint32_t RowFeatures(std::size_t row) const = 0;
     /// Sends the slot back to its resolver.
     virtual void Unresolve() = 0;
@@ -69,48 +86,116 @@ public:
     void Register();
 
 protected:
-    constexpr DispatchSlotBase(const char* name, std::size_t rowCount) : name_(name), rowCount_(rowCount) {}
+    constexpr DispatchSlotBase(const char* name, int index) : name_(name), index_(index) {}
     ~DispatchSlotBase() = default;
+
+    std::size_t rowCount_ = 0;
 
 private:
     const char* name_;
-    std::size_t rowCount_;
+    int index_;
     DispatchSlotBase* next_ = nullptr;
 };
 
+/// The forms of one primitive, absent ones null.
 template <class Signature>
-class DispatchSlot;
+struct FormsBySet {
+    Signature* plain;
+    Signature* sse41;
+    Signature* avx2;
+    Signature* avx512;
+};
+
+/// What slots of every kind have in common: rows from plain to most demanding, and the chosen function.
+template <class Signature>
+class ResolvedSlot;
 
 template <class Result, class... Args>
-class DispatchSlot<Result(Args...)> final : public DispatchSlotBase {
+class ResolvedSlot<Result(Args...)> : public DispatchSlotBase {
 public:
     using Signature = Result(Args...);
     using Entry = DispatchEntry<Signature>;
 
-    template <std::size_t N>
-    constexpr DispatchSlot(const char* name, const Entry (&rows)[N], Signature* resolver)
-        : DispatchSlotBase(name, N), rows_(rows), resolver_(resolver), target_(resolver) {}
-
     Result operator()(Args... args) const { return target_.load(std::memory_order_relaxed)(args...); }
 
     const Entry& Row(std::size_t row) const { return rows_[row]; }
-    const char* RowName(std::size_t row) const override { return rows_[row].name; }
+    const char* RowSet(std::size_t row) const override { return rows_[row].set; }
     std::uint32_t RowFeatures(std::size_t row) const override { return rows_[row].requiredFeatures; }
     bool IsResolved() const { return target_.load(std::memory_order_relaxed) != resolver_; }
     void Unresolve() override { target_.store(resolver_, std::memory_order_relaxed); }
 
-    /// Picks the form for the enabled features and remembers it.
-    Signature* Resolve() {
-        const int row = SelectDispatchRow(rows_, RowCount(), EnabledFeatures());
-        Signature* const function = rows_[row < 0 ? 0 : row].function;
+protected:
+    constexpr ResolvedSlot(const char* name, int index, Signature* resolver)
+        : DispatchSlotBase(name, index), resolver_(resolver), target_(resolver) {}
+    ~ResolvedSlot() = default;
+
+    constexpr void AddRow(std::uint32_t features, Signature* function, const char* set) {
+        if (function != nullptr) rows_[rowCount_++] = {features, function, set};
+    }
+    Signature* Settle(Signature* function) {
         target_.store(function, std::memory_order_relaxed);
         return function;
     }
 
+    Entry rows_[4] = {};
+
 private:
-    const Entry* rows_;
     Signature* resolver_;
     std::atomic<Signature*> target_;
+};
+
+/// A slot whose form follows the feature word.
+template <class Signature>
+class DispatchSlot final : public ResolvedSlot<Signature> {
+public:
+    constexpr DispatchSlot(const char* name, Signature* resolver, const FormsBySet<Signature>& forms, int index = -1)
+        : ResolvedSlot<Signature>(name, index, resolver) {
+        this->AddRow(FEATURES_PLAIN, forms.plain, "Plain");
+        this->AddRow(FEATURES_SSE41, forms.sse41, "Sse41");
+        this->AddRow(FEATURES_AVX2, forms.avx2, "Avx2");
+        this->AddRow(FEATURES_AVX512BW, forms.avx512, "Avx512");
+    }
+
+    /// For families that still keep a table of rows by hand.
+    template <std::size_t N>
+    constexpr DispatchSlot(const char* name, const DispatchEntry<Signature> (&rows)[N], Signature* resolver)
+        : ResolvedSlot<Signature>(name, -1, resolver) {
+        for (const DispatchEntry<Signature>& row : rows) this->AddRow(row.requiredFeatures, row.function, row.set);
+    }
+
+    /// Picks the form for the enabled features and remembers it.
+    Signature* Resolve() {
+        const int row = SelectDispatchRow(this->rows_, this->RowCount(), EnabledFeatures());
+        return this->Settle(this->rows_[row < 0 ? 0 : row].function);
+    }
+};
+
+/// A slot of the older level scheme: entry `CpuLevel` of a table of six. Several levels may share one form; the entry of
+/// level 5 may ask for AVX2, and gives way to that of level 4 where the processor has AVX alone.
+template <class Signature>
+class LevelSlot final : public ResolvedSlot<Signature> {
+public:
+    constexpr LevelSlot(const char* name, Signature* resolver, Signature* level0, Signature* level1, Signature* level2,
+                        Signature* level3, Signature* level4, Signature* level5)
+        : ResolvedSlot<Signature>(name, -1, resolver), levels_{level0, level1, level2, level3, level4, level5} {
+        this->AddRow(FEATURES_PLAIN, level0, "Plain");
+        if (level4 != level0) this->AddRow(FEATURES_SSE41, level4, "Sse41");
+        if (level5 != level4) this->AddRow(FEATURES_AVX2, level5, "Avx2");
+    }
+
+    /// Picks the entry of the level in force, as far as the enabled features allow, and remembers it.
+    Signature* Resolve() {
+        Signature* form = levels_[EnabledCpuLevel()];
+        for (std::size_t row = this->RowCount(); row-- > 0;) {
+            const auto& entry = this->rows_[row];
+            if (entry.function == form && (entry.requiredFeatures & EnabledFeatures()) != entry.requiredFeatures)
+                form = this->rows_[row > 0 ? row - 1 : 0].function;
+        }
+        return this->Settle(form);
+    }
+
+private:
+    Signature* levels_[6];
 };
 
 /// Resolver of a slot: has the primitive's signature, so the first call passes through it.
@@ -122,11 +207,94 @@ struct ResolveOnFirstCall<Slot, Result(Args...)> {
     static Result Call(Args... args) { return Slot.Resolve()(args...); }
 };
 
-/// Makes slots enumerable; one per file that defines slots.
+/// Slots of one signature that are reached by number.
+template <class Signature, std::size_t Count>
+class SlotTable {
+public:
+    using Slot = DispatchSlot<Signature>;
+
+    constexpr SlotTable(const char* name, Signature* const (&resolvers)[Count],
+                        const FormsBySet<Signature> (&forms)[Count])
+        : SlotTable(name, resolvers, forms, std::make_index_sequence<Count>()) {}
+
+    static constexpr std::size_t Size() { return Count; }
+    const Slot& operator[](std::size_t i) const { return slots_[i]; }
+    Slot& operator[](std::size_t i) { return slots_[i]; }
+    void Register() {
+        for (Slot& slot : slots_) slot.Register();
+    }
+
+private:
+    template <std::size_t... I>
+    constexpr SlotTable(const char* name, Signature* const (&resolvers)[Count],
+                        const FormsBySet<Signature> (&forms)[Count], std::index_sequence<I...>)
+        : slots_{Slot(name, resolvers[I], forms[I], static_cast<int>(I))...} {}
+
+    Slot slots_[Count];
+};
+
+template <auto& Table, std::size_t I, class Signature>
+struct ResolveInTable;
+
+template <auto& Table, std::size_t I, class Result, class... Args>
+struct ResolveInTable<Table, I, Result(Args...)> {
+    static Result Call(Args... args) { return Table[I].Resolve()(args...); }
+};
+
+/// The resolvers of a table, one for each slot.
+template <auto& Table, class Signature, class Indices>
+struct TableResolvers;
+
+template <auto& Table, class Signature, std::size_t... I>
+struct TableResolvers<Table, Signature, std::index_sequence<I...>> {
+    static constexpr Signature* kCalls[sizeof...(I)] = {&ResolveInTable<Table, I, Signature>::Call...};
+};
+
+/// Puts a slot or a table of slots on the list when the library is loaded.
+template <auto& Slot>
+struct RegisterSlot {
+    static const bool kRegistered;
+};
+template <auto& Slot>
+const bool RegisterSlot<Slot>::kRegistered = (Slot.Register(), true);
+
+/// Makes slots enumerable that still register by hand.
 struct SlotRegistration {
     SlotRegistration(std::initializer_list<DispatchSlotBase*> slots) {
         for (DispatchSlotBase* slot : slots) slot->Register();
     }
 };
+
+/// Declares the forms of primitives of one signature, a type, in the namespace of each set. A form that is declared here
+/// need not exist.
+#define PIXMORPH_FORMS(Signature, ...)        \
+    namespace plain {                         \
+    Signature __VA_ARGS__;                    \
+    }                                         \
+    namespace simd_sse41 {                    \
+    Signature __VA_ARGS__;                    \
+    }                                         \
+    namespace simd_avx2 {                     \
+    Signature __VA_ARGS__;                    \
+    }                                         \
+    namespace simd_avx512 {                   \
+    Signature __VA_ARGS__;                    \
+    }
+
+/// Defines slot `name`, declared elsewhere, with its forms: plain, SSE4.1, AVX2, AVX-512BW.
+#define PIXMORPH_SLOT(Slot, name, ...)                                              \
+    constinit Slot name{#name, &ResolveOnFirstCall<name>::Call, {__VA_ARGS__}};     \
+    template struct RegisterSlot<name>
+
+/// Defines slot `name` of the level scheme with its entries for levels 0 to 5.
+#define PIXMORPH_LEVEL_SLOT(Slot, name, ...)                                        \
+    constinit Slot name{#name, &ResolveOnFirstCall<name>::Call, __VA_ARGS__};       \
+    template struct RegisterSlot<name>
+
+/// Defines table `name`, declared elsewhere as SlotTable<Signature, count>, from rows {plain, sse41, avx2, avx512}.
+#define PIXMORPH_SLOT_TABLE(Signature, count, name, ...)                                                            \
+    constinit SlotTable<Signature, count> name{                                                                     \
+        #name, TableResolvers<name, Signature, std::make_index_sequence<count>>::kCalls, {__VA_ARGS__}};            \
+    template struct RegisterSlot<name>
 
 }  // namespace KorvaneSoftware

@@ -49,17 +49,22 @@ enum FormatId : std::uint32_t {
     FMT_P016 = 42,  ///< Known to the conversion dispatch only: no table row, planes and strides always from the caller.
 };
 
-/// A picture. Plain record, owns nothing, zero-filled before use, copied by value. The first four words are the format
-/// head. A descriptor may carry plane 0 and stride 0 only and be completed by ImageCompletePlanes.
-struct ImageDescriptor {
+/// What a picture is, without where it lies: shared by descriptors of pictures, of coded streams and of samples.
+struct FormatHead {
     std::uint32_t format = 0;
     std::uint32_t width = 0;           ///< Pixels.
     std::uint32_t height = 0;          ///< Lines of this descriptor: a field view has half the frame's.
     std::uint8_t lumaExtraBits = 0;    ///< Bit depth of plane 0 minus 8.
     std::uint8_t chromaExtraBits = 0;  ///< Bit depth of the chroma planes minus 8.
     std::uint16_t colorMatrix = 0;     ///< Low two bits: 0 BT.601 limited, 1 and 2 BT.709 limited, 3 BT.601 full range.
-    std::uint8_t* planes[4] = {};      ///< First byte of each plane; BGR, BGRA, BGR8 are bottom-up.
-    std::int64_t strides[4] = {};      ///< Bytes from a line to the next; may be negative.
+};
+static_assert(sizeof(FormatHead) == 16, "the head is copied as one record");
+
+/// A picture. Plain record, owns nothing, zero-filled before use, copied by value. A descriptor may carry plane 0 and
+/// stride 0 only and be completed by ImageCompletePlanes.
+struct ImageDescriptor : FormatHead {
+    std::uint8_t* planes[4] = {};  ///< First byte of each plane; BGR, BGRA, BGR8 are bottom-up.
+    std::int64_t strides[4] = {};  ///< Bytes from a line to the next; may be negative.
 };
 
 /// Geometry of a format.

@@ -97,7 +97,7 @@ TEST(RgbKernels, StayWithinTheirPlanes) {
                     if ((entry.requiredFeatures & km::EnabledFeatures()) != entry.requiredFeatures) continue;
                     FencedPicture fencedDst(dst, side);
                     entry.function(fencedDst.Desc(), fencedSrc.Desc());
-                    EXPECT_TRUE(fencedDst.Equals(expected)) << entry.name << " at width " << width;
+                    EXPECT_TRUE(fencedDst.Equals(expected)) << entry.set << " at width " << width;
                 }
             }
         }

@@ -27,12 +27,12 @@ struct ChecksSlots {
 
 /// Calls `check(variant, plain)` for every row behind the first that this processor can run.
 template <class Signature, class Check>
-void ForEachVariant(const km::DispatchSlot<Signature>& slot, Check check) {
+void ForEachVariant(const km::ResolvedSlot<Signature>& slot, Check check) {
     Signature* const plain = slot.Row(0).function;
     for (std::size_t row = 1; row < slot.RowCount(); ++row) {
         const auto& entry = slot.Row(row);
         if ((entry.requiredFeatures & km::EnabledFeatures()) != entry.requiredFeatures) continue;
-        SCOPED_TRACE(entry.name);
+        SCOPED_TRACE(entry.set);
         EXPECT_NE(entry.function, plain) << "the row repeats the plain form";
         check(entry.function, plain);
         if (::testing::Test::HasFatalFailure()) return;

@@ -134,8 +134,8 @@ TEST(TitleKernels, StayInTheirRows) {
             for (std::uint32_t width = 126; width <= 210; width += 6) widths.push_back(width);
             for (const std::uint32_t width : widths) {
                 for (const auto side : {GuardPageBuffer::Side::Start, GuardPageBuffer::Side::End}) {
-                    km::ImageDescriptor dst{c.dstFormat, width, 1};
-                    km::ImageDescriptor src{c.srcFormat, width, 1};
+                    km::ImageDescriptor dst{{c.dstFormat, width, 1}};
+                    km::ImageDescriptor src{{c.srcFormat, width, 1}};
                     GuardPageBuffer dstBytes(km::ImagePlaneRowBytes(&dst, 0), side);
                     GuardPageBuffer srcBytes(km::ImagePlaneRowBytes(&src, 0), side);
                     dst.planes[0] = dstBytes.Data();

@@ -107,8 +107,8 @@ TEST_P(ReorderFormats, SizeZeroTouchesNothing) {
     for (const std::uint32_t level : FeatureLevels()) {
         const RestrictedFeatures restricted(level);
         for (const bool noWidth : {true, false}) {
-            km::ImageDescriptor src{c.from, noWidth ? 0u : 64u, noWidth ? 2u : 0u};
-            km::ImageDescriptor dst{c.to, src.width, src.height};
+            km::ImageDescriptor src{{c.from, noWidth ? 0u : 64u, noWidth ? 2u : 0u}};
+            km::ImageDescriptor dst{{c.to, src.width, src.height}};
             // Addresses that no process can touch.
             for (int plane = 0; plane < 3; ++plane)
                 src.planes[plane] = dst.planes[plane] = reinterpret_cast<std::uint8_t*>(std::uintptr_t{1});
@@ -124,8 +124,8 @@ TEST_P(ReorderFormats, StaysInsideTheRows) {
         const RestrictedFeatures restricted(level);
         for (const GuardPageBuffer::Side side : {GuardPageBuffer::Side::End, GuardPageBuffer::Side::Start}) {
             for (const std::uint32_t units : {1, 2, 5, 9, 17, 45}) {
-                km::ImageDescriptor src{c.from, units * c.WidthStep(), c.HeightStep()};
-                km::ImageDescriptor dst{c.to, src.width, src.height};
+                km::ImageDescriptor src{{c.from, units * c.WidthStep(), c.HeightStep()}};
+                km::ImageDescriptor dst{{c.to, src.width, src.height}};
                 std::vector<std::unique_ptr<GuardPageBuffer>> memory;
                 for (km::ImageDescriptor* desc : {&src, &dst}) {
                     for (std::uint32_t plane = 0; plane < km::ImagePlaneCount(desc); ++plane) {
@@ -153,7 +153,7 @@ TEST_P(ReorderFormats, LargePicturesAtEveryLevel) {
         {256, {64, false, 0}}, {272, {0, false, 16}}, {304, {7, true, 5}}, {4112, {0, false, 4}}};
     const ReorderCase& c = GetParam();
     for (const Shape& shape : kShapes) {
-        km::ImageDescriptor line{c.to, shape.width, 2};
+        km::ImageDescriptor line{{c.to, shape.width, 2}};
         const std::uint64_t bytes = km::GetCacheSize() / 2 + 4096;
         const auto height = static_cast<std::uint32_t>(2 * (bytes / km::ImageBufferSize(&line) + 1));
         TestPicture src(c.from, shape.width, height, shape.layout);
@@ -215,11 +215,11 @@ TEST(Reorder, ChromaLinesOfFourLinesFromTwo) {
     std::uint8_t luma[4][2] = {{1, 2}, {3, 4}, {5, 6}, {7, 8}};
     std::uint8_t chroma[2][2] = {{10, 255}, {13, 0}};
     std::uint8_t uyvy[4][4] = {};
-    km::ImageDescriptor src{km::FMT_NV12, 2, 4};
+    km::ImageDescriptor src{{km::FMT_NV12, 2, 4}};
     src.planes[0] = luma[0];
     src.planes[1] = chroma[0];
     src.strides[0] = src.strides[1] = 2;
-    km::ImageDescriptor dst{km::FMT_UYVY, 2, 4};
+    km::ImageDescriptor dst{{km::FMT_UYVY, 2, 4}};
     dst.planes[0] = uyvy[0];
     dst.strides[0] = 4;
     km::Nv12ToUyvy(dst, src);
@@ -232,13 +232,13 @@ TEST(Reorder, TwoLinesShareTheirOnlyChromaLine) {
     std::uint8_t u[1] = {50};
     std::uint8_t v[1] = {201};
     std::uint8_t yuy2[8] = {};
-    km::ImageDescriptor src{km::FMT_I420, 2, 2};
+    km::ImageDescriptor src{{km::FMT_I420, 2, 2}};
     src.planes[0] = y;
     src.planes[1] = u;
     src.planes[2] = v;
     src.strides[0] = 2;
     src.strides[1] = src.strides[2] = 1;
-    km::ImageDescriptor dst{km::FMT_YUY2, 2, 2};
+    km::ImageDescriptor dst{{km::FMT_YUY2, 2, 2}};
     dst.planes[0] = yuy2;
     dst.strides[0] = 4;
     km::I420ToYuy2(dst, src);
@@ -252,10 +252,10 @@ TEST(Reorder, TwoChromaLinesBecomeTheirRoundedMean) {
     std::uint8_t y[4] = {};
     std::uint8_t u[1] = {};
     std::uint8_t v[1] = {};
-    km::ImageDescriptor src{km::FMT_UYVY, 2, 2};
+    km::ImageDescriptor src{{km::FMT_UYVY, 2, 2}};
     src.planes[0] = uyvy[0];
     src.strides[0] = 4;
-    km::ImageDescriptor dst{km::FMT_I420, 2, 2};
+    km::ImageDescriptor dst{{km::FMT_I420, 2, 2}};
     dst.planes[0] = y;
     dst.planes[1] = u;
     dst.planes[2] = v;
@@ -272,10 +272,10 @@ TEST(Reorder, OneBlockOfEachKind) {
     std::uint8_t uyvy[32];
     for (int i = 0; i < 32; ++i) uyvy[i] = static_cast<std::uint8_t>(i);
     std::uint8_t block[48] = {};
-    km::ImageDescriptor src{km::FMT_UYVY, 16, 1};
+    km::ImageDescriptor src{{km::FMT_UYVY, 16, 1}};
     src.planes[0] = uyvy;
     src.strides[0] = 32;
-    km::ImageDescriptor dst{km::FMT_Y16A, 16, 1};
+    km::ImageDescriptor dst{{km::FMT_Y16A, 16, 1}};
     dst.planes[0] = block;
     dst.strides[0] = 48;
     km::UyvyToY16A(dst, src);

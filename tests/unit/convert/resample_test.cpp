@@ -105,8 +105,8 @@ TEST(Resample, ExtremesKeepTheirValue) {
 TEST(Resample, AreaAveragingSplitsTheSampleBetween) {
     std::uint8_t in[3] = {10, 100, 250};
     std::uint8_t out[2] = {};
-    ImageDescriptor src{.format = FMT_Y400, .width = 3, .height = 1, .planes = {in}, .strides = {3}};
-    ImageDescriptor dst{.format = FMT_Y400, .width = 2, .height = 1, .planes = {out}, .strides = {2}};
+    ImageDescriptor src{{FMT_Y400, 3, 1}, {in}, {3}};
+    ImageDescriptor dst{{FMT_Y400, 2, 1}, {out}, {2}};
     ASSERT_EQ(ResizeHorizontal(&dst, &src), IMG_OK);
     EXPECT_EQ(out[0], 40);   // (2 * 10 + 100) / 3
     EXPECT_EQ(out[1], 200);  // (100 + 2 * 250) / 3
@@ -121,8 +121,8 @@ TEST(Resample, AreaAveragingRoundsAsSinglePrecisionDoes) {
             for (const std::uint32_t base : {0u, 63u, 127u, 254u}) {
                 for (std::uint32_t i = 0; i < source; ++i) in[i] = static_cast<std::uint8_t>(base + (i < ones ? 1 : 0));
                 std::uint8_t out = 0;
-                ImageDescriptor src{.format = FMT_Y400, .width = source, .height = 1, .planes = {in.data()}};
-                ImageDescriptor dst{.format = FMT_Y400, .width = 1, .height = 1, .planes = {&out}};
+                ImageDescriptor src{{FMT_Y400, source, 1}, {in.data()}};
+                ImageDescriptor dst{{FMT_Y400, 1, 1}, {&out}};
                 ASSERT_EQ(ResizeHorizontal(&dst, &src), IMG_OK);
                 const Samples expected = ReferenceArea(Samples(in.begin(), in.end()), 1, 255);
                 ASSERT_EQ(out, expected[0]) << source << " " << ones << " " << base;
@@ -171,8 +171,8 @@ TEST(Resample, HalvingIsTheRoundedMean) {
 TEST(Resample, HalvingPackedLinesRoundsUp) {
     std::uint8_t in[8] = {10, 1, 20, 2, 13, 3, 23, 6};
     std::uint8_t out[4] = {};
-    ImageDescriptor src{.format = FMT_UYVY, .width = 4, .height = 1, .planes = {in}, .strides = {8}};
-    ImageDescriptor dst{.format = FMT_UYVY, .width = 2, .height = 1, .planes = {out}, .strides = {4}};
+    ImageDescriptor src{{FMT_UYVY, 4, 1}, {in}, {8}};
+    ImageDescriptor dst{{FMT_UYVY, 2, 1}, {out}, {4}};
     ASSERT_EQ(ResizeImageDirect(&dst, &src), IMG_OK);
     EXPECT_EQ(out[0], 12);
     EXPECT_EQ(out[1], 2);
@@ -219,7 +219,7 @@ TEST(Resample, FixedRatiosInOneCall) {
     for (const std::uint32_t level : FeatureLevels()) {
         const RestrictedFeatures restricted(level);
         for (const std::uint32_t format : kFormats) {
-            const FormatInfo& info = *FormatInfoOf({.format = format});
+            const FormatInfo& info = *FormatInfoOf({{format}});
             for (const auto& [fromWidth, fromHeight, toWidth, toHeight] : kSizes) {
                 if (toWidth % info.xAlign != 0 || toHeight % info.yAlign != 0) continue;
                 const TestPicture src = Source(format, fromWidth, fromHeight, toWidth);
@@ -346,8 +346,8 @@ TEST(Resample, LinesTooLongForTables) {
 TEST(Resample, MissingPlanesFollowTheFirst) {
     std::vector<std::uint8_t> in(64 * 48 * 3 / 2), out(32 * 48 * 3 / 2, 0), expected(32 * 48 * 3 / 2, 0);
     ByteGenerator(3).Fill(in);
-    ImageDescriptor src{.format = FMT_I420, .width = 64, .height = 48, .planes = {in.data()}, .strides = {64}};
-    ImageDescriptor dst{.format = FMT_I420, .width = 32, .height = 48, .planes = {out.data()}, .strides = {32}};
+    ImageDescriptor src{{FMT_I420, 64, 48}, {in.data()}, {64}};
+    ImageDescriptor dst{{FMT_I420, 32, 48}, {out.data()}, {32}};
     ASSERT_EQ(ResizeHorizontal(&dst, &src), IMG_OK);
     // Tight planes of 2:1 are one long line of pairs.
     for (std::size_t i = 0; i < expected.size(); ++i)
@@ -360,8 +360,8 @@ TEST(Resample, RefusesWhatItCannotDo) {
     const auto statusOf = [](std::uint32_t format, std::uint32_t width, std::uint32_t height, std::uint32_t srcFormat,
                              std::uint32_t srcWidth, std::uint32_t srcHeight) {
         std::vector<std::uint8_t> in(64 * 64 * 8), out(64 * 64 * 8, 77);
-        ImageDescriptor src{.format = srcFormat, .width = srcWidth, .height = srcHeight, .planes = {in.data()}};
-        ImageDescriptor dst{.format = format, .width = width, .height = height, .planes = {out.data()}};
+        ImageDescriptor src{{srcFormat, srcWidth, srcHeight}, {in.data()}};
+        ImageDescriptor dst{{format, width, height}, {out.data()}};
         src.strides[0] = dst.strides[0] = 256;
         const Status direct = ResizeImageDirect(&dst, &src);
         const Status pass = srcHeight == height ? ResizeHorizontal(&dst, &src) : ResizeVertical(&dst, &src);

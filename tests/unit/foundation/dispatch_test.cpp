@@ -81,7 +81,7 @@ TEST(DispatchSlot, StaysWithItsFirstAnswer) {
 TEST(DispatchSlot, TellsItsRows) {
     EXPECT_STREQ(Add.Name(), "TestAdd");
     ASSERT_EQ(Add.RowCount(), 4u);
-    EXPECT_STREQ(Add.RowName(2), "Add_Avx2");
+    EXPECT_STREQ(Add.RowSet(2), "Add_Avx2");
     EXPECT_EQ(Add.RowFeatures(2), 0x937Fu);
     EXPECT_EQ(Add.Row(1).function, Second);
 }
@@ -115,11 +115,11 @@ TEST(DispatchSlots, AreEnumerable) {
         EXPECT_EQ(slot->RowFeatures(0), 0u) << "the first row is the plain form";
         std::set<std::string> rows;
         for (std::size_t row = 0; row < slot->RowCount(); ++row) {
-            EXPECT_TRUE(rows.insert(slot->RowName(row)).second) << slot->RowName(row);
+            EXPECT_TRUE(rows.insert(slot->RowSet(row)).second) << slot->RowSet(row);
             // Ascending order of demand: no later row may be contained in an earlier one, or it would never run.
             for (std::size_t earlier = 0; earlier < row; ++earlier)
                 EXPECT_NE(slot->RowFeatures(row) & slot->RowFeatures(earlier), slot->RowFeatures(row))
-                    << slot->RowName(row);
+                    << slot->RowSet(row);
         }
     }
     for (const char* expected :

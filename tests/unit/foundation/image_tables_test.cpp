@@ -161,11 +161,15 @@ TEST(FormatInfoTable, LaysItsFieldsOutInOrder) {
     EXPECT_EQ(offsetof(FormatInfo, planeCount), 4u);
     EXPECT_EQ(offsetof(FormatInfo, chromaWidthDiv), 9u);
     EXPECT_EQ(offsetof(FormatInfo, sampleBits), 15u);
-    EXPECT_EQ(offsetof(ImageDescriptor, lumaExtraBits), 12u);
-    EXPECT_EQ(offsetof(ImageDescriptor, chromaExtraBits), 13u);
-    EXPECT_EQ(offsetof(ImageDescriptor, colorMatrix), 14u);
-    EXPECT_EQ(offsetof(ImageDescriptor, planes), 16u);
-    EXPECT_EQ(offsetof(ImageDescriptor, strides), 48u);
+    ImageDescriptor desc;
+    const auto offset = [&desc](const void* field) {
+        return static_cast<const char*>(field) - reinterpret_cast<const char*>(&desc);
+    };
+    EXPECT_EQ(offset(&desc.lumaExtraBits), 12);
+    EXPECT_EQ(offset(&desc.chromaExtraBits), 13);
+    EXPECT_EQ(offset(&desc.colorMatrix), 14);
+    EXPECT_EQ(offset(&desc.planes), 16);
+    EXPECT_EQ(offset(&desc.strides), 48);
     EXPECT_EQ(sizeof(ImageDescriptor), 80u);
 }
 

@@ -234,7 +234,7 @@ TEST(TitleMixer, OddWidths) {
 // One pixel each; numbers worked out by hand.
 std::array<std::uint8_t, 4> OnePixel(TitleOperation operation, std::array<std::uint8_t, 4> title,
                                      std::array<std::uint8_t, 4> image, std::uint32_t alpha) {
-    km::ImageDescriptor dst{km::FMT_BGRA, 1, 1};
+    km::ImageDescriptor dst{{km::FMT_BGRA, 1, 1}};
     km::ImageDescriptor src = dst;
     dst.planes[0] = title.data();
     src.planes[0] = image.data();
@@ -297,10 +297,10 @@ TEST(TitleMixerStatus, Formats) {
     for (std::uint32_t format = 0; format < 44; ++format) {
         std::vector<std::uint8_t> a(4096, 3), b(4096, 4);
         const std::vector<std::uint8_t> before = a;
-        km::ImageDescriptor src{format, 2, 2};
+        km::ImageDescriptor src{{format, 2, 2}};
         src.planes[0] = b.data();
         src.strides[0] = 16;
-        km::ImageDescriptor title{km::FMT_BGRA, 2, 2};
+        km::ImageDescriptor title{{km::FMT_BGRA, 2, 2}};
         title.planes[0] = a.data();
         title.strides[0] = 16;
         km::ImageDescriptor frame = title;
@@ -357,7 +357,7 @@ TEST(TitleMixerStatus, NullPlanesFailOnlyWherePixelsAreTouched) {
     TestPicture title(km::FMT_BGRA, 4, 2);
     title.Fill(Fill::Ramp, 0);
     const TestPicture before = title;
-    km::ImageDescriptor none{km::FMT_BGRA, 4, 2};
+    km::ImageDescriptor none{{km::FMT_BGRA, 4, 2}};
     EXPECT_EQ(km::PutImageIntoTitle(&title.Desc(), &none, 1), km::IMG_E_EXCEPTION);
     EXPECT_EQ(km::PutImageIntoTitle(&none, &title.Desc(), 1), km::IMG_E_EXCEPTION);
     EXPECT_EQ(km::PutImageIntoNPTitle(&none, &title.Desc(), 255), km::IMG_E_EXCEPTION);
@@ -368,12 +368,12 @@ TEST(TitleMixerStatus, NullPlanesFailOnlyWherePixelsAreTouched) {
     EXPECT_EQ(km::PutImageIntoNPTitle(&none, &none, 1), km::IMG_OK);
     none.height = 2;
     // Two BGR pixels are the last pair of the row, which is never reached.
-    km::ImageDescriptor bgr{km::FMT_BGR, 2, 2};
-    km::ImageDescriptor frame{km::FMT_UYVY, 2, 2};
+    km::ImageDescriptor bgr{{km::FMT_BGR, 2, 2}};
+    km::ImageDescriptor frame{{km::FMT_UYVY, 2, 2}};
     EXPECT_EQ(km::AddImageOntoFrame(&frame, &bgr, 1), km::IMG_OK);
     bgr.width = frame.width = 3;
     EXPECT_EQ(km::AddImageOntoFrame(&frame, &bgr, 1), km::IMG_E_EXCEPTION);
-    km::ImageDescriptor bgra{km::FMT_BGRA, 1, 2};
+    km::ImageDescriptor bgra{{km::FMT_BGRA, 1, 2}};
     frame.width = 1;
     EXPECT_EQ(km::MoveImageOntoFrame(&frame, &bgra, 1), km::IMG_OK);
 }
