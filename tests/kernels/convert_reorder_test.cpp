@@ -17,7 +17,7 @@ TEST_P(ReorderKernels, VariantsEqualThePlainForm) {
 }
 
 INSTANTIATE_TEST_SUITE_P(ConvertReorder, ReorderKernels, testing::ValuesIn(kReorderCases),
-                         [](const auto& instance) { return std::string(instance.param.slot->Name()); });
+                         SlotTestName<testing::TestParamInfo<ReorderCase>>);
 
 }  // namespace
 }  // namespace pixmorph_test

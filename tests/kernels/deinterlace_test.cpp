@@ -57,14 +57,15 @@ TEST(DeinterlaceKernels, CombineLine) {
                     Bytes actual = before;
                     plain(expected.data() + kMargin, forward.data(), backward.data(), count, weight);
                     variant(actual.data() + kMargin, forward.data(), backward.data(), count, weight);
-                    ASSERT_EQ(actual, expected) << count << " bytes, weight " << weight;
+                    ASSERT_EQ(GuardedLineDifference(actual, expected, kMargin), "")
+                        << count << " bytes, weight " << weight << ", seed " << seed;
                     for (const bool overForward : {true, false}) {
                         Bytes inPlace = overForward ? forward : backward;
                         inPlace.resize(count + 1, 0xA5);
                         variant(inPlace.data(), overForward ? inPlace.data() : forward.data(),
                                 overForward ? backward.data() : inPlace.data(), count, weight);
-                        ASSERT_TRUE(std::equal(inPlace.begin(), inPlace.end() - 1, expected.begin() + kMargin))
-                            << "in place, " << count << " bytes, weight " << weight;
+                        ASSERT_EQ(LineDifference({inPlace.data(), count}, {expected.data() + kMargin, count}), "")
+                            << "in place, " << count << " bytes, weight " << weight << ", seed " << seed;
                         ASSERT_EQ(inPlace.back(), 0xA5);
                     }
                 }
@@ -94,14 +95,15 @@ TEST(DeinterlaceKernels, InterpolateLine) {
                           weight);
                     variant(actual.data() + kMargin, sources[0].data(), sources[1].data(), sources[2].data(), count,
                             weight);
-                    ASSERT_EQ(actual, expected) << count << " bytes, weight " << weight;
+                    ASSERT_EQ(GuardedLineDifference(actual, expected, kMargin), "")
+                        << count << " bytes, weight " << weight << ", seed " << seed;
                     for (std::size_t over = 0; over < 3; ++over) {
                         Bytes copies[3] = {sources[0], sources[1], sources[2]};
                         variant(copies[over].data(), copies[0].data(), copies[1].data(), copies[2].data(), count,
                                 weight);
-                        ASSERT_TRUE(
-                            std::equal(copies[over].begin(), copies[over].end() - 1, expected.begin() + kMargin))
-                            << "over source " << over << ", " << count << " bytes, weight " << weight;
+                        ASSERT_EQ(LineDifference({copies[over].data(), count}, {expected.data() + kMargin, count}), "")
+                            << "over source " << over << ", " << count << " bytes, weight " << weight << ", seed "
+                            << seed;
                         ASSERT_EQ(copies[over].back(), sources[over].back());
                     }
                 }
@@ -160,8 +162,9 @@ void CheckFilter(const km::FilterLineSlot& slot, std::size_t bytesPerSample) {
                     const km::FilterSources sources = input.Sources(keptFieldIsFirst, upward);
                     plain(expected.data() + kMargin, sources, width, spatialCheck);
                     variant(actual.data() + kMargin, sources, width, spatialCheck);
-                    ASSERT_EQ(actual, expected)
-                        << "width " << width << " fill " << static_cast<int>(fill) << " round " << round;
+                    ASSERT_EQ(GuardedLineDifference(actual, expected, kMargin), "")
+                        << "width " << width << " fill " << static_cast<int>(fill) << " round " << round << " seed "
+                        << seed;
                 }
             }
         }
@@ -194,7 +197,8 @@ void CheckFilterOnGradients(const km::FilterLineSlot& slot, std::size_t bytesPer
                 const km::FilterSources sources = input.Sources((round & 1) != 0);
                 plain(expected.data(), sources, width, spatialCheck);
                 variant(actual.data(), sources, width, spatialCheck);
-                ASSERT_EQ(actual, expected) << "width " << width << " round " << round;
+                ASSERT_EQ(LineDifference(actual, expected), "")
+                    << "width " << width << " round " << round << " seed 77";
             }
         }
     });
@@ -229,17 +233,13 @@ TEST(DeinterlaceKernels, FilterPlaneLine) { CheckFilter(km::FilterPlaneLine, 1);
 TEST(DeinterlaceKernels, FilterUyvyLine) { CheckFilter(km::FilterUyvyLine, 2); }
 TEST(DeinterlaceKernels, FilterYuy2Line) { CheckFilter(km::FilterYuy2Line, 2); }
 
-TEST(DeinterlaceKernels, FiltersOnGradients) {
-    CheckFilterOnGradients(km::FilterPlaneLine, 1);
-    CheckFilterOnGradients(km::FilterUyvyLine, 2);
-    CheckFilterOnGradients(km::FilterYuy2Line, 2);
-}
+TEST(DeinterlaceKernelsOnGradients, FilterPlaneLine) { CheckFilterOnGradients(km::FilterPlaneLine, 1); }
+TEST(DeinterlaceKernelsOnGradients, FilterUyvyLine) { CheckFilterOnGradients(km::FilterUyvyLine, 2); }
+TEST(DeinterlaceKernelsOnGradients, FilterYuy2Line) { CheckFilterOnGradients(km::FilterYuy2Line, 2); }
 
-TEST(DeinterlaceKernels, FiltersReachNoFurtherThanTheirRows) {
-    CheckFilterReach(km::FilterPlaneLine, 1);
-    CheckFilterReach(km::FilterUyvyLine, 2);
-    CheckFilterReach(km::FilterYuy2Line, 2);
-}
+TEST(DeinterlaceKernelReach, FilterPlaneLine) { CheckFilterReach(km::FilterPlaneLine, 1); }
+TEST(DeinterlaceKernelReach, FilterUyvyLine) { CheckFilterReach(km::FilterUyvyLine, 2); }
+TEST(DeinterlaceKernelReach, FilterYuy2Line) { CheckFilterReach(km::FilterYuy2Line, 2); }
 
 constexpr std::size_t kGroupCounts[] = {1, 2, 3, 4, 5, 7, 8, 9, 45, 120};
 constexpr km::MotionThresholds kThresholds[] = {
@@ -271,8 +271,9 @@ void CheckRestoreLine(const km::RestoreLineSlot& slot, std::size_t groupBytes) {
                     Bytes actual = before;
                     plain(expected.data() + kMargin, sources, groups, thresholds);
                     variant(actual.data() + kMargin, sources, groups, thresholds);
-                    ASSERT_EQ(actual, expected) << groups << " groups, thresholds " << thresholds.minimum << " "
-                                                << thresholds.maximum << " fill " << static_cast<int>(fill);
+                    ASSERT_EQ(GuardedLineDifference(actual, expected, kMargin), "")
+                        << groups << " groups, thresholds " << thresholds.minimum << " " << thresholds.maximum
+                        << " fill " << static_cast<int>(fill) << " seed " << seed;
                 }
             }
             for (const auto side : kSides) {
@@ -300,7 +301,8 @@ void CheckPresentLine(const km::PresentLineSlot& slot, std::size_t groupBytes) {
             Bytes actual = before;
             plain(expected.data() + kMargin, src.data(), groups);
             variant(actual.data() + kMargin, src.data(), groups);
-            ASSERT_EQ(actual, expected) << groups << " groups, " << what;
+            ASSERT_EQ(GuardedLineDifference(actual, expected, kMargin), "")
+                << groups << " groups, " << what << ", seed " << seed;
         };
         for (const std::size_t groups : kGroupCounts)
             for (const Fill fill : kFills)

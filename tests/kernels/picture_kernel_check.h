@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -14,7 +15,7 @@ namespace pixmorph_test {
 using PictureKernel = void(const km::ImageDescriptor& dst, const km::ImageDescriptor& src);
 
 struct PictureKernelCase {
-    const km::DispatchSlot<PictureKernel>* slot;
+    const km::ResolvedSlot<PictureKernel>* slot;
     std::uint32_t dstFormat;
     std::uint32_t srcFormat;
     std::uint32_t widthStep = 2;   ///< Widths are multiples of this.
@@ -22,6 +23,14 @@ struct PictureKernelCase {
     std::uint8_t dstExtraBits = 0;
     std::uint8_t srcExtraBits = 0;
 };
+
+/// The name of a case's test.
+template <class Instance>
+std::string SlotTestName(const Instance& instance) {
+    return SlotLabel(*instance.param.slot);
+}
+/// How a failing test prints its case.
+inline void PrintTo(const PictureKernelCase& c, std::ostream* out) { *out << c.slot->Name(); }
 
 /// Runs one kernel on a copy of `dst` and gives the copy back.
 inline TestPicture Converted(PictureKernel* kernel, const TestPicture& dst, const TestPicture& src) {
@@ -31,7 +40,6 @@ inline TestPicture Converted(PictureKernel* kernel, const TestPicture& dst, cons
 }
 
 inline void CheckPictureKernel(const PictureKernelCase& c, std::uint32_t seed = 20261) {
-    SCOPED_TRACE(c.slot->Name());
     static constexpr PictureLayout kLayouts[] = {{0, false, 0}, {52, false, 4}, {12, true, 8}, {64, true, 0}};
     static constexpr Fill kFills[] = {Fill::Random, Fill::Extremes, Fill::Ramp, Fill::Max, Fill::Zero};
     // Odd multiples of the smallest width around one, two and three registers, and one long line.

@@ -1,5 +1,6 @@
 // Title kernels: every variant against the plain form, with ordinary and streaming stores, all region alphas that may
 // reach a vector form, and in place where both sides have one layout.
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -46,6 +47,12 @@ const bool kChecked = [] {
 const ChecksSlots kCheckedGroups{&km::BgraRunLength,      &km::Y16ARunLength, &km::TitleToGroups,
                                  &km::TitleToCableGroups, &km::BgraToGroups,  &km::Y16AToGroups};
 
+void PrintTo(const TitleCase& c, std::ostream* out) { *out << c.slot->Name(); }
+
+class TitleKernels : public testing::TestWithParam<TitleCase> {};
+INSTANTIATE_TEST_SUITE_P(Titles, TitleKernels, testing::ValuesIn(kCases),
+                         [](const auto& instance) { return SlotLabel(*instance.param.slot); });
+
 bool IsRgb(std::uint32_t format) { return format == km::FMT_BGR || format == km::FMT_BGRA; }
 
 constexpr std::uint32_t kPairs[] = {1,  2,  3,  4,  5,  7,  8,  9,  11, 12, 15, 16, 17,
@@ -56,8 +63,8 @@ constexpr PictureLayout kLayouts[] = {{0, false, 0}, {64, false, 0}, {52, false,
 constexpr Fill kDstFills[] = {Fill::Random, Fill::Extremes, Fill::Max};
 constexpr Fill kFills[] = {Fill::Random, Fill::Extremes, Fill::Ramp, Fill::Max, Fill::Zero};
 
-void CheckTitleKernel(const TitleCase& c) {
-    SCOPED_TRACE(c.slot->Name());
+TEST_P(TitleKernels, VariantsEqualThePlainForm) {
+    const TitleCase& c = GetParam();
     ByteGenerator generator(7);
     // Only RGB pictures have odd widths.
     const std::uint32_t odd = IsRgb(c.srcFormat) ? 1 : 0;
@@ -91,85 +98,79 @@ void CheckTitleKernel(const TitleCase& c) {
                     TestPicture inPlace = src;
                     plain(plainInPlace.Desc(), plainInPlace.Desc(), {alpha, km::Stores::Cached});
                     variant(inPlace.Desc(), inPlace.Desc(), {alpha, km::Stores::Cached});
-                    ASSERT_EQ(inPlace.FirstDifference(plainInPlace), "") << width << " wide, in place";
+                    ASSERT_EQ(inPlace.FirstDifference(plainInPlace), "") << width << " wide, in place, seed " << seed;
                 }
             }
         }
     });
 }
 
-TEST(TitleKernels, EveryPixelAsInThePlainForm) {
-    for (const TitleCase& c : kCases) CheckTitleKernel(c);
-}
-
 // Rows that share their memory show the order in which they are taken: source rows as they lie.
-TEST(TitleKernels, TakeRowsInOneOrder) {
-    for (const TitleCase& c : kCases) {
-        SCOPED_TRACE(c.slot->Name());
-        ForEachVariant(*c.slot, [&](km::TitleSignature* variant, km::TitleSignature* plain) {
-            TestPicture src(c.srcFormat, 150, 5);
-            TestPicture expected(c.dstFormat, 150, 1);
-            src.Fill(Fill::Random, 31);
-            expected.Fill(Fill::Random, 32);
-            TestPicture actual = expected;
-            for (TestPicture* dst : {&expected, &actual}) {
-                dst->Desc().height = 5;
-                dst->Desc().strides[0] = 0;
-            }
-            plain(expected.Desc(), src.Desc(), {99, km::Stores::Cached});
-            variant(actual.Desc(), src.Desc(), {99, km::Stores::Cached});
-            EXPECT_EQ(actual.FirstDifference(expected), "");
-        });
-    }
+TEST_P(TitleKernels, TakesRowsInOneOrder) {
+    const TitleCase& c = GetParam();
+    ForEachVariant(*c.slot, [&](km::TitleSignature* variant, km::TitleSignature* plain) {
+        TestPicture src(c.srcFormat, 150, 5);
+        TestPicture expected(c.dstFormat, 150, 1);
+        src.Fill(Fill::Random, 31);
+        expected.Fill(Fill::Random, 32);
+        TestPicture actual = expected;
+        for (TestPicture* dst : {&expected, &actual}) {
+            dst->Desc().height = 5;
+            dst->Desc().strides[0] = 0;
+        }
+        plain(expected.Desc(), src.Desc(), {99, km::Stores::Cached});
+        variant(actual.Desc(), src.Desc(), {99, km::Stores::Cached});
+        EXPECT_EQ(actual.FirstDifference(expected), "") << "seeds 31 and 32";
+    });
 }
 
 // One row whose buffers end, or start, at a page that cannot be touched.
-TEST(TitleKernels, StayInTheirRows) {
-    for (const TitleCase& c : kCases) {
-        SCOPED_TRACE(c.slot->Name());
-        ForEachVariant(*c.slot, [&](km::TitleSignature* variant, km::TitleSignature*) {
-            std::vector<std::uint32_t> widths;
-            for (std::uint32_t width = 2; width <= 72; width += IsRgb(c.srcFormat) ? 1 : 2) widths.push_back(width);
-            // Wide enough for streaming stores at every register size.
-            for (std::uint32_t width = 126; width <= 210; width += 6) widths.push_back(width);
-            for (const std::uint32_t width : widths) {
-                for (const auto side : {GuardPageBuffer::Side::Start, GuardPageBuffer::Side::End}) {
-                    km::ImageDescriptor dst{{c.dstFormat, width, 1}};
-                    km::ImageDescriptor src{{c.srcFormat, width, 1}};
-                    GuardPageBuffer dstBytes(km::ImagePlaneRowBytes(&dst, 0), side);
-                    GuardPageBuffer srcBytes(km::ImagePlaneRowBytes(&src, 0), side);
-                    dst.planes[0] = dstBytes.Data();
-                    src.planes[0] = srcBytes.Data();
-                    variant(dst, src, {255, km::Stores::Cached});
-                    variant(dst, src, {255, km::Stores::Streaming});
-                }
+TEST_P(TitleKernels, StaysInItsRows) {
+    const TitleCase& c = GetParam();
+    ForEachVariant(*c.slot, [&](km::TitleSignature* variant, km::TitleSignature*) {
+        std::vector<std::uint32_t> widths;
+        for (std::uint32_t width = 2; width <= 72; width += IsRgb(c.srcFormat) ? 1 : 2) widths.push_back(width);
+        // Wide enough for streaming stores at every register size.
+        for (std::uint32_t width = 126; width <= 210; width += 6) widths.push_back(width);
+        for (const std::uint32_t width : widths) {
+            for (const auto side : {GuardPageBuffer::Side::Start, GuardPageBuffer::Side::End}) {
+                km::ImageDescriptor dst{{c.dstFormat, width, 1}};
+                km::ImageDescriptor src{{c.srcFormat, width, 1}};
+                GuardPageBuffer dstBytes(km::ImagePlaneRowBytes(&dst, 0), side);
+                GuardPageBuffer srcBytes(km::ImagePlaneRowBytes(&src, 0), side);
+                dst.planes[0] = dstBytes.Data();
+                src.planes[0] = srcBytes.Data();
+                variant(dst, src, {255, km::Stores::Cached});
+                variant(dst, src, {255, km::Stores::Streaming});
             }
-        });
-    }
+        }
+    });
 }
 
 // Every colour with every alpha; division and rounding leave no room for sampling.
-TEST(TitleKernels, EveryColourWithEveryAlpha) {
+void CheckColoursWithAlphas(const km::TitleSlot& slot) {
     TestPicture src(km::FMT_BGRA, 256, 256);
     for (int alpha = 0; alpha < 256; ++alpha)
         for (int colour = 0; colour < 256; ++colour)
             for (int c = 0; c < 4; ++c)
                 src.Plane(0).Row(alpha)[4 * colour + c] =
                     static_cast<std::uint8_t>(c == 3 ? alpha : (colour + 85 * c) & 255);
-    for (const km::TitleSlot* slot : {&km::MovTitleBgra, &km::NPTitleBgra, &km::AddTitleBgra, &km::TitleToImage}) {
-        SCOPED_TRACE(slot->Name());
-        ForEachVariant(*slot, [&](km::TitleSignature* variant, km::TitleSignature* plain) {
-            for (std::uint32_t alpha = 0; alpha < 256; alpha += 15) {
-                TestPicture expected(km::FMT_BGRA, 256, 256);
-                expected.Fill(Fill::Random, alpha);
-                TestPicture actual = expected;
-                plain(expected.Desc(), src.Desc(), {alpha, km::Stores::Cached});
-                variant(actual.Desc(), src.Desc(), {alpha, km::Stores::Cached});
-                ASSERT_EQ(actual.FirstDifference(expected), "") << alpha;
-            }
-        });
-    }
+    ForEachVariant(slot, [&](km::TitleSignature* variant, km::TitleSignature* plain) {
+        for (std::uint32_t alpha = 0; alpha < 256; alpha += 15) {
+            TestPicture expected(km::FMT_BGRA, 256, 256);
+            expected.Fill(Fill::Random, alpha);
+            TestPicture actual = expected;
+            plain(expected.Desc(), src.Desc(), {alpha, km::Stores::Cached});
+            variant(actual.Desc(), src.Desc(), {alpha, km::Stores::Cached});
+            ASSERT_EQ(actual.FirstDifference(expected), "") << "alpha and seed " << alpha;
+        }
+    });
 }
+
+TEST(TitleKernelColours, MovTitleBgra) { CheckColoursWithAlphas(km::MovTitleBgra); }
+TEST(TitleKernelColours, NPTitleBgra) { CheckColoursWithAlphas(km::NPTitleBgra); }
+TEST(TitleKernelColours, AddTitleBgra) { CheckColoursWithAlphas(km::AddTitleBgra); }
+TEST(TitleKernelColours, TitleToImage) { CheckColoursWithAlphas(km::TitleToImage); }
 
 // ---------------------------------------------------------------------------------------------- groups
 
@@ -190,7 +191,6 @@ std::vector<std::uint8_t> Alphas(std::size_t groups, bool y16a, std::uint32_t vi
 }
 
 void CheckRunLength(const km::RunLengthSlot& slot, bool y16a) {
-    SCOPED_TRACE(slot.Name());
     ForEachVariant(slot, [&](auto* variant, auto* plain) {
         std::uint32_t seed = 1;
         for (const std::size_t groups : {1, 2, 3, 4, 5, 7, 8, 9, 16, 17, 33}) {
@@ -203,7 +203,8 @@ void CheckRunLength(const km::RunLengthSlot& slot, bool y16a) {
                         for (const bool visible : {false, true}) {
                             const std::uint8_t* const at = guarded.Data() + first * (y16a ? 48 : 64);
                             ASSERT_EQ(variant(at, groups - first, visible), plain(at, groups - first, visible))
-                                << groups << " from " << first << ' ' << visible;
+                                << "group " << first << " of " << groups << ", visible " << visible << ", seed "
+                                << seed - 1;
                         }
                 }
             }
@@ -212,20 +213,17 @@ void CheckRunLength(const km::RunLengthSlot& slot, bool y16a) {
     });
 }
 
-TEST(GroupKernels, RunLengths) {
-    CheckRunLength(km::BgraRunLength, false);
-    CheckRunLength(km::Y16ARunLength, true);
-}
+TEST(GroupKernels, BgraRunLength) { CheckRunLength(km::BgraRunLength, false); }
+TEST(GroupKernels, Y16ARunLength) { CheckRunLength(km::Y16ARunLength, true); }
 
 void CheckGroups(const km::GroupSlot& slot, std::size_t groupBytes) {
-    SCOPED_TRACE(slot.Name());
     ForEachVariant(slot, [&](auto* variant, auto* plain) {
         std::uint32_t seed = 1;
         for (const std::size_t groups : {1, 2, 3, 4, 5, 8, 9, 33}) {
             for (const Fill fill : kFills) {
                 for (int repeat = 0; repeat < 8; ++repeat) {
                     std::vector<std::uint8_t> bytes(groups * groupBytes);
-                    FillBytes(bytes, fill, seed++);
+                    FillBytes(bytes, fill, ++seed);
                     for (const auto side : {GuardPageBuffer::Side::Start, GuardPageBuffer::Side::End}) {
                         GuardPageBuffer src(bytes.size(), side);
                         GuardPageBuffer dst(groups * 48, side);
@@ -233,10 +231,10 @@ void CheckGroups(const km::GroupSlot& slot, std::size_t groupBytes) {
                         std::vector<std::uint8_t> expected(groups * 48);
                         plain(expected.data(), src.Data(), groups);
                         variant(dst.Data(), src.Data(), groups);
-                        ASSERT_EQ(std::vector<std::uint8_t>(dst.Data(), dst.Data() + groups * 48), expected) << seed;
+                        const std::string context = std::to_string(groups) + " groups, seed " + std::to_string(seed);
+                        ASSERT_EQ(LineDifference({dst.Data(), groups * 48}, expected), "") << context;
                         variant(src.Data(), src.Data(), groups);
-                        ASSERT_EQ(std::vector<std::uint8_t>(src.Data(), src.Data() + groups * 48), expected)
-                            << "in place " << seed;
+                        ASSERT_EQ(LineDifference({src.Data(), groups * 48}, expected), "") << context << ", in place";
                     }
                 }
             }
@@ -244,12 +242,10 @@ void CheckGroups(const km::GroupSlot& slot, std::size_t groupBytes) {
     });
 }
 
-TEST(GroupKernels, Records) {
-    CheckGroups(km::TitleToGroups, 64);
-    CheckGroups(km::TitleToCableGroups, 64);
-    CheckGroups(km::BgraToGroups, 64);
-    CheckGroups(km::Y16AToGroups, 48);
-}
+TEST(GroupKernels, TitleToGroups) { CheckGroups(km::TitleToGroups, 64); }
+TEST(GroupKernels, TitleToCableGroups) { CheckGroups(km::TitleToCableGroups, 64); }
+TEST(GroupKernels, BgraToGroups) { CheckGroups(km::BgraToGroups, 64); }
+TEST(GroupKernels, Y16AToGroups) { CheckGroups(km::Y16AToGroups, 48); }
 
 }  // namespace
 }  // namespace pixmorph_test

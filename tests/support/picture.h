@@ -1,4 +1,4 @@
-// Pictures for tests: every plane in memory of its own, with guard bytes before, behind and between the rows, padded or
+// Pictures for tests: every plane in memory of its own, with guard bytes before, after and between the rows, padded or
 // negative strides and odd offsets, so that a byte touched outside the picture shows.
 #pragma once
 
@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "foundation/image_descriptor.h"
+#include "support/byte_difference.h"
 #include "support/random.h"
 
 namespace pixmorph_test {
@@ -97,15 +98,13 @@ public:
         return intact(behind, memory_.size());
     }
 
-    /// First difference in the rows of two planes of one size, as text; empty when there is none.
-    std::string FirstDifference(const TestPlane& other) const {
-        for (std::size_t row = 0; row < rows_; ++row) {
-            if (std::equal(Row(row), Row(row) + rowBytes_, other.Row(row))) continue;
-            for (std::size_t i = 0; i < rowBytes_; ++i)
-                if (Row(row)[i] != other.Row(row)[i])
-                    return "row " + std::to_string(row) + " byte " + std::to_string(i) + ": " +
-                           std::to_string(Row(row)[i]) + " and " + std::to_string(other.Row(row)[i]);
-        }
+    /// First difference between this plane's rows and those of one of the same size that has what is expected, as text;
+    /// empty when there is none.
+    std::string FirstDifference(const TestPlane& expected, std::size_t plane = 0) const {
+        for (std::size_t row = 0; row < rows_; ++row)
+            if (std::string text = LineDifference({Row(row), rowBytes_}, {expected.Row(row), rowBytes_}, plane, row);
+                !text.empty())
+                return text;
         return {};
     }
 
@@ -164,10 +163,9 @@ public:
             if (!plane.GuardsIntact()) return false;
         return true;
     }
-    std::string FirstDifference(const TestPicture& other) const {
+    std::string FirstDifference(const TestPicture& expected) const {
         for (std::size_t i = 0; i < planes_.size(); ++i)
-            if (const std::string text = planes_[i].FirstDifference(other.planes_[i]); !text.empty())
-                return "plane " + std::to_string(i) + " " + text;
+            if (std::string text = planes_[i].FirstDifference(expected.planes_[i], i); !text.empty()) return text;
         return {};
     }
 
