@@ -89,8 +89,8 @@ Status SetThreadAffinity(platform::ThreadHandle thread, std::uint64_t mask) {
 }
 
 unsigned GetProcessorCount() {
-    unsigned count = platform::CountAffinityProcessors();
-    if (count < 1) count = platform::CountSystemProcessors();
+    const std::optional<unsigned> allowed = platform::CountAffinityProcessors();
+    unsigned count = allowed ? *allowed : platform::CountSystemProcessors();
     if (count < 1) count = platform::CountRuntimeThreads();
     return std::max(count, 1u);
 }

@@ -27,12 +27,13 @@ protected:
     void* handle_ = nullptr;
 };
 
-/// Auto-reset event: each Set wakes one Wait.
+/// Auto-reset event: each Set wakes one Wait, the oldest that waits. With nobody waiting the first Set is kept for the
+/// next Wait, and further ones are lost.
 class CEvent final : public CSyncObject {
 public:
     ~CEvent() override;
     /// Creates the event, unsignalled; a previous one is closed.
-    Status Create();
+    [[nodiscard]] Status Create();
     Status Set();
     Status Wait(std::uint32_t timeoutMs = kWaitForever) override;
     void Close();
@@ -43,7 +44,7 @@ class CThread final : public CSyncObject {
 public:
     ~CThread() override;
     /// Starts `function(argument)`; a previous thread is joined first.
-    Status Start(platform::ThreadFunction function, void* argument);
+    [[nodiscard]] Status Start(platform::ThreadFunction function, void* argument);
     /// Joins, without a time limit. The handle stays.
     Status Wait(std::uint32_t timeoutMs = kWaitForever) override;
     /// Joins and closes.
@@ -55,7 +56,8 @@ Status GetThreadPriorityLevel(platform::ThreadHandle thread, std::int32_t* level
 Status SetThreadPriorityLevel(platform::ThreadHandle thread, std::int32_t level);
 Status SetThreadAffinity(platform::ThreadHandle thread, std::uint64_t mask);
 
-/// Processors that this process may use, at least 1.
+/// Processors of the first 64 that this process may use, by the mask of the process and not of the calling thread;
+/// where the system does not tell, all that it has. At least 1.
 unsigned GetProcessorCount();
 /// Size of the level-2 cache in bytes; 256 KiB when the processor does not tell. Read once.
 std::size_t GetCacheSize();

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 
 #include "foundation/features.h"
 
@@ -14,12 +15,18 @@ RawCpuId ReadCpuId();
 /// Level-2 cache size in bytes as the processor tells it; 0 when it does not.
 std::size_t QueryLevel2CacheSize();
 
-/// Processors that this process may run on, by its affinity mask; 0 when the system does not tell.
-unsigned CountAffinityProcessors();
+/// Processors of the first 64 that this process may run on, by its affinity mask; nothing when the system does not
+/// tell.
+std::optional<unsigned> CountAffinityProcessors();
 /// Processors of the system; 0 when it does not tell.
 unsigned CountSystemProcessors();
 /// Hardware threads that the language's runtime knows of.
 unsigned CountRuntimeThreads();
+
+/// Tells the processor that the calling thread watches a value in a loop.
+void PauseProcessor();
+/// Lets another thread run on this processor.
+void YieldProcessor();
 
 /// Auto-reset event. Handles are opaque; null means none.
 using EventHandle = void*;

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 #include <sched.h>
+#include <time.h>
 #include <unistd.h>
 
 #include <atomic>
@@ -89,6 +90,65 @@ TEST(CEvent, WakesAnotherThreadOncePerSignal) {
         ASSERT_EQ(seen, i + 1);
     }
     other.join();
+}
+
+struct Waiters {
+    CEvent event;
+    std::atomic<int> about{0};
+    std::atomic<int> woken{0};
+    static void Run(void* argument) {
+        auto& waiters = *static_cast<Waiters*>(argument);
+        waiters.about.fetch_add(1);
+        if (waiters.event.Wait(2000) == 0) waiters.woken.fetch_add(1);
+    }
+};
+
+TEST(CEvent, TwoSignalsWakeTwoWaiters) {
+    for (int round = 0; round < 50; ++round) {
+        Waiters waiters;
+        ASSERT_EQ(waiters.event.Create(), 0);
+        {
+            CThread first, second;
+            ASSERT_EQ(first.Start(Waiters::Run, &waiters), 0);
+            ASSERT_EQ(second.Start(Waiters::Run, &waiters), 0);
+            while (waiters.about.load() < 2) std::this_thread::yield();
+            std::this_thread::sleep_for(std::chrono::milliseconds(2));
+            ASSERT_EQ(waiters.event.Set(), 0);
+            ASSERT_EQ(waiters.event.Set(), 0);
+        }
+        ASSERT_EQ(waiters.woken.load(), 2) << round;
+        EXPECT_EQ(waiters.event.Wait(0), 258);
+    }
+}
+
+TEST(CEvent, AWaiterWhoseTimeIsOverTakesNoSignal) {
+    CEvent event;
+    ASSERT_EQ(event.Create(), 0);
+    Waiters waiters;
+    ASSERT_EQ(waiters.event.Create(), 0);
+    CThread other;
+    ASSERT_EQ(other.Start(Waiters::Run, &waiters), 0);
+    while (waiters.about.load() < 1) std::this_thread::yield();
+    std::this_thread::sleep_for(std::chrono::milliseconds(2));
+    // The younger waiter leaves; the older is still woken.
+    EXPECT_EQ(waiters.event.Wait(1), 258);
+    ASSERT_EQ(waiters.event.Set(), 0);
+    ASSERT_EQ(other.Wait(), 0);
+    EXPECT_EQ(waiters.woken.load(), 1);
+}
+
+TEST(CEvent, WaitingUsesNoProcessor) {
+    CEvent event;
+    ASSERT_EQ(event.Create(), 0);
+    const auto processorTime = [] {
+        timespec now{};
+        clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
+        return now.tv_sec * 1'000'000'000LL + now.tv_nsec;
+    };
+    // A hundred waits of a millisecond: a waiter that watched for 60 microseconds first would spend six milliseconds.
+    const long long before = processorTime();
+    for (int i = 0; i < 100; ++i) ASSERT_EQ(event.Wait(1), 258);
+    EXPECT_LT(processorTime() - before, 5'000'000);
 }
 
 TEST(CSyncObject, HasAVirtualDestructorAndWait) {
@@ -240,29 +300,47 @@ TEST(ThreadAffinity, AnswersNothingElse) {
 }
 
 struct CountProbe {
+    bool bindsItself = false;
     unsigned count = 0;
     static void Run(void* argument) {
-        // Of all processors, only this one: the count follows the mask, not the machine.
-        cpu_set_t set;
-        CPU_ZERO(&set);
-        CPU_SET(FirstAllowedProcessor(), &set);
-        sched_setaffinity(0, sizeof(set), &set);
-        static_cast<CountProbe*>(argument)->count = GetProcessorCount();
+        auto& probe = *static_cast<CountProbe*>(argument);
+        if (probe.bindsItself) {
+            cpu_set_t set;
+            CPU_ZERO(&set);
+            CPU_SET(FirstAllowedProcessor(), &set);
+            sched_setaffinity(0, sizeof(set), &set);
+        }
+        probe.count = GetProcessorCount();
     }
 };
 
-TEST(GetProcessorCount, CountsTheAffinityMask) {
-    cpu_set_t set;
-    CPU_ZERO(&set);
-    ASSERT_EQ(sched_getaffinity(0, sizeof(set), &set), 0);
-    unsigned expected = 0;
-    for (int i = 0; i < 64; ++i) expected += CPU_ISSET(i, &set) ? 1 : 0;
-    EXPECT_EQ(GetProcessorCount(), expected);
+unsigned CountFromThread(bool bindsItself) {
     CountProbe probe;
+    probe.bindsItself = bindsItself;
     CThread thread;
-    ASSERT_EQ(thread.Start(CountProbe::Run, &probe), 0);
-    ASSERT_EQ(thread.Wait(), 0);
-    EXPECT_EQ(probe.count, 1u);
+    EXPECT_EQ(thread.Start(CountProbe::Run, &probe), 0);
+    EXPECT_EQ(thread.Wait(), 0);
+    return probe.count;
+}
+
+// The tests run on the process's first thread, whose mask is the process's.
+TEST(GetProcessorCount, CountsTheMaskOfTheProcess) {
+    cpu_set_t whole;
+    CPU_ZERO(&whole);
+    ASSERT_EQ(sched_getaffinity(0, sizeof(whole), &whole), 0);
+    unsigned expected = 0;
+    for (int i = 0; i < 64; ++i) expected += CPU_ISSET(i, &whole) ? 1 : 0;
+    EXPECT_EQ(GetProcessorCount(), expected);
+    // A thread that is bound to one processor still counts the process's.
+    EXPECT_EQ(CountFromThread(true), expected);
+
+    cpu_set_t one;
+    CPU_ZERO(&one);
+    CPU_SET(FirstAllowedProcessor(), &one);
+    ASSERT_EQ(sched_setaffinity(0, sizeof(one), &one), 0);
+    EXPECT_EQ(GetProcessorCount(), 1u);
+    EXPECT_EQ(CountFromThread(false), 1u);
+    ASSERT_EQ(sched_setaffinity(0, sizeof(whole), &whole), 0);
 }
 
 // The system's own description of the cache, where it has one, is the other source.

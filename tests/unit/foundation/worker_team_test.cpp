@@ -77,6 +77,39 @@ TEST(WorkerTeam, RunsFewerThanItHas) {
     }
 }
 
+TEST(WorkerTeam, TellsHowManySharesRan) {
+    WorkerTeam team;
+    ASSERT_EQ(team.Configure(4), 0);
+    for (const unsigned workers : {0u, 1u, 2u, 3u, 4u, 9u}) {
+        Unit unit;
+        unit.throwing = 1;
+        unsigned ran = 77;
+        EXPECT_EQ(team.Run(workers, Unit::Share, &unit, &ran), workers < 2 ? 0 : -6);
+        unsigned calls = 0;
+        for (const int call : unit.calls) calls += static_cast<unsigned>(call);
+        EXPECT_EQ(ran, calls) << workers;
+    }
+}
+
+TEST(WorkerTeam, TakesAnythingCallable) {
+    WorkerTeam team;
+    ASSERT_EQ(team.Configure(3), 0);
+    std::vector<unsigned> seen(3);
+    unsigned ran = 0;
+    EXPECT_EQ(team.Run(
+                  3,
+                  [&seen](unsigned worker) -> Status {
+                      seen[worker] += worker + 10;
+                      return worker == 1 ? -3 : 0;
+                  },
+                  &ran),
+              -3);
+    EXPECT_EQ(seen, (std::vector<unsigned>{10, 11, 12}));
+    EXPECT_EQ(ran, 3u);
+    const auto named = [&seen](unsigned worker) -> Status { return static_cast<Status>(seen[worker]); };
+    EXPECT_EQ(team.Run(2, named), 11);
+}
+
 TEST(WorkerTeam, IsDoneWhenAllAre) {
     WorkerTeam team;
     ASSERT_EQ(team.Configure(3), 0);

@@ -74,10 +74,12 @@ std::size_t QueryLevel2CacheSize() {
     return 0;
 }
 
-unsigned CountAffinityProcessors() {
+// The process's mask is that of its first thread, whichever thread asks: one that an application has bound to a single
+// processor may still own a team that is not.
+std::optional<unsigned> CountAffinityProcessors() {
     cpu_set_t set;
     CPU_ZERO(&set);
-    if (sched_getaffinity(0, sizeof(set), &set) != 0) return 0;
+    if (sched_getaffinity(getpid(), sizeof(set), &set) != 0) return std::nullopt;
     unsigned count = 0;
     for (int i = 0; i < 64; ++i) count += CPU_ISSET(i, &set) ? 1 : 0;
     return count;
@@ -87,6 +89,10 @@ unsigned CountSystemProcessors() {
     const long count = sysconf(_SC_NPROCESSORS_ONLN);
     return count > 0 ? static_cast<unsigned>(count) : 0;
 }
+
+void PauseProcessor() { __builtin_ia32_pause(); }
+
+void YieldProcessor() { sched_yield(); }
 
 unsigned CountRuntimeThreads() { return std::thread::hardware_concurrency(); }
 

@@ -3,7 +3,6 @@
 #include <pthread.h>
 #include <sched.h>
 
-#include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <mutex>
@@ -15,28 +14,30 @@ namespace KorvaneSoftware::platform {
 
 namespace {
 
+// One waiting thread, on its own stack.
+struct Waiter {
+    Waiter* next = nullptr;
+    bool released = false;
+};
+
+// A signal goes to the oldest waiter or, with none, is kept for the next. All fields are guarded by the mutex.
 struct Event {
     std::mutex mutex;
     std::condition_variable condition;
-    std::atomic<bool> signalled{false};  // Changed under the mutex; read without it while spinning.
+    bool signalled = false;
+    Waiter* oldest = nullptr;
+
+    void Append(Waiter& waiter) {
+        Waiter** place = &oldest;
+        while (*place != nullptr) place = &(*place)->next;
+        *place = &waiter;
+    }
+    void Remove(const Waiter& waiter) {
+        Waiter** place = &oldest;
+        while (*place != &waiter) place = &(*place)->next;
+        *place = waiter.next;
+    }
 };
-
-// How long a waiter watches for the signal before it sleeps. To wake a sleeping thread costs tens of microseconds, a
-// tenth of the time in which a worker does its share of an HD frame; a signal often comes sooner than that.
-constexpr std::chrono::microseconds kSpinTime{60};
-
-void SpinFor(const std::atomic<bool>& signalled) {
-    static const bool hasOtherProcessors = CountAffinityProcessors() > 1;
-    if (!hasOtherProcessors) return;
-    constexpr int kPausesBetweenLooksAtTheClock = 16;
-    const auto end = std::chrono::steady_clock::now() + kSpinTime;
-    do {
-        for (int i = 0; i < kPausesBetweenLooksAtTheClock; ++i) {
-            if (signalled.load(std::memory_order_relaxed)) return;
-            __builtin_ia32_pause();
-        }
-    } while (std::chrono::steady_clock::now() < end);
-}
 
 struct Thread {
     pthread_t id{};
@@ -60,10 +61,15 @@ void DestroyEvent(EventHandle event) { delete static_cast<Event*>(event); }
 bool SetEvent(EventHandle handle) {
     Event* const event = static_cast<Event*>(handle);
     try {
-        // Notified under the lock: the waiter may destroy the event as soon as it has seen the signal.
+        // Notified under the lock: the waiter may destroy the event as soon as it has been released.
         const std::lock_guard lock(event->mutex);
-        event->signalled.store(true, std::memory_order_relaxed);
-        event->condition.notify_one();
+        if (Waiter* const waiter = event->oldest) {
+            event->oldest = waiter->next;
+            waiter->released = true;
+            event->condition.notify_all();
+        } else {
+            event->signalled = true;
+        }
     } catch (...) {
         return false;
     }
@@ -73,15 +79,21 @@ bool SetEvent(EventHandle handle) {
 WaitResult WaitEvent(EventHandle handle, std::uint32_t timeoutMs) {
     Event* const event = static_cast<Event*>(handle);
     try {
-        if (timeoutMs != 0) SpinFor(event->signalled);
-        // The signal is taken under the lock, so that SetEvent is through with the event by then.
         std::unique_lock lock(event->mutex);
-        const auto signalled = [event] { return event->signalled.load(std::memory_order_relaxed); };
-        if (timeoutMs == kWaitForever)
-            event->condition.wait(lock, signalled);
-        else if (!event->condition.wait_for(lock, std::chrono::milliseconds(timeoutMs), signalled))
+        if (event->signalled) {
+            event->signalled = false;
+            return WaitResult::Signalled;
+        }
+        if (timeoutMs == 0) return WaitResult::TimedOut;
+        Waiter self;
+        event->Append(self);
+        const auto released = [&self] { return self.released; };
+        if (timeoutMs == kWaitForever) {
+            event->condition.wait(lock, released);
+        } else if (!event->condition.wait_for(lock, std::chrono::milliseconds(timeoutMs), released)) {
+            event->Remove(self);
             return WaitResult::TimedOut;
-        event->signalled.store(false, std::memory_order_relaxed);
+        }
     } catch (...) {
         return WaitResult::Failed;
     }
