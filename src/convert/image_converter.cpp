@@ -10,24 +10,20 @@ namespace KorvaneSoftware {
 
 namespace {
 
-// Lines of temporary pictures are aligned for the widest registers.
-constexpr std::uint32_t kTemporaryAlignment = 64;
-
-// A buffer that goes back to its converter on every way out.
+// Memory of a picture between two steps, which goes back to its converter on every way out.
 class ScopedBuffer {
 public:
-    ScopedBuffer(CImageConverter& owner, std::uint64_t size)
-        : owner_(owner), size_(size), data_(owner.AcquireBuffer(size)) {}
+    ScopedBuffer(CImageConverter& owner, const ImageDescriptor& picture)
+        : owner_(owner), data_(owner.AcquireBuffer(ImageTemporarySize(&picture))) {}
     ~ScopedBuffer() { owner_.ReleaseBuffer(data_); }
     ScopedBuffer(const ScopedBuffer&) = delete;
     ScopedBuffer& operator=(const ScopedBuffer&) = delete;
 
     explicit operator bool() const { return data_ != nullptr; }
-    Status Describe(ImageDescriptor& picture) const { return ImageSetPlanesFromBuffer(&picture, data_, size_); }
+    Status Describe(ImageDescriptor& picture) const { return ImageSetTemporaryPlanes(&picture, data_); }
 
 private:
     CImageConverter& owner_;
-    std::uint64_t size_;
     std::uint8_t* data_;
 };
 
@@ -104,9 +100,9 @@ Status CImageConverter::ResizeTwoStages(const ImageDescriptor* dst, const ImageD
         const std::uint64_t verticalSize = ImageBufferSizeAligned(&verticalFirst, kTemporaryAlignment);
         // Fewer lines early; when enlarging, lines first only where that halves the temporary picture.
         const bool isVerticalFirst = dst->height < src->height || verticalSize < horizontalSize >> 1;
-        const ScopedBuffer buffer(*this, isVerticalFirst ? verticalSize : horizontalSize);
-        if (!buffer) return IMG_E_NO_MEMORY;
         ImageDescriptor& tmp = isVerticalFirst ? verticalFirst : horizontalFirst;
+        const ScopedBuffer buffer(*this, tmp);
+        if (!buffer) return IMG_E_NO_MEMORY;
         if (const Status status = buffer.Describe(tmp); status != IMG_OK) return status;
         return ResizeThrough(dst, &tmp, src);
     });
@@ -128,9 +124,9 @@ Status CImageConverter::ResizeAndConvert(const ImageDescriptor* dst, const Image
         else if (!isConvertFirst)
             // Raising the depth before resizing keeps precision, whatever it costs.
             isConvertFirst = IsWordFormat(dst->format) && !IsWordFormat(src->format);
-        const ScopedBuffer buffer(*this, isConvertFirst ? convertedSize : resizedSize);
-        if (!buffer) return IMG_E_NO_MEMORY;
         ImageDescriptor& tmp = isConvertFirst ? converted : resized;
+        const ScopedBuffer buffer(*this, tmp);
+        if (!buffer) return IMG_E_NO_MEMORY;
         if (const Status status = buffer.Describe(tmp); status != IMG_OK) return status;
         if (isConvertFirst) {
             if (const Status status = convert_(&tmp, src); status != IMG_OK) return status;

@@ -12,7 +12,6 @@ namespace {
 constexpr std::uint32_t kHighestMode = 3;
 constexpr std::uint32_t kFirstModeWithoutSpatialCheck = 2;
 constexpr std::uint32_t kLinesPerBand = 16;
-constexpr std::uint32_t kRowAlignment = 64;
 // Below this a frame is copied sooner than a second thread has woken up.
 constexpr std::uint64_t kSmallestSharedCopy = 512 << 10;
 
@@ -46,22 +45,16 @@ bool SameShape(const ImageDescriptor& a, const ImageDescriptor& b) {
 
 // Points the planes of `image` into `buffer`, which grows as needed.
 Status PlaceImage(ImageDescriptor& image, AlignedBuffer& buffer) {
-    const FormatInfo* const info = FormatInfoOf(image);
-    if (info == nullptr) return IMG_E_BAD_FORMAT;
-    // Chroma planes of an odd picture start behind a luma line that is not there, which the size must include.
-    ImageDescriptor whole = image;
-    whole.height =
-        static_cast<std::uint32_t>(std::min<std::uint64_t>(ImageAlign(image.height, info->yAlign), UINT32_MAX));
-    const std::uint64_t size = ImageBufferSizeAligned(&whole, kRowAlignment);
+    if (FormatInfoOf(image) == nullptr) return IMG_E_BAD_FORMAT;
+    const std::uint64_t size = ImageTemporarySize(&image);
     if (size == 0) return IMG_E_BAD_SIZE;
     if (size > buffer.Capacity()) {
         buffer.Reserve(size);
         if (buffer.Data() == nullptr) return IMG_E_NO_MEMORY;
     }
-    const std::uint64_t rowBytes = std::uint64_t{info->plane0Bits} * image.width / 8;
     std::fill(std::begin(image.planes), std::end(image.planes), nullptr);
     std::fill(std::begin(image.strides), std::end(image.strides), 0);
-    return ImageSetPlanes(&image, buffer.Data(), static_cast<std::int64_t>(ImageAlign(rowBytes, kRowAlignment)));
+    return ImageSetTemporaryPlanes(&image, buffer.Data());
 }
 
 std::uint32_t ParityOf(std::uint32_t fieldIntact, std::uint32_t structure) {

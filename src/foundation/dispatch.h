@@ -97,13 +97,24 @@ private:
     DispatchSlotBase* next_ = nullptr;
 };
 
+/// A form, or nullptr where a set has none. Which of the two is kept apart: under some sanitizers a compiler
+/// takes no comparison of a function's address with null for a constant.
+template <class Signature>
+struct OptionalForm {
+    Signature* function = nullptr;
+    bool present = false;
+
+    constexpr OptionalForm(std::nullptr_t) {}
+    constexpr OptionalForm(Signature* form) : function(form), present(true) {}
+};
+
 /// The forms of one primitive, absent ones null.
 template <class Signature>
 struct FormsBySet {
-    Signature* plain;
-    Signature* sse41;
-    Signature* avx2;
-    Signature* avx512;
+    OptionalForm<Signature> plain;
+    OptionalForm<Signature> sse41;
+    OptionalForm<Signature> avx2;
+    OptionalForm<Signature> avx512;
 };
 
 /// What slots of every kind have in common: rows from plain to most demanding, and the chosen function.
@@ -129,8 +140,8 @@ protected:
         : DispatchSlotBase(name, index), resolver_(resolver), target_(resolver) {}
     ~ResolvedSlot() = default;
 
-    constexpr void AddRow(std::uint32_t features, Signature* function, const char* set) {
-        if (function != nullptr) rows_[rowCount_++] = {features, function, set};
+    constexpr void AddRow(std::uint32_t features, OptionalForm<Signature> form, const char* set) {
+        if (form.present) rows_[rowCount_++] = {features, form.function, set};
     }
     Signature* Settle(Signature* function) {
         target_.store(function, std::memory_order_relaxed);
@@ -177,24 +188,31 @@ class LevelSlot final : public ResolvedSlot<Signature> {
 public:
     constexpr LevelSlot(const char* name, Signature* resolver, Signature* level0, Signature* level1, Signature* level2,
                         Signature* level3, Signature* level4, Signature* level5)
-        : ResolvedSlot<Signature>(name, -1, resolver), levels_{level0, level1, level2, level3, level4, level5} {
-        this->AddRow(FEATURES_PLAIN, level0, "Plain");
-        if (level4 != level0) this->AddRow(FEATURES_SSE41, level4, "Sse41");
-        if (level5 != level4) this->AddRow(FEATURES_AVX2, level5, "Avx2");
+        : ResolvedSlot<Signature>(name, -1, resolver), levels_{level0, level1, level2, level3, level4, level5} {}
+
+    /// Puts the slot on the list, with one row for each form. The rows are told apart only now: under some sanitizers a
+    /// compiler takes no comparison of two functions' addresses for a constant.
+    void Register() {
+        this->AddRow(FEATURES_PLAIN, levels_[0], "Plain");
+        if (levels_[4] != levels_[0]) this->AddRow(FEATURES_SSE41, levels_[4], "Sse41");
+        if (levels_[5] != levels_[4]) this->AddRow(FEATURES_AVX2, levels_[5], "Avx2");
+        ResolvedSlot<Signature>::Register();
     }
 
     /// Picks the entry of the level in force, as far as the enabled features allow, and remembers it.
     Signature* Resolve() {
-        Signature* form = levels_[EnabledCpuLevel()];
-        for (std::size_t row = this->RowCount(); row-- > 0;) {
-            const auto& entry = this->rows_[row];
-            if (entry.function == form && (entry.requiredFeatures & EnabledFeatures()) != entry.requiredFeatures)
-                form = this->rows_[row > 0 ? row - 1 : 0].function;
-        }
-        return this->Settle(form);
+        unsigned level = EnabledCpuLevel();
+        while (level > 0 && (Needs(levels_[level]) & EnabledFeatures()) != Needs(levels_[level])) --level;
+        return this->Settle(levels_[level]);
     }
 
 private:
+    std::uint32_t Needs(Signature* form) const {
+        if (form == levels_[0]) return FEATURES_PLAIN;
+        if (form == levels_[4]) return FEATURES_SSE41;
+        return form == levels_[5] ? FEATURES_AVX2 : FEATURES_PLAIN;
+    }
+
     Signature* levels_[6];
 };
 

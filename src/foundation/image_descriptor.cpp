@@ -1,5 +1,6 @@
 #include "foundation/image_descriptor.h"
 
+#include <algorithm>
 #include <array>
 
 namespace KorvaneSoftware {
@@ -184,6 +185,11 @@ std::int64_t ChromaLines(const FormatInfo& info, std::uint32_t height) {
     return static_cast<std::int64_t>(ImageAlign(height, info.chromaHeightDiv));
 }
 
+// Stride of plane 0 of a temporary picture.
+std::uint64_t TemporaryStride(const FormatInfo& info, std::uint32_t width) {
+    return ImageAlign(RowBytes(info, width), kTemporaryAlignment);
+}
+
 std::uint8_t* ThirdPlane(const FormatInfo& info, const ImageDescriptor& desc, std::int64_t lines) {
     if (info.chromaSideBySide != 0) return Advance(desc.planes[1], 1, desc.strides[1] / info.chromaSideBySide);
     return Advance(desc.planes[1], 1, WrappingProduct(lines, desc.strides[1]) / info.chromaHeightDiv);
@@ -268,6 +274,35 @@ Status ImageSetPlanes(ImageDescriptor* desc, std::uint8_t* base, std::int64_t st
     desc->strides[2] = desc->strides[1];
     desc->planes[2] = ThirdPlane(*info, *desc, lines);
     return IMG_OK;
+}
+
+std::uint64_t ImageTemporarySize(const ImageDescriptor* desc) {
+    const FormatInfo* info = InfoOf(desc);
+    if (info == nullptr || desc->width == 0 || desc->height == 0) return 0;
+    // No format takes more than three planes of the first one's size and a line above.
+    const std::uint64_t bound = SaturatingProduct(TemporaryStride(*info, desc->width), 4 * (desc->height + 4ull));
+    if (bound > INT64_MAX) return UINT64_MAX;
+    constexpr std::uintptr_t kBase = kTemporaryAlignment;
+    ImageDescriptor placed = *desc;
+    ImageSetTemporaryPlanes(&placed, reinterpret_cast<std::uint8_t*>(kBase));
+    std::uint64_t end = 0;
+    for (std::uint32_t plane = 0; plane < info->planeCount; ++plane) {
+        const auto stride = static_cast<std::uint64_t>(placed.strides[plane]);
+        const std::uint64_t lines =
+            plane == 0 ? desc->height : (desc->height - 1ull + info->chromaHeightDiv) / info->chromaHeightDiv;
+        // Side by side, the third plane's last line ends with the second's.
+        const std::uint64_t lastLine = plane == 2 && info->chromaSideBySide != 0 ? stride / 2 : stride;
+        const std::uint64_t start = reinterpret_cast<std::uintptr_t>(placed.planes[plane]) - kBase;
+        end = std::max(end, start + (lines - 1) * stride + lastLine);
+    }
+    return end;
+}
+
+Status ImageSetTemporaryPlanes(ImageDescriptor* desc, std::uint8_t* base) {
+    if (desc == nullptr || base == nullptr) return IMG_E_NULL_ARG;
+    const FormatInfo* info = FormatInfoOf(*desc);
+    if (info == nullptr) return IMG_E_BAD_FORMAT;
+    return ImageSetPlanes(desc, base, static_cast<std::int64_t>(TemporaryStride(*info, desc->width)));
 }
 
 Status ImageSetPlanesTight(ImageDescriptor* desc, std::uint8_t* base, std::uint64_t size) {

@@ -159,6 +159,16 @@ std::int64_t ImagePlaneStride(const ImageDescriptor* desc, std::uint32_t plane);
 std::uint64_t ImageBufferSizeAligned(const ImageDescriptor* desc, std::uint32_t alignment);
 std::uint64_t ImageBufferSize(const ImageDescriptor* desc);
 
+/// Lines of temporary pictures are aligned for the widest registers.
+constexpr std::uint32_t kTemporaryAlignment = 64;
+
+/// Bytes of memory that ImageSetTemporaryPlanes places the picture in: up to the end of its last plane, counting the
+/// chroma line that the last luma line of an odd height belongs to. ImageBufferSize is another number, which an odd
+/// height can make smaller. 0 for null, unknown and an empty picture; UINT64_MAX for one too large to address.
+std::uint64_t ImageTemporarySize(const ImageDescriptor* desc);
+/// Places a temporary picture from `base` on, which has room for ImageTemporarySize bytes.
+Status ImageSetTemporaryPlanes(ImageDescriptor* desc, std::uint8_t* base);
+
 /// Sets plane 0 and stride 0 as given and the rest from them. A failure leaves the descriptor as it was.
 Status ImageSetPlanes(ImageDescriptor* desc, std::uint8_t* base, std::int64_t stride);
 /// Sets the planes with the smallest legal stride. IMG_BUFFER_TOO_SMALL when `size` does not hold the picture; the

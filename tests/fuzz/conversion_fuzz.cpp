@@ -40,11 +40,8 @@ void TestDispatch(FuzzInput input) {
 
 /// Through the component: public numbers, 32-bit strides, arrays.
 void TestComponent(FuzzInput input) {
-    static const ComPtr<IColorConversion> converter = [] {
-        ComPtr<IColorConversion> made;
-        Require(CreateInstance(CLSID_Pixmorph, made) == S_OK, "the class is there");
-        return made;
-    }();
+    ComPtr<IColorConversion> converter;
+    Require(CreateInstance(CLSID_Pixmorph, converter) == S_OK, "the class is there");
     const std::uint32_t width = input.Below(100), height = input.Below(24);
     const std::uint32_t sourceId = input.Flag() ? input.Below(128) : input.Take<std::uint32_t>();
     const std::uint32_t targetId = input.Flag() ? input.Below(128) : input.Take<std::uint32_t>();

@@ -19,11 +19,9 @@ std::uint32_t FormatOf(std::uint32_t publicId) {
 }
 
 std::pair<HRESULT, FuzzPicture> Resize(FuzzInput input) {
-    static const ComPtr<IResizeImage> resizer = [] {
-        ComPtr<IResizeImage> made;
-        Require(CreateInstance(CLSID_StretchImage, made) == S_OK, "the class is there");
-        return made;
-    }();
+    // A new object for each case: one that has worked before has larger buffers.
+    ComPtr<IResizeImage> resizer;
+    Require(CreateInstance(CLSID_StretchImage, resizer) == S_OK, "the class is there");
     const std::uint32_t sourceWidth = input.Below(90), sourceHeight = input.Below(40);
     const bool sameSize = input.Below(8) == 0;
     const std::uint32_t targetWidth = sameSize ? sourceWidth : input.Below(90);

@@ -61,7 +61,7 @@ struct Outcome {
 };
 
 Outcome CallMixer(std::uint32_t method, FuzzInput input) {
-    static const auto mixer = Make<ITitleMixer4>(CLSID_TitleMixer3);
+    const auto mixer = Make<ITitleMixer4>(CLSID_TitleMixer3);
     static constexpr std::uint32_t kFormats[] = {7, 8, 0, 5, 6, 17, 18, 32, 101, 102, 14, 15};
     const std::uint32_t width = input.Below(70), height = input.Below(8);
     const std::uint32_t alpha = input.Flag() ? input.Below(256) : input.Take<std::uint32_t>();
@@ -106,8 +106,8 @@ Outcome CallMixer(std::uint32_t method, FuzzInput input) {
 }
 
 Outcome Compress(bool plainColour, FuzzInput input) {
-    static const auto mixer = Make<ITitleMixer>(CLSID_TitleMixer);
-    static const auto compressor = Make<IY16ARLECompressor>(CLSID_Y16ARLECompressor);
+    const auto mixer = Make<ITitleMixer>(CLSID_TitleMixer);
+    const auto compressor = Make<IY16ARLECompressor>(CLSID_Y16ARLECompressor);
     const std::uint32_t groups = 1 + input.Below(5), height = 1 + input.Below(6);
     const bool y16a = plainColour && input.Flag();
     Rows from(input, groups * (y16a ? 48 : 64), height, input.Take<std::uint8_t>());

@@ -1,7 +1,9 @@
 // Plane positions, strides and sizes, against worked numbers.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
+#include <vector>
 
 #include "foundation/image_descriptor.h"
 
@@ -179,6 +181,67 @@ TEST(ImageBufferSize, IsTheLargestNumberWhenNoneHoldsIt) {
     }
     const ImageDescriptor fits = Shape(FMT_Y400, 0xFFFFFFFF, 0xFFFFFFFF);
     EXPECT_EQ(ImageBufferSize(&fits), 0xFFFFFFFFull * 0xFFFFFFFFull);
+}
+
+// Every sample of every plane, the chroma of an odd last line included, has a place of its own before the end, and the
+// last plane's last line ends there.
+TEST(ImageTemporary, HoldsEachPlaneOfEveryFormatAndSize) {
+    for (const FormatInfo& info : FormatInfoTable()) {
+        if (info.id == FMT_NONE) continue;
+        for (std::uint32_t height = 1; height <= 19; ++height) {
+            for (const std::uint32_t width : {1u, 2u, 16u, 31u, 63u, 64u, 65u, 126u, 720u}) {
+                SCOPED_TRACE(testing::Message() << "format " << info.id << " " << width << "x" << height);
+                ImageDescriptor desc = Shape(info.id, width, height);
+                const std::uint64_t size = ImageTemporarySize(&desc);
+                ASSERT_EQ(ImageSetTemporaryPlanes(&desc, At(kBase)), IMG_OK);
+                ASSERT_EQ(desc.strides[0] % 64, 0);
+                std::vector<bool> taken(size);
+                std::uint64_t end = 0;
+                for (std::uint32_t plane = 0; plane < info.planeCount; ++plane) {
+                    const std::uint32_t div = plane == 0 ? 1 : info.chromaHeightDiv;
+                    const std::uint64_t rowBytes = ImagePlaneRowBytes(&desc, plane);
+                    for (std::uint32_t row = 0; row < (height + div - 1) / div; ++row) {
+                        const std::uint64_t start = AddressOf(desc.planes[plane]) - kBase +
+                                                    row * static_cast<std::uint64_t>(desc.strides[plane]);
+                        ASSERT_LE(start + rowBytes, size);
+                        for (std::uint64_t i = start; i < start + rowBytes; ++i) {
+                            ASSERT_FALSE(taken[i]) << "plane " << plane << " row " << row;
+                            taken[i] = true;
+                        }
+                        end = std::max(end, start + rowBytes);
+                    }
+                }
+                EXPECT_LE(size - end, static_cast<std::uint64_t>(desc.strides[0])) << "more than the rest of a line";
+            }
+        }
+    }
+}
+
+TEST(ImageTemporary, WorkedNumbers) {
+    const auto size = [](std::uint32_t format, std::uint32_t width, std::uint32_t height) {
+        const ImageDescriptor desc = Shape(format, width, height);
+        return ImageTemporarySize(&desc);
+    };
+    EXPECT_EQ(size(FMT_I420, 1920, 1080), 3110400u);
+    EXPECT_EQ(size(FMT_I420, 720, 481), 768u * 482 + 2 * 384u * 241);
+    EXPECT_EQ(size(FMT_IMC4, 88, 27), 128u * 28 + 128u * 14);
+    EXPECT_EQ(size(FMT_NV12, 720, 481), 768u * 482 + 768u * 241);
+    EXPECT_EQ(size(FMT_S420, 126, 3), 256u * 4 + 256u * 2);
+    EXPECT_EQ(size(FMT_YVU9, 64, 5), 64u * 8 + 2u * 16 * 2);
+    EXPECT_EQ(size(FMT_BGRA, 10, 7), 64u * 7);
+    EXPECT_EQ(size(FMT_I420, 0, 16), 0u);
+    EXPECT_EQ(size(FMT_I420, 16, 0), 0u);
+    EXPECT_EQ(size(FMT_P016, 16, 16), 0u);
+    EXPECT_EQ(size(FMT_Y444, 0xFFFFFFFF, 0xFFFFFFFF), UINT64_MAX);
+    EXPECT_EQ(ImageTemporarySize(nullptr), 0u);
+}
+
+TEST(ImageTemporary, RefusesWhatHasNoPlace) {
+    ImageDescriptor desc = Shape(FMT_I420, 16, 16);
+    EXPECT_EQ(ImageSetTemporaryPlanes(nullptr, At(kBase)), IMG_E_NULL_ARG);
+    EXPECT_EQ(ImageSetTemporaryPlanes(&desc, nullptr), IMG_E_NULL_ARG);
+    desc.format = FMT_P016;
+    EXPECT_EQ(ImageSetTemporaryPlanes(&desc, At(kBase)), IMG_E_BAD_FORMAT);
 }
 
 TEST(ImageSetPlanes, HdI420) {
