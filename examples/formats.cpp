@@ -1,6 +1,6 @@
-// Prints, in Markdown, what the library answers about itself: its classes and their interfaces, and which picture
-// formats convert into which. docs/formats.md holds this output; "formats --check docs/formats.md" tells whether it
-// still is right. "formats --check-classes README.md" tells the same of the states in a table of classes.
+// Prints, in Markdown, what the library answers about itself: its classes and their interfaces, which picture formats
+// convert into which, and its codecs. docs/formats.md holds this output; "formats --check docs/formats.md" tells
+// whether it still is right. "formats --check-classes README.md" tells the same of the states in a table of classes.
 #include <pixmorph/pixmorph.h>
 
 #include <array>
@@ -170,6 +170,31 @@ std::string NumberTable(IColorConversion& conversion, IStretchImage& stretch) {
     return text;
 }
 
+// A codec is there unless setting a format, whatever it says to the size, answers that none can be made.
+std::string CodecTable(IVideoCodecEnum& codecs) {
+    std::string text = "| index | FourCC | codec | encoder | decoder |\n| --- | --- | --- | --- | --- |\n";
+    ComPtr<IVideoEncoder> encoder;
+    ComPtr<IVideoDecoder> decoder;
+    std::uint32_t count = 0;
+    if (FAILED(codecs.QueryInterface(IID_IVideoEncoder, encoder.Put())) ||
+        FAILED(codecs.QueryInterface(IID_IVideoDecoder, decoder.Put())) || FAILED(codecs.Count(&count)))
+        return {};
+    for (std::int32_t index = 0; index < static_cast<std::int32_t>(count); ++index) {
+        std::uint32_t fourCC = 0;
+        wchar_t* wide = nullptr;
+        if (FAILED(codecs.Info(&fourCC, &wide, index))) return {};
+        std::string code, name;
+        for (int shift = 0; shift < 32; shift += 8) code += static_cast<char>(fourCC >> shift & 0xFF);
+        for (const wchar_t* letter = wide; *letter != 0; ++letter) name += static_cast<char>(*letter);
+        CoTaskMemFree(wide);
+        const auto state = [](HRESULT result) { return result == E_OUTOFMEMORY ? "no" : "yes"; };
+        text += Join({"| ", std::to_string(index), " | `", code, "` | ", name, " | ",
+                      state(encoder->EncSetFormat(index, 720, 576)), " | ",
+                      state(decoder->DecSetFormat(index, 720, 576)), " |\n"});
+    }
+    return text;
+}
+
 // A page's table has a row for each class, or for several, whose first cell holds the names and whose last cell is
 // "works" for those that the library can make.
 int CheckClassStates(const char* path) {
@@ -202,9 +227,12 @@ int CheckClassStates(const char* path) {
 int main(int argc, char** argv) {
     ComPtr<IColorConversion> conversion;
     ComPtr<IStretchImage> stretch;
-    if (FAILED(CreateInstance(CLSID_Pixmorph, conversion)) || FAILED(CreateInstance(CLSID_StretchImage, stretch)))
+    ComPtr<IVideoCodecEnum> codecs;
+    if (FAILED(CreateInstance(CLSID_Pixmorph, conversion)) || FAILED(CreateInstance(CLSID_StretchImage, stretch)) ||
+        FAILED(CreateInstance(CLSID_VideoCodec, codecs)))
         return 1;
-    const std::string tables[] = {ClassTable(), NumberTable(*conversion, *stretch), ConversionTable(*conversion)};
+    const std::string tables[] = {ClassTable(), NumberTable(*conversion, *stretch), ConversionTable(*conversion),
+                                  CodecTable(*codecs)};
 
     if (argc == 3 && std::string(argv[1]) == "--check") {
         std::ifstream file(argv[2]);

@@ -11,6 +11,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstdlib>
 #include <utility>
 
 #if defined(_WIN32)
@@ -59,12 +60,16 @@ inline constexpr HRESULT E_FAIL = static_cast<HRESULT>(0x80004005);     ///< The
 inline constexpr HRESULT E_UNEXPECTED = static_cast<HRESULT>(0x8000FFFF);   ///< The object is in no state for the call.
 inline constexpr HRESULT E_OUTOFMEMORY = static_cast<HRESULT>(0x8007000E);  ///< Memory could not be had.
 inline constexpr HRESULT E_INVALIDARG = static_cast<HRESULT>(0x80070057);   ///< An argument is out of range or unknown.
+inline constexpr HRESULT E_NOT_VALID_STATE = static_cast<HRESULT>(0x8007139F);  ///< What the call needs is not set up.
 inline constexpr HRESULT CLASS_E_NOAGGREGATION = static_cast<HRESULT>(0x80040110);  ///< Aggregation asked for wrongly.
 inline constexpr HRESULT CLASS_E_CLASSNOTAVAILABLE =
     static_cast<HRESULT>(0x80040111);  ///< The class identifier is unknown.
 
 constexpr bool SUCCEEDED(HRESULT result) noexcept { return result >= 0; }
 constexpr bool FAILED(HRESULT result) noexcept { return result < 0; }
+
+/// Frees what a method allocated for its caller. Here that is `free`, for callers in any language.
+inline void CoTaskMemFree(void* memory) noexcept { std::free(memory); }
 
 inline constexpr GUID IID_IUnknown = {0x00000000, 0x0000, 0x0000, {0xC0, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x46}};
 inline constexpr GUID IID_IClassFactory = {

@@ -15,7 +15,8 @@
 //  - A method that takes arrays of planes takes four pointers and four strides. Those after the first may be null and
 //  0:
 //    the further planes then follow the first directly, with strides derived from the first.
-//  - Results are the same to the bit on every processor and with every number of threads.
+//  - Results are the same to the bit on every processor and with every number of threads, except where a method says
+//    what else they depend on (IVideoEncoder::Encode).
 //  - Methods return S_OK or a failure code; no exception leaves them. Where nothing else is stated a failure has
 //  written
 //    nothing.
@@ -526,6 +527,110 @@ struct IVideoDeinterlacer : IUnknown {
                                            std::uint32_t fieldIntact) = 0;
 };
 
+// -------------------------------------------------------------------------------------------- class VideoCodec
+
+// Compresses and decompresses single frames. The object has three interfaces over one table of codecs: the encoder and
+// the decoder are set up and used independently of each other, each with an index of that table. Frames are independent
+// of each other but for H.264's. The threads that a codec works with live as long as the codec and sleep between calls.
+//
+//   index  FourCC  codec
+//   0      KVDV    DV
+//   1      KV25    DVCPRO
+//   2      KV50    DVCPRO50
+//   3, 4   KVH1    DVCPRO100 for 50 Hz and for 60 Hz systems; their decoder is one
+//   5      TRVD    Tarvex JPEG
+//   6      TRVT    Tarvex JPEG with alpha
+//   7      KVIF    elementary I-frames (MPEG-2 4:2:2)
+//   8      KVES    advanced I-frames (MPEG-2 4:2:2)
+//   9      KVMJ    Motion-JPEG
+//   10     AVC1    H.264, decoder only
+
+/// Lists the codecs.
+struct IVideoCodecEnum : IUnknown {
+    /// Number of codecs. @param pNumCodecs  receives it. @return S_OK; E_INVALIDARG for a null pointer.
+    virtual HRESULT PIXMORPH_CALL Count(std::uint32_t* pNumCodecs) = 0;
+    /// What a codec is called. Different codecs may have the same FourCC.
+    /// @param pFourcc  receives the stream tag, a little-endian four-character code.
+    /// @param pName    receives the display name: a string of the platform's wide characters (wchar_t: 32 bits wide on
+    ///                 Linux, 16 on Windows) with a zero at its end, which the caller frees with CoTaskMemFree (on Linux:
+    ///                 free).
+    /// @param idx      from 0 to the count - 1.
+    /// @return S_OK; E_INVALIDARG for a null pointer or another index; E_OUTOFMEMORY. A failure writes nothing.
+    virtual HRESULT PIXMORPH_CALL Info(std::uint32_t* pFourcc, wchar_t** pName, std::int32_t idx) = 0;
+    /// Compares two FourCCs without letter case (A to Z alone). @return S_OK when they are equal, else E_FAIL.
+    virtual HRESULT PIXMORPH_CALL IsEqual(std::uint32_t fourCC, std::uint32_t anotherFourcc) = 0;
+    /// Reserved. @return E_NOTIMPL.
+    virtual HRESULT PIXMORPH_CALL CodecEnumMethod3() = 0;
+    virtual HRESULT PIXMORPH_CALL CodecEnumMethod4() = 0;
+    virtual HRESULT PIXMORPH_CALL CodecEnumMethod5() = 0;
+    virtual HRESULT PIXMORPH_CALL CodecEnumMethod6() = 0;
+    virtual HRESULT PIXMORPH_CALL CodecEnumMethod7() = 0;
+};
+
+/// Compresses frames with one codec at a time.
+struct IVideoEncoder : IUnknown {
+    /// Replaces the encoder by a new one of codec `idx`, with the default quality.
+    /// @param idx            index of the codec.
+    /// @param width, height  of the frames, at least 1. Which sizes a codec takes is the codec's business.
+    /// @return S_OK; E_INVALIDARG for an index or a size out of range, which changes nothing; E_OUTOFMEMORY when there is
+    ///         no such encoder (always for AVC1): the earlier one is gone then; E_INVALIDARG when the codec refuses the
+    ///         size: it stays, and its Encode fails.
+    virtual HRESULT PIXMORPH_CALL EncSetFormat(std::int32_t idx, std::int32_t width, std::int32_t height) = 0;
+    /// Sets the quality of the frames to come: 0 is the worst, 10000 the best, 8000 the default. Codecs of fixed rate
+    /// (DV) have none and ignore it. @return S_OK; E_NOT_VALID_STATE without an encoder.
+    virtual HRESULT PIXMORPH_CALL EncSetQuality(std::int32_t quality) = 0;
+    /// Compresses a frame of the size set. The codec converts from formats that are not its own; which it takes is the
+    /// codec's business.
+    ///
+    /// A KVMJ frame depends on the number of processors that the process could use when the format was set: with one,
+    /// some filler before an image's end marker differs from that with several. What it decodes to does not.
+    /// @param pDst           receives the compressed frame.
+    /// @param dstBufferSize  bytes at `pDst`, at least 1.
+    /// @param pDstSize       receives the bytes of the frame; 0, with S_OK, from a codec that does not tell of a frame too
+    ///                       large for the buffer. No byte behind the buffer is written.
+    /// @param pSrc           array, of which the first pointer is read: the first plane of the picture. Further planes
+    ///                       follow it directly, with strides derived from the first.
+    /// @param srcStride      array, of which the first stride is read.
+    /// @param srcFormat      number or FourCC. 17 and 18 (top-down RGB) are taken as 7 and 8: pass the last line and a
+    ///                       negative stride for a top-down picture.
+    /// @return S_OK; E_INVALIDARG for a buffer size below 1, a null `pDstSize`, plane or array, or an unknown format;
+    ///         E_NOT_VALID_STATE without an encoder; E_FAIL when the codec fails. `*pDstSize` is written with S_OK only.
+    virtual HRESULT PIXMORPH_CALL Encode(std::uint8_t* pDst, std::int32_t dstBufferSize, std::uint32_t* pDstSize,
+                                         const std::uint8_t* const* pSrc, const std::int32_t* srcStride,
+                                         std::uint32_t srcFormat) = 0;
+    /// Reserved. @return E_NOTIMPL.
+    virtual HRESULT PIXMORPH_CALL EncoderMethod3() = 0;
+    virtual HRESULT PIXMORPH_CALL EncoderMethod4() = 0;
+    virtual HRESULT PIXMORPH_CALL EncoderMethod5() = 0;
+    virtual HRESULT PIXMORPH_CALL EncoderMethod6() = 0;
+    virtual HRESULT PIXMORPH_CALL EncoderMethod7() = 0;
+};
+
+/// Decompresses frames with one codec at a time.
+struct IVideoDecoder : IUnknown {
+    /// Replaces the decoder by a new one of codec `idx`. Arguments and results as IVideoEncoder::EncSetFormat.
+    virtual HRESULT PIXMORPH_CALL DecSetFormat(std::int32_t idx, std::int32_t width, std::int32_t height) = 0;
+    /// Decompresses a frame into a picture of the size set; nothing is resized. Pictures are the same with every number
+    /// of threads.
+    /// @param pDst       array, of which the first pointer is read: the first plane of the picture. Further planes follow
+    ///                   it directly, with strides derived from the first.
+    /// @param dstStride  array, of which the first stride is read.
+    /// @param dstFormat  number or FourCC; 17 and 18 as in IVideoEncoder::Encode.
+    /// @param pSrc       the compressed frame.
+    /// @param srcSize    its bytes, at least 1. Nothing behind them is read.
+    /// @return S_OK; E_INVALIDARG for a size below 1, a null plane or array, or an unknown format; E_NOT_VALID_STATE
+    ///         without a decoder; E_FAIL when the codec fails: the picture may then be written in part.
+    virtual HRESULT PIXMORPH_CALL Decode(std::uint8_t* const* pDst, const std::int32_t* dstStride,
+                                         std::uint32_t dstFormat, const std::uint8_t* pSrc, std::int32_t srcSize) = 0;
+    /// Reserved. @return E_NOTIMPL.
+    virtual HRESULT PIXMORPH_CALL DecoderMethod2() = 0;
+    virtual HRESULT PIXMORPH_CALL DecoderMethod3() = 0;
+    virtual HRESULT PIXMORPH_CALL DecoderMethod4() = 0;
+    virtual HRESULT PIXMORPH_CALL DecoderMethod5() = 0;
+    virtual HRESULT PIXMORPH_CALL DecoderMethod6() = 0;
+    virtual HRESULT PIXMORPH_CALL DecoderMethod7() = 0;
+};
+
 #if defined(__GNUC__)
 #pragma GCC diagnostic pop
 #endif
@@ -599,6 +704,18 @@ struct InterfaceId<::IVideoInterpolation2> {
 template <>
 struct InterfaceId<::IVideoDeinterlacer> {
     static constexpr GUID value = IID_IVideoDeinterlacer;
+};
+template <>
+struct InterfaceId<::IVideoCodecEnum> {
+    static constexpr GUID value = IID_IVideoCodecEnum;
+};
+template <>
+struct InterfaceId<::IVideoEncoder> {
+    static constexpr GUID value = IID_IVideoEncoder;
+};
+template <>
+struct InterfaceId<::IVideoDecoder> {
+    static constexpr GUID value = IID_IVideoDecoder;
 };
 
 }  // namespace KorvaneSoftware

@@ -39,8 +39,9 @@ struct CodedFormat : FormatHead {
     std::uint32_t kind = 0;          ///< `CodecKind`
     std::uint32_t fourCC = 0;        ///< Stream tag, as FourCC() makes it.
     std::uint32_t maxFrameSize = 0;  ///< Bytes of the largest frame, 0 when unknown.
-    std::uint32_t reserved[4] = {};  ///< Zero.
+    std::uint32_t reserved[8] = {};  ///< Zero.
 };
+static_assert(sizeof(CodedFormat) == sizeof(ImageDescriptor), "stream properties in the place of planes and strides");
 
 /// Options of a codec's Initialize.
 struct CodecOptions {

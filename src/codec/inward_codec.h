@@ -1,5 +1,5 @@
-// What every codec implements towards CVideoCodec. The outward interfaces of the same names, which applications call, are
-// declared in include/pixmorph.
+// What every codec implements towards CVideoCodec. The outward interfaces of the same names, which applications call,
+// are declared in include/pixmorph.
 //
 // A codec's class has two bases, IBasicInterface and one of these; its QueryInterface with that interface's identifier
 // returns the second view. Every operation returns a Status, 0 for success.

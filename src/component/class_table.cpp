@@ -6,6 +6,7 @@
 #include "component/pixmorph.h"
 #include "component/stretch_image.h"
 #include "component/title_mixer.h"
+#include "component/video_codec.h"
 #include "component/video_deinterlacer.h"
 #include "component/video_interpolation.h"
 #include "component/y16a_rle_compressor.h"
@@ -25,6 +26,7 @@ constexpr ComponentClass kClasses[] = {
     {&CLSID_DeinterlaceMaker, "DeinterlaceMaker", &CreateComponent<CDeinterlaceMaker>},
     {&CLSID_VideoInterpolation, "VideoInterpolation", &CreateComponent<CVideoInterpolation>},
     {&CLSID_VideoDeinterlacer, "VideoDeinterlacer", &CreateComponent<CVideoDeinterlacer>},
+    {&CLSID_VideoCodec, "VideoCodec", &CreateComponent<CVideoCodecComponent>},
 };
 
 }  // namespace

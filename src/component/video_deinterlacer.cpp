@@ -46,7 +46,7 @@ HRESULT CVideoDeinterlacer::SetSourceFrame(const std::uint8_t* const* pSrc, cons
                                            std::uint32_t imageStructure) {
     return ComponentCall([&]() -> HRESULT {
         if (filter_ == nullptr) return E_NOTIMPL;
-        if (imageStructure != kTopFieldFirst && imageStructure != kBottomFieldFirst) return E_INVALIDARG;
+        if (imageStructure != FIELDS_TOP_FIRST && imageStructure != FIELDS_BOTTOM_FIRST) return E_INVALIDARG;
         if (pSrc == nullptr || srcStride == nullptr) return E_FAIL;
         return ResultOf(
             filter_->SetSourceFrame(PictureOf(pSrc, srcStride, srcWidth, srcHeight, imageFormat), imageStructure));

@@ -15,7 +15,7 @@ constexpr std::uint32_t kLinesPerBand = 16;
 // Below this a frame is copied sooner than a second thread has woken up.
 constexpr std::uint64_t kSmallestSharedCopy = 512 << 10;
 
-bool IsStructure(std::uint32_t structure) { return structure == kTopFieldFirst || structure == kBottomFieldFirst; }
+bool IsStructure(std::uint32_t structure) { return structure == FIELDS_TOP_FIRST || structure == FIELDS_BOTTOM_FIRST; }
 
 // Formats that the history holds as they are; every other one becomes UYVY. YVYU is among them although no filter takes
 // it: such a sequence is accepted and gives no output.
@@ -58,7 +58,7 @@ Status PlaceImage(ImageDescriptor& image, AlignedBuffer& buffer) {
 }
 
 std::uint32_t ParityOf(std::uint32_t fieldIntact, std::uint32_t structure) {
-    const bool topFirst = structure == kTopFieldFirst;
+    const bool topFirst = structure == FIELDS_TOP_FIRST;
     if (fieldIntact == 2) return topFirst ? 0 : 1;
     if (fieldIntact == 3) return topFirst ? 1 : 0;
     return fieldIntact;
@@ -187,7 +187,7 @@ Status CDeinterlaceFilterYADIF::MakePlaneJobs(const ImageDescriptor& image, std:
     ImageDescriptor output = image;
     if (const Status status = ImageCompletePlanes(&output); status != IMG_OK) return status;
 
-    const std::uint32_t topFirst = structure_ == kTopFieldFirst ? 1 : 0;
+    const std::uint32_t topFirst = structure_ == FIELDS_TOP_FIRST ? 1 : 0;
     count = info.planeCount;
     for (std::uint32_t plane = 0; plane < count; ++plane) {
         const std::uint32_t lineDivisor = plane == 0 ? 1 : divisor;

@@ -17,18 +17,13 @@ struct DeinterlacerSettings {
     std::uint32_t mode;  ///< 0 and 1 with the spatial check, 2 and 3 without.
 };
 
-/// Order in time of the two fields of a frame.
-enum FieldStructure : std::uint32_t {
-    kTopFieldFirst = 5,
-    kBottomFieldFirst = 6,
-};
-
 constexpr GUID IID_InwardVideoDeinterlacer = {
     0xDF532D40, 0x83BE, 0x4F19, {0x91, 0x11, 0x17, 0x52, 0x63, 0x6E, 0x8A, 0xEB}};
 
 class IVideoDeinterlacer : public IBasicInterface {
 public:
     virtual Status Initialize(const DeinterlacerSettings& settings) = 0;
+    /// @param structure  FIELDS_TOP_FIRST or FIELDS_BOTTOM_FIRST.
     virtual Status SetSourceFrame(const ImageDescriptor& source, std::uint32_t structure) = 0;
     /// Makes the lines of one band of the output. @param parity  0 keeps the top field, anything else the bottom one.
     virtual Status FilterBand(const ImageDescriptor& image, std::uint32_t parity, const ImageRect& band) = 0;

@@ -49,6 +49,13 @@ enum FormatId : std::uint32_t {
     FMT_P016 = 42,  ///< Known to the conversion dispatch only: no table row, planes and strides always from the caller.
 };
 
+/// How the two fields of a frame follow each other in time.
+enum FieldStructure : std::uint32_t {
+    FIELDS_PROGRESSIVE = 0,
+    FIELDS_TOP_FIRST = 5,
+    FIELDS_BOTTOM_FIRST = 6,
+};
+
 /// What a picture is, without where it lies: shared by descriptors of pictures, of coded streams and of samples.
 struct FormatHead {
     std::uint32_t format = 0;

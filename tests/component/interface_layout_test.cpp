@@ -37,7 +37,7 @@ TEST(InterfaceLayout, TablesStartWithThreeSlots) {
     ExpectPlainTables<IUnknown, IClassFactory, IPixmorph, IColorConversion, IPixmorphYUVPlanar, IPixmorphGamma,
                       IPixmorphToYUV420Planar, IStretchImage, IResizeImage, ICopyMemory, ITitleMixer, ITitleMixer2,
                       ITitleMixer3, ITitleMixer4, IY16ARLECompressor, IDeinterlaceMaker, IVideoInterpolation,
-                      IVideoInterpolation2, IVideoDeinterlacer>();
+                      IVideoInterpolation2, IVideoDeinterlacer, IVideoCodecEnum, IVideoEncoder, IVideoDecoder>();
 }
 
 TEST(InterfaceLayout, ClassFactory) {
@@ -123,6 +123,23 @@ TEST(InterfaceLayout, Fields) {
     EXPECT_EQ(SlotOf(&IVideoDeinterlacer::GetFrame), 5u);
 }
 
+TEST(InterfaceLayout, Codecs) {
+    EXPECT_EQ(SlotOf(&IVideoCodecEnum::Count), 3u);
+    EXPECT_EQ(SlotOf(&IVideoCodecEnum::Info), 4u);
+    EXPECT_EQ(SlotOf(&IVideoCodecEnum::IsEqual), 5u);
+    EXPECT_EQ(SlotOf(&IVideoCodecEnum::CodecEnumMethod3), 6u);
+    EXPECT_EQ(SlotOf(&IVideoCodecEnum::CodecEnumMethod7), 10u);
+    EXPECT_EQ(SlotOf(&IVideoEncoder::EncSetFormat), 3u);
+    EXPECT_EQ(SlotOf(&IVideoEncoder::EncSetQuality), 4u);
+    EXPECT_EQ(SlotOf(&IVideoEncoder::Encode), 5u);
+    EXPECT_EQ(SlotOf(&IVideoEncoder::EncoderMethod3), 6u);
+    EXPECT_EQ(SlotOf(&IVideoEncoder::EncoderMethod7), 10u);
+    EXPECT_EQ(SlotOf(&IVideoDecoder::DecSetFormat), 3u);
+    EXPECT_EQ(SlotOf(&IVideoDecoder::Decode), 4u);
+    EXPECT_EQ(SlotOf(&IVideoDecoder::DecoderMethod2), 5u);
+    EXPECT_EQ(SlotOf(&IVideoDecoder::DecoderMethod7), 10u);
+}
+
 TEST(InterfaceLayout, Constants) {
     EXPECT_EQ(static_cast<std::uint32_t>(E_NOTIMPL), 0x80004001u);
     EXPECT_EQ(static_cast<std::uint32_t>(E_NOINTERFACE), 0x80004002u);
@@ -131,6 +148,7 @@ TEST(InterfaceLayout, Constants) {
     EXPECT_EQ(static_cast<std::uint32_t>(E_PENDING), 0x8000000Au);
     EXPECT_EQ(static_cast<std::uint32_t>(E_INVALIDARG), 0x80070057u);
     EXPECT_EQ(static_cast<std::uint32_t>(E_OUTOFMEMORY), 0x8007000Eu);
+    EXPECT_EQ(static_cast<std::uint32_t>(E_NOT_VALID_STATE), 0x8007139Fu);
     EXPECT_EQ(static_cast<std::uint32_t>(CLASS_E_NOAGGREGATION), 0x80040110u);
     EXPECT_EQ(static_cast<std::uint32_t>(CLASS_E_CLASSNOTAVAILABLE), 0x80040111u);
     EXPECT_EQ(S_OK, 0);

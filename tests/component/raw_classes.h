@@ -33,8 +33,8 @@ inline const ClassRow kClasses[] = {
 
 // The classes that must be there. The others either answer in full or not at all.
 inline const std::vector<std::string> kRequired = {
-    "Pixmorph",    "StretchImage",      "CopyMemory",       "TitleMixer",         "TitleMixer2",
-    "TitleMixer3", "Y16ARLECompressor", "DeinterlaceMaker", "VideoInterpolation", "VideoDeinterlacer"};
+    "Pixmorph",          "StretchImage",     "CopyMemory",         "TitleMixer",        "TitleMixer2", "TitleMixer3",
+    "Y16ARLECompressor", "DeinterlaceMaker", "VideoInterpolation", "VideoDeinterlacer", "VideoCodec"};
 
 struct InterfaceRow {
     const char* name;

@@ -18,6 +18,8 @@ constexpr Result kNotImplemented = static_cast<Result>(0x80004001);
 constexpr Result kNoInterface = static_cast<Result>(0x80004002);
 constexpr Result kPointer = static_cast<Result>(0x80004003);
 constexpr Result kFail = static_cast<Result>(0x80004005);
+constexpr Result kOutOfMemory = static_cast<Result>(0x8007000E);
+constexpr Result kNotSetUp = static_cast<Result>(0x8007139F);
 constexpr Result kInvalidArgument = static_cast<Result>(0x80070057);
 
 /// Sixteen bytes, given as the 32 hexadecimal digits of the usual text: the first three fields in machine order.
