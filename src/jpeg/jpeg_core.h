@@ -6,6 +6,8 @@
 #include "jpeg/bit_writer.h"
 #include "jpeg/block_coder.h"
 #include "jpeg/block_transforms.h"
+#include "jpeg/image_reader.h"
+#include "jpeg/image_writer.h"
 #include "jpeg/mcu.h"
 #include "jpeg/quality.h"
 #include "jpeg/standard_tables.h"

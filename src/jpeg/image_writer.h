@@ -1,0 +1,115 @@
+// CImageWriter: carries decoded MCU rows from blocks into a picture, straight in the picture's own format.
+#pragma once
+
+#include "jpeg/mcu_pixels.h"
+#include "jpeg/mcu_rows.h"
+
+namespace KorvaneSoftware {
+
+/// What a kernel is told about one MCU.
+struct McuWriteContext {
+    std::uint8_t* pixels = nullptr;  ///< Null: nothing is written.
+    std::ptrdiff_t stride = 0;
+    const std::int16_t* blocks = nullptr;
+    unsigned columns = 16;  ///< Pixels of this MCU, fewer in the last column.
+    unsigned room = 16;  ///< Pixels that the caller's line has room for from here on, one more than `columns` at most.
+    unsigned lines = 0;
+    const std::uint8_t* alpha = nullptr;
+    std::ptrdiff_t alphaStride = 0;
+};
+using McuWriteKernel = void (*)(const McuWriteContext& context);
+
+/// The kernel of a destination format; null where there is none.
+struct McuWriteFormat {
+    McuWriteKernel kernel = nullptr;
+    unsigned bytesPer16 = 0;  ///< Bytes of 16 pixels.
+};
+McuWriteFormat WriteFormat422(std::uint32_t format);
+McuWriteFormat WriteFormat420(std::uint32_t format);
+
+/// Rows of MCUs to a picture. Lines is the height of an MCU row, 8 or 16. WholeImage is 1 when it covers as many lines
+/// of the picture, and 0 when it covers twice as many: one field of a frame.
+template <int Lines, int WholeImage>
+class CImageWriter {
+public:
+    CImageWriter() = default;
+    CImageWriter(const CImageWriter&) = delete;
+    CImageWriter& operator=(const CImageWriter&) = delete;
+    virtual ~CImageWriter() = default;
+
+    /// @param lineShift  moves the image down by a line of the picture; what leaves it goes to the first line
+    /// @return 0, IMG_E_BAD_FORMAT or IMG_E_NO_MEMORY
+    virtual Status Init(const ImageDescriptor& image, unsigned fieldIndex, bool lineShift) = 0;
+    virtual void Begin() {}
+    virtual void BeginRow(unsigned row);
+    virtual void EndRow();
+    virtual void End() {}
+
+    unsigned Columns() const { return columns_; }
+    unsigned Rows() const { return rows_; }
+
+    /// Writes the blocks of the next MCU of the row.
+    void WriteMCU(const std::int16_t* blocks) {
+        context_.blocks = blocks;
+        if (++column_ == columns_) {
+            context_.columns = image_.width - 16 * (columns_ - 1);
+            context_.room = context_.columns + (roomForPair_ ? context_.columns % 2 : 0);
+        }
+        if (context_.pixels == nullptr) return;
+        format_.kernel(context_);
+        context_.pixels += format_.bytesPer16;
+        if (context_.alpha != nullptr) context_.alpha += 16;
+    }
+
+protected:
+    /// What Init of the derived classes shares. `rows` is the number of MCU rows.
+    Status Prepare(const ImageDescriptor& image, unsigned fieldIndex, bool lineShift, unsigned rows,
+                   const McuWriteFormat& format);
+
+    ImageDescriptor image_;  ///< First line first.
+    McuWriteFormat format_;
+    unsigned columns_ = 0;
+    unsigned column_ = 0;
+    unsigned rows_ = 0;
+    unsigned row_ = 0;
+    bool secondField_ = false;
+    bool lineShift_ = false;
+    bool roomForPair_ = false;  ///< The lines have room for a pixel behind an odd last one.
+    McuWriteContext context_;
+    AlignedBuffer wrapped_;
+    std::size_t wrappedStride_ = 0;
+
+private:
+    McuRowLayout Layout() const { return {Lines, WholeImage != 0, secondField_, lineShift_, rows_, image_.height}; }
+};
+
+/// 4:2:2 of a field of a frame (WholeImage 0) or of an image of its own (1).
+template <int WholeImage>
+class TMJPEGImageWriter : public CImageWriter<8, WholeImage> {
+public:
+    Status Init(const ImageDescriptor& image, unsigned fieldIndex, bool lineShift) override {
+        const unsigned linesOfRow = WholeImage != 0 ? 8 : 16;
+        return this->Prepare(image, fieldIndex, lineShift, (image.height + linesOfRow - 1) / linesOfRow,
+                             WriteFormat422(image.format));
+    }
+    /// After BeginRow: the alpha of this row, in place of 255.
+    void SetAlpha(const std::uint8_t* alpha, std::ptrdiff_t stride) {
+        this->context_.alpha = alpha;
+        this->context_.alphaStride = stride;
+    }
+};
+
+/// 4:2:0.
+template <int WholeImage>
+class TMJPEGImageWriter420 : public CImageWriter<16, WholeImage> {
+public:
+    Status Init(const ImageDescriptor& image, unsigned fieldIndex, bool lineShift) override {
+        return this->Prepare(image, fieldIndex, lineShift, (image.height + 15) / 16, WriteFormat420(image.format));
+    }
+};
+
+extern template class CImageWriter<8, 0>;
+extern template class CImageWriter<8, 1>;
+extern template class CImageWriter<16, 1>;
+
+}  // namespace KorvaneSoftware
