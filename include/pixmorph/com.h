@@ -117,8 +117,8 @@ struct IClassFactory : IUnknown {
 /// @param object  receives the class object with a reference added, or null.
 /// @return S_OK; CLASS_E_CLASSNOTAVAILABLE; E_NOINTERFACE; E_POINTER when `object` is null.
 PIXMORPH_API HRESULT DllGetClassObject(const GUID& clsid, const GUID& iid, void** object);
-/// @return S_OK when no object and no lock is alive, so that the library may be unloaded; S_FALSE otherwise. A class
-///         object that is held does not count: lock the server to keep it.
+/// @return S_OK when no object, no held class object and no lock is alive, so that the library may be unloaded; S_FALSE
+///         otherwise.
 PIXMORPH_API HRESULT DllCanUnloadNow();
 /// Enters the classes in the platform's registry. @return E_NOTIMPL on a platform that has no registry.
 PIXMORPH_API HRESULT DllRegisterServer();

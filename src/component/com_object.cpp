@@ -16,16 +16,12 @@ HRESULT QueryInterfaceTable(void* self, std::span<const InterfaceEntry> table, c
     if (self == nullptr || table.empty()) return E_INVALIDARG;
     if (object == nullptr) return E_POINTER;
     *object = nullptr;
-    const auto handOut = [&](const InterfaceEntry& entry) {
+    for (const InterfaceEntry& entry : table) {
+        if (iid != IID_IUnknown && iid != *entry.iid) continue;
         IUnknown* const found = entry.cast(self);
         found->AddRef();
         *object = found;
         return S_OK;
-    };
-    if (iid == IID_IUnknown) return handOut(table.front());
-    for (const InterfaceEntry& entry : table) {
-        if (*entry.iid != iid) continue;
-        return entry.query != nullptr ? entry.query(self, iid, object) : handOut(entry);
     }
     return E_NOINTERFACE;
 }

@@ -29,19 +29,17 @@ void UnlockModule();
 /// Whether anything is alive.
 bool IsModuleLocked();
 
-/// One interface of a class: its identifier and either a cast from the object to it, or a function that answers the
-/// query in the object's place.
+/// One interface of a class: its identifier and the cast from the object to it.
 struct InterfaceEntry {
     const GUID* iid;
     IUnknown* (*cast)(void* self);
-    HRESULT (*query)(void* self, const GUID& iid, void** object);
 };
 
 /// The table row for interface `Interface` of class `Class`.
 template <class Class, class Interface>
 constexpr InterfaceEntry Entry() {
     return {&InterfaceId<Interface>::value,
-            [](void* self) -> IUnknown* { return static_cast<Interface*>(static_cast<Class*>(self)); }, nullptr};
+            [](void* self) -> IUnknown* { return static_cast<Interface*>(static_cast<Class*>(self)); }};
 }
 
 /// Searches the table in order. IUnknown gives the first entry.

@@ -6,8 +6,8 @@ namespace KorvaneSoftware {
 
 namespace {
 
-/// Makes objects of one class. Class objects are part of the module and live as long as it, so a reference to one does
-/// not keep the module loaded: a caller who holds one across DllCanUnloadNow locks the server.
+/// Makes objects of one class. Class objects are part of the module and live as long as it; one that is held outside
+/// keeps the module loaded.
 class CClassFactory final : public IClassFactory {
 public:
     constexpr CClassFactory() = default;
@@ -21,8 +21,16 @@ public:
         *object = static_cast<IClassFactory*>(this);
         return S_OK;
     }
-    std::uint32_t PIXMORPH_CALL AddRef() override { return references_.fetch_add(1, std::memory_order_relaxed) + 1; }
-    std::uint32_t PIXMORPH_CALL Release() override { return references_.fetch_sub(1, std::memory_order_relaxed) - 1; }
+    std::uint32_t PIXMORPH_CALL AddRef() override {
+        const std::uint32_t before = references_.fetch_add(1, std::memory_order_relaxed);
+        if (before == 0) LockModule();
+        return before + 1;
+    }
+    std::uint32_t PIXMORPH_CALL Release() override {
+        const std::uint32_t left = references_.fetch_sub(1, std::memory_order_acq_rel) - 1;
+        if (left == 0) UnlockModule();
+        return left;
+    }
     HRESULT PIXMORPH_CALL CreateInstance(IUnknown* outer, const GUID& iid, void** object) override {
         if (object == nullptr) return E_POINTER;
         *object = nullptr;

@@ -7,9 +7,7 @@ namespace KorvaneSoftware {
 
 namespace {
 
-bool LacksMemory(const FieldInterpolationJob& job) {
-    return job.destination == nullptr || job.field == nullptr || job.otherField == nullptr;
-}
+bool LacksMemory(const FieldInterpolationJob& job) { return job.destination == nullptr || job.field == nullptr; }
 
 std::int64_t RowOffset(const FieldInterpolationJob& job, std::int64_t row) { return row * job.stride; }
 
@@ -56,6 +54,8 @@ Status CVideoInterpolator::InterpolateTopField(const FieldInterpolationJob& job)
         const std::int64_t height = job.height;
         if (height == 0) return IMG_OK;
         const Status status = CopyRow(job, 0);
+        if (height == 1) return status;
+        if (job.otherField == nullptr) return IMG_E_NULL_ARG;
         for (std::int64_t y = 1; y < height; ++y) InterpolateRow(job, y, y - 1, y);
         return status;
     });
@@ -66,6 +66,7 @@ Status CVideoInterpolator::InterpolateBottomField(const FieldInterpolationJob& j
     return Guarded([&]() -> Status {
         const std::int64_t height = job.height;
         if (height == 0) return IMG_OK;
+        if (height > 1 && job.otherField == nullptr) return IMG_E_NULL_ARG;
         for (std::int64_t y = 0; y + 1 < height; ++y) InterpolateRow(job, y, y, y + 1);
         return CopyRow(job, height - 1);
     });

@@ -23,10 +23,13 @@ struct FieldInterpolationJob {
 /// Keeps no state: any number of threads may use one object.
 class CVideoInterpolator {
 public:
-    /// `field` is a top field: its rows lie between rows y - 1 and y of the other one. Row 0 is copied.
-    /// @return 0; IMG_E_NULL_ARG, with nothing written.
+    /// `field` is a top field: its rows lie between rows y - 1 and y of the other one. Row 0 is copied; a field of one
+    /// row needs no other.
+    /// @return 0; IMG_E_NULL_ARG, with nothing written, or with row 0 where only the other field is missing.
     static Status InterpolateTopField(const FieldInterpolationJob& job) noexcept;
-    /// `field` is a bottom field: its rows lie between rows y and y + 1 of the other one. The last row is copied.
+    /// `field` is a bottom field: its rows lie between rows y and y + 1 of the other one. The last row is copied, and
+    /// is all of a field of one row.
+    /// @return 0; IMG_E_NULL_ARG, with nothing written.
     static Status InterpolateBottomField(const FieldInterpolationJob& job) noexcept;
     /// Mixes two pictures byte by byte; `weight` (0 to 256) is that of `forward`. The pictures are of one plane and
     /// share format and size; strides may differ.

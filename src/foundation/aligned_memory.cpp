@@ -61,37 +61,28 @@ AlignedBuffer& AlignedBuffer::operator=(AlignedBuffer&& other) noexcept {
     Release();
     data_ = std::exchange(other.data_, nullptr);
     capacity_ = std::exchange(other.capacity_, 0);
-    alignment_ = other.alignment_;
-    elementSize_ = std::exchange(other.elementSize_, 0);
-    elementCount_ = std::exchange(other.elementCount_, 0);
-    exactFit_ = other.exactFit_;
-    tag_ = other.tag_;
+    byteCount_ = std::exchange(other.byteCount_, 0);
     return *this;
 }
 
 AlignedBuffer::~AlignedBuffer() { Release(); }
 
-void AlignedBuffer::Reserve(std::uint64_t size, std::uint64_t value) noexcept {
-    // The size is kept as a product of two 32-bit words with a count of 1; nothing in this library needs more.
-    const bool representable = size <= UINT32_MAX;
-    if (exactFit_ || data_ == nullptr || size > capacity_) {
+void AlignedBuffer::Reserve(std::uint64_t size) noexcept {
+    if (data_ == nullptr || size > capacity_) {
         Release();
-        if (!representable) return;
-        data_ = static_cast<std::uint8_t*>(AlignedAlloc(size, alignment_));
+        if (size > UINT32_MAX) return;  // No frame needs more; a size like that is a mistake or an attack.
+        data_ = static_cast<std::uint8_t*>(AlignedAlloc(size));
         if (data_ == nullptr) return;
         capacity_ = size;
     }
-    elementSize_ = static_cast<std::uint32_t>(size);
-    elementCount_ = 1;
-    tag_ = value;
+    byteCount_ = size;
 }
 
 void AlignedBuffer::Release() noexcept {
     AlignedFree(data_);
     data_ = nullptr;
     capacity_ = 0;
-    elementSize_ = 0;
-    elementCount_ = 0;
+    byteCount_ = 0;
 }
 
 }  // namespace KorvaneSoftware

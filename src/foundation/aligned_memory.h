@@ -29,29 +29,21 @@ public:
     AlignedBuffer& operator=(AlignedBuffer&& other) noexcept;
     ~AlignedBuffer();
 
-    /// Makes room for `size` bytes and stores `value` as a tag of the user's. On failure Data is null and ByteCount 0.
-    /// The content is not kept when the block grows.
-    void Reserve(std::uint64_t size, std::uint64_t value = 0) noexcept;
+    /// Makes room for `size` bytes, less than 4 GiB. On failure Data is null and ByteCount 0. The content is not kept
+    /// when the block grows.
+    void Reserve(std::uint64_t size) noexcept;
     void Release() noexcept;
 
     std::uint8_t* Data() const { return data_; }
+    /// Size of the block.
     std::uint64_t Capacity() const { return capacity_; }
-    std::uint64_t ByteCount() const { return std::uint64_t{elementSize_} * elementCount_; }
-    std::uint32_t ElementSize() const { return elementSize_; }
-    std::uint32_t ElementCount() const { return elementCount_; }
-    std::uint64_t Tag() const { return tag_; }
-    void SetAlignment(std::uint64_t alignment) { alignment_ = alignment; }
-    /// Forces a new block of the exact size at every request.
-    void SetExactFit(bool exactFit) { exactFit_ = exactFit; }
+    /// Size last asked for.
+    std::uint64_t ByteCount() const { return byteCount_; }
 
 private:
     std::uint8_t* data_ = nullptr;
     std::uint64_t capacity_ = 0;
-    std::uint64_t alignment_ = kDefaultAlignment;
-    std::uint32_t elementSize_ = 0;
-    std::uint32_t elementCount_ = 0;
-    bool exactFit_ = false;
-    std::uint64_t tag_ = 0;
+    std::uint64_t byteCount_ = 0;
 };
 
 }  // namespace KorvaneSoftware

@@ -153,20 +153,32 @@ TEST(VideoInterpolation, BothInterfacesAreOneObject) {
     EXPECT_EQ(second->InterpolationMethod2(), E_NOTIMPL);
 }
 
-// The interpolations report success whatever they are given.
-TEST(VideoInterpolation, NullPointersWriteNothing) {
+// The interpolations report success whatever they are given. Row 0 of a top field needs no other field and is copied.
+TEST(VideoInterpolation, NullPointersWriteNothingThatNeedsThem) {
     const auto interpolation = Create<IVideoInterpolation2>(CLSID_VideoInterpolation);
     Buffer dst(64, 7, 1), first(64, 7, 2), second(64, 7, 3);
-    const Buffer before = dst;
+    Buffer expectedPicture = dst;
     for (const Method method :
          {Method::InterpolateTopField, Method::InterpolateBottomField, Method::CombineBuffersAlpha}) {
         const HRESULT expected = method == Method::CombineBuffersAlpha ? E_FAIL : S_OK;
         IVideoInterpolation2* const object = interpolation.Get();
         EXPECT_EQ(Interpolate(object, method, nullptr, first.Picture(), second.Picture(), 255), expected);
         EXPECT_EQ(Interpolate(object, method, dst.Picture(), nullptr, second.Picture(), 100), expected);
+        EXPECT_TRUE(dst == expectedPicture);
         EXPECT_EQ(Interpolate(object, method, dst.Picture(), first.Picture(), nullptr, 0), expected);
+        if (method == Method::InterpolateTopField) std::copy_n(first.Picture(), 53, expectedPicture.Picture());
+        EXPECT_TRUE(dst == expectedPicture);
     }
-    EXPECT_TRUE(dst == before);
+}
+
+TEST(VideoInterpolation, OneRowIsCopiedWithoutAnOtherField) {
+    const auto interpolation = Create<IVideoInterpolation>(CLSID_VideoInterpolation);
+    const std::vector<std::uint8_t> field = {1, 2, 250, 3};
+    std::vector<std::uint8_t> top(4, 9), bottom(4, 9);
+    EXPECT_EQ(interpolation->InterpolateTopField(top.data(), field.data(), nullptr, 4, 1, 4, 77), S_OK);
+    EXPECT_EQ(interpolation->InterpolateBottomField(bottom.data(), field.data(), nullptr, 4, 1, 4, 77), S_OK);
+    EXPECT_EQ(top, field);
+    EXPECT_EQ(bottom, field);
 }
 
 // 255 is a weight like others and does not reproduce the forward picture; 256 does.

@@ -52,14 +52,16 @@ TEST(Exports, UnloadingWaitsForObjectsAndLocks) {
     EXPECT_EQ(DllCanUnloadNow(), kOk);
     void* factory = nullptr;
     ASSERT_EQ(DllGetClassObject(Guid(ClassOf("CopyMemory").clsid), kIidClassFactory, &factory), kOk);
-    EXPECT_EQ(DllCanUnloadNow(), kOk) << "class objects do not count";
+    EXPECT_EQ(DllCanUnloadNow(), kFalse) << "a held class object keeps the module";
     EXPECT_EQ(LockServer(factory, 1), kOk);
-    EXPECT_EQ(DllCanUnloadNow(), kFalse);
     EXPECT_EQ(LockServer(factory, 7), kOk);
+    Release(factory);
+    EXPECT_EQ(DllCanUnloadNow(), kFalse);
     EXPECT_EQ(LockServer(factory, 0), kOk);
     EXPECT_EQ(DllCanUnloadNow(), kFalse);
     EXPECT_EQ(LockServer(factory, 0), kOk);
     EXPECT_EQ(DllCanUnloadNow(), kOk);
+    ASSERT_EQ(DllGetClassObject(Guid(ClassOf("CopyMemory").clsid), kIidClassFactory, &factory), kOk);
     void* first = nullptr;
     void* second = nullptr;
     ASSERT_EQ(CreateInstance(factory, nullptr, kIidUnknown, &first), kOk);
@@ -69,10 +71,31 @@ TEST(Exports, UnloadingWaitsForObjectsAndLocks) {
     AddRef(first);
     Release(first);
     Release(first);
+    Release(factory);
     EXPECT_EQ(DllCanUnloadNow(), kFalse);
     Release(second);
     EXPECT_EQ(DllCanUnloadNow(), kOk);
-    Release(factory);
+}
+
+TEST(Exports, EachHeldClassObjectKeepsTheModule) {
+    void* first = nullptr;
+    void* again = nullptr;
+    void* other = nullptr;
+    ASSERT_EQ(DllGetClassObject(Guid(ClassOf("CopyMemory").clsid), kIidClassFactory, &first), kOk);
+    ASSERT_EQ(DllGetClassObject(Guid(ClassOf("CopyMemory").clsid), kIidUnknown, &again), kOk);
+    ASSERT_EQ(DllGetClassObject(Guid(ClassOf("TitleMixer").clsid), kIidClassFactory, &other), kOk);
+    EXPECT_EQ(AddRef(other), 2u);
+    EXPECT_EQ(Release(first), 1u);
+    EXPECT_EQ(Release(other), 1u);
+    EXPECT_EQ(DllCanUnloadNow(), kFalse);
+    EXPECT_EQ(Release(again), 0u);
+    EXPECT_EQ(DllCanUnloadNow(), kFalse);
+    EXPECT_EQ(Release(other), 0u);
+    EXPECT_EQ(DllCanUnloadNow(), kOk);
+    // A query that fails holds nothing.
+    void* none = nullptr;
+    EXPECT_EQ(DllGetClassObject(Guid(ClassOf("CopyMemory").clsid), InterfaceIdOf("ICopyMemory"), &none), kNoInterface);
+    EXPECT_EQ(DllCanUnloadNow(), kOk);
 }
 
 TEST(Exports, RegistrationIsHonest) {

@@ -13,8 +13,6 @@ using namespace KorvaneSoftware;
 
 constexpr GUID kIidFirst = {1, 2, 3, {4, 5, 6, 7, 8, 9, 10, 11}};
 constexpr GUID kIidSecond = {1, 2, 3, {4, 5, 6, 7, 8, 9, 10, 12}};
-constexpr GUID kIidAnswered = {1, 2, 3, {4, 5, 6, 7, 8, 9, 10, 13}};
-constexpr GUID kIidRefused = {1, 2, 3, {4, 5, 6, 7, 8, 9, 10, 14}};
 constexpr GUID kIidUnknownToAll = {1, 2, 3, {4, 5, 6, 7, 8, 9, 10, 15}};
 
 #if defined(__GNUC__)
@@ -58,14 +56,6 @@ public:
         static constexpr InterfaceEntry kEntries[] = {
             Entry<CTestObject, IFirst>(),
             Entry<CTestObject, ISecond>(),
-            {&kIidAnswered, nullptr,
-             [](void* self, const GUID&, void** object) -> HRESULT {
-                 auto* const second = static_cast<ISecond*>(static_cast<CTestObject*>(self));
-                 second->AddRef();
-                 *object = second;
-                 return S_FALSE;
-             }},
-            {&kIidRefused, nullptr, [](void*, const GUID&, void**) -> HRESULT { return E_FAIL; }},
         };
         return kEntries;
     }
@@ -153,19 +143,6 @@ TEST(TComObject, EndsWithANullResultWhereItLacksTheInterface) {
     EXPECT_EQ(result, nullptr);
     EXPECT_EQ(first->QueryInterface(kIidUnknownToAll, nullptr), E_POINTER);
     EXPECT_EQ(first->QueryInterface(kIidFirst, nullptr), E_POINTER);
-    EXPECT_EQ(first->Release(), 0u);
-}
-
-TEST(TComObject, LetsFunctionsAnswer) {
-    TComObject<CTestObject>* const object = new TComObject<CTestObject>;
-    IFirst* const first = object;
-    void* result = nullptr;
-    EXPECT_EQ(first->QueryInterface(kIidAnswered, &result), S_FALSE);
-    EXPECT_EQ(As<ISecond>(result)->Two(), 2);
-    EXPECT_EQ(first->Release(), 1u);
-    result = &result;
-    EXPECT_EQ(first->QueryInterface(kIidRefused, &result), E_FAIL);
-    EXPECT_EQ(result, nullptr);
     EXPECT_EQ(first->Release(), 0u);
 }
 

@@ -101,10 +101,42 @@ TEST(VideoInterpolator, NothingToDo) {
     EXPECT_EQ(km::CVideoInterpolator::InterpolateTopField(job), km::IMG_OK);
     EXPECT_EQ(km::CVideoInterpolator::InterpolateBottomField(job), km::IMG_OK);
     job = JobOf(dst, field, field, 100);
-    job.otherField = nullptr;
+    job.destination = nullptr;
+    EXPECT_EQ(km::CVideoInterpolator::InterpolateTopField(job), km::IMG_E_NULL_ARG);
+    EXPECT_EQ(km::CVideoInterpolator::InterpolateBottomField(job), km::IMG_E_NULL_ARG);
+    job = JobOf(dst, field, field, 100);
+    job.field = nullptr;
     EXPECT_EQ(km::CVideoInterpolator::InterpolateTopField(job), km::IMG_E_NULL_ARG);
     EXPECT_EQ(km::CVideoInterpolator::InterpolateBottomField(job), km::IMG_E_NULL_ARG);
     EXPECT_EQ(dst.FirstDifference(before), "");
+}
+
+TEST(VideoInterpolator, OneRowIsCopiedWithoutAnOtherField) {
+    for (const bool top : {true, false}) {
+        TestPicture dst = Plane(50, 1, Fill::Zero, 0);
+        TestPicture field = Plane(50, 1, Fill::Random, 1);
+        auto job = JobOf(dst, field, field, 77);
+        job.otherField = nullptr;
+        EXPECT_EQ(top ? km::CVideoInterpolator::InterpolateTopField(job)
+                      : km::CVideoInterpolator::InterpolateBottomField(job),
+                  km::IMG_OK);
+        EXPECT_EQ(dst.FirstDifference(field), "");
+        EXPECT_TRUE(dst.GuardsIntact());
+    }
+}
+
+// A top field starts with the row that needs no neighbour, a bottom field ends with it.
+TEST(VideoInterpolator, WithoutAnOtherFieldOnlyTheFirstRowOfATopFieldIsWritten) {
+    TestPicture dst = Plane(50, 3, Fill::Random, 1);
+    TestPicture field = Plane(50, 3, Fill::Random, 2);
+    TestPicture expected = dst;
+    auto job = JobOf(dst, field, field, 77);
+    job.otherField = nullptr;
+    EXPECT_EQ(km::CVideoInterpolator::InterpolateBottomField(job), km::IMG_E_NULL_ARG);
+    EXPECT_EQ(dst.FirstDifference(expected), "");
+    EXPECT_EQ(km::CVideoInterpolator::InterpolateTopField(job), km::IMG_E_NULL_ARG);
+    std::copy_n(field.Plane(0).Row(0), 50, expected.Plane(0).Row(0));
+    EXPECT_EQ(dst.FirstDifference(expected), "");
 }
 
 TEST(CombineImages, EveryFormatOfWholeBytes) {
