@@ -1,35 +1,13 @@
-// The colour arithmetic of the library: fixed-point tables and the formulas of one pixel. Every term is truncated on
-// its own, as a 16-bit multiply-high does; a computation that sums first gives different pixels.
+// The colour arithmetic of the library: the formulas of one pixel. Every term is truncated on its own, as a 16-bit
+// multiply-high does; a computation that sums first gives different pixels.
 #pragma once
 
 #include <algorithm>
 #include <cstdint>
 
+#include "convert/colour_matrix.h"
+
 namespace KorvaneSoftware {
-
-/// YUV to RGB: coefficients in 1/8192, offsets in 1/32 of an 8-bit sample.
-struct YuvToRgbRow {
-    std::uint32_t yGain, uToB, uToG, vToG, vToR, bOffset, gOffset, rOffset;
-};
-
-/// RGB to YUV: coefficients in 1/8192, offsets in 1/32 of an 8-bit sample (with the rounding half included).
-struct RgbToYuvRow {
-    std::uint32_t bToY, gToY, rToY, bToU, gToU, rToU, bToV, gToV, rToV, yOffset, cOffset;
-};
-
-// ITU-R BT.601 and BT.709 at video levels, BT.601 at full range; rows 1 and 2 are the same.
-inline constexpr YuvToRgbRow kYuvToRgb[4] = {
-    {9539, 16525, 3209, 6660, 13075, 8841, 4355, 7116},
-    {9539, 17305, 1747, 4366, 14686, 9231, 2477, 7922},
-    {9539, 17305, 1747, 4366, 14686, 9231, 2477, 7922},
-    {8192, 14516, 2819, 5850, 11485, 7242, 4350, 5726},
-};
-inline constexpr RgbToYuvRow kRgbToYuv[4] = {
-    {802, 4130, 2104, 3598, 2384, 1214, 585, 3013, 3598, 529, 4111},
-    {508, 5032, 1496, 3598, 2774, 824, 330, 3268, 3598, 529, 4111},
-    {508, 5032, 1496, 3598, 2774, 824, 330, 3268, 3598, 529, 4111},
-    {934, 4809, 2449, 4096, 2714, 1382, 666, 3430, 4096, 17, 4111},
-};
 
 constexpr const YuvToRgbRow& YuvToRgbOf(std::uint16_t colorMatrix) { return kYuvToRgb[colorMatrix & 3]; }
 constexpr const RgbToYuvRow& RgbToYuvOf(std::uint16_t colorMatrix) { return kRgbToYuv[colorMatrix & 3]; }

@@ -9,32 +9,109 @@ namespace KorvaneSoftware {
 
 namespace {
 
-constexpr bool Bit(std::uint64_t value, int bit) { return ((value >> bit) & 1) != 0; }
+// Where CPUID reports what is looked at here: leaf, register, bit.
+namespace leaf1_ecx {
+constexpr std::uint32_t kSse3 = 1u << 0, kPclmulqdq = 1u << 1, kSsse3 = 1u << 9, kFma = 1u << 12, kSse41 = 1u << 19,
+                        kSse42 = 1u << 20, kMovbe = 1u << 22, kAes = 1u << 25, kOsXsave = 1u << 27, kAvx = 1u << 28,
+                        kRdrand = 1u << 30;
+}
+namespace leaf1_edx {
+constexpr std::uint32_t kCmov = 1u << 15, kMmx = 1u << 23, kSse = 1u << 25, kSse2 = 1u << 26;
+}
+namespace leaf7_ebx {
+constexpr std::uint32_t kBmi1 = 1u << 3, kAvx2 = 1u << 5, kBmi2 = 1u << 8, kErms = 1u << 9, kAvx512F = 1u << 16,
+                        kAvx512Dq = 1u << 17, kAvx512Bw = 1u << 30;
+}
+namespace leaf80000001_ecx {
+constexpr std::uint32_t kLzcnt = 1u << 5;
+}
+namespace leaf20000001_edx {
+constexpr std::uint32_t kVectorUnit = 1u << 1;
+}
+constexpr std::uint32_t kFamilyWithVectorUnit = 0xB;
+
+// State that the system saves, in XCR0: the XMM and YMM registers; with them the masks and all of the ZMM registers.
+constexpr std::uint32_t kYmmState = 0x6;
+constexpr std::uint32_t kZmmState = 0xE6;
+
+constexpr bool HasAll(std::uint32_t value, std::uint32_t bits) { return (value & bits) == bits; }
 
 bool HasVendor(const RawCpuId& cpu, const char* vendor) { return std::strcmp(cpu.vendor, vendor) == 0; }
 
-bool HasAvx(const RawCpuId& cpu) { return Bit(cpu.leaf1Ecx, 27) && Bit(cpu.leaf1Ecx, 28); }
+bool HasAvx(const RawCpuId& cpu) { return HasAll(cpu.leaf1Ecx, leaf1_ecx::kOsXsave | leaf1_ecx::kAvx); }
 
-// Without AVX the base is the highest of these that the processor has.
+bool HasAvxState(const RawCpuId& cpu) { return HasAvx(cpu) && HasAll(cpu.xcr0, kYmmState); }
+
+// The base of the feature word: each step stands for all below it.
+constexpr std::uint32_t kUpToMmx = FEATURE_MMX;
+constexpr std::uint32_t kUpToSse = kUpToMmx | FEATURE_SSE;
+constexpr std::uint32_t kUpToSse2 = kUpToSse | FEATURE_SSE2;
+constexpr std::uint32_t kUpToSse3 = kUpToSse2 | FEATURE_SSE3;
+constexpr std::uint32_t kUpToSsse3 = kUpToSse3 | FEATURE_SSSE3;
+constexpr std::uint32_t kUpToSse41 = kUpToSsse3 | FEATURE_SSE41;
+constexpr std::uint32_t kUpToSse42 = kUpToSse41 | FEATURE_SSE42;
+constexpr std::uint32_t kUpToAvx = kUpToSse42 | FEATURE_AVX;
+constexpr std::uint32_t kUpToAvx2 = kUpToAvx | FEATURE_AVX2;
+constexpr std::uint32_t kUpToAvx512F = kUpToAvx2 | FEATURE_AVX512F;
+constexpr std::uint32_t kUpToAvx512Dq = kUpToAvx512F | FEATURE_AVX512DQ;
+constexpr std::uint32_t kUpToAvx512Bw = kUpToAvx512Dq | FEATURE_AVX512BW;
+
+// Without AVX the base is the highest step that the processor reports, whether or not it reports those below.
 std::uint32_t LegacyBase(const RawCpuId& cpu) {
-    if (Bit(cpu.leaf1Ecx, 20)) return 894;  // SSE4.2
-    if (Bit(cpu.leaf1Ecx, 19)) return 382;  // SSE4.1
-    if (Bit(cpu.leaf1Ecx, 9)) return 126;   // SSSE3
-    if (Bit(cpu.leaf1Ecx, 0)) return 62;    // SSE3
-    if (Bit(cpu.leaf1Edx, 26)) return 30;   // SSE2
-    if (Bit(cpu.leaf1Edx, 25)) return 14;   // SSE
-    return 2;
+    if (HasAll(cpu.leaf1Ecx, leaf1_ecx::kSse42)) return kUpToSse42;
+    if (HasAll(cpu.leaf1Ecx, leaf1_ecx::kSse41)) return kUpToSse41;
+    if (HasAll(cpu.leaf1Ecx, leaf1_ecx::kSsse3)) return kUpToSsse3;
+    if (HasAll(cpu.leaf1Ecx, leaf1_ecx::kSse3)) return kUpToSse3;
+    if (HasAll(cpu.leaf1Edx, leaf1_edx::kSse2)) return kUpToSse2;
+    if (HasAll(cpu.leaf1Edx, leaf1_edx::kSse)) return kUpToSse;
+    return kUpToMmx;
 }
 
 std::uint32_t BaseFeatures(const RawCpuId& cpu) {
     if (!HasAvx(cpu)) return LegacyBase(cpu);
-    if ((cpu.xcr0 & 6) != 6) return 894;
-    if ((cpu.xcr0 & 0xE6) == 0xE6) {
-        if (Bit(cpu.leaf7Ebx, 30)) return 1872766;  // AVX512BW
-        if (Bit(cpu.leaf7Ebx, 17)) return 824190;   // AVX512DQ
-        if (Bit(cpu.leaf7Ebx, 16)) return 299902;   // AVX512F
+    if (!HasAvxState(cpu)) return kUpToSse42;
+    if (HasAll(cpu.xcr0, kZmmState)) {
+        if (HasAll(cpu.leaf7Ebx, leaf7_ebx::kAvx512Bw)) return kUpToAvx512Bw;
+        if (HasAll(cpu.leaf7Ebx, leaf7_ebx::kAvx512Dq)) return kUpToAvx512Dq;
+        if (HasAll(cpu.leaf7Ebx, leaf7_ebx::kAvx512F)) return kUpToAvx512F;
     }
-    return Bit(cpu.leaf7Ebx, 5) ? 37758 : 4990;  // AVX2, AVX
+    return HasAll(cpu.leaf7Ebx, leaf7_ebx::kAvx2) ? kUpToAvx2 : kUpToAvx;
+}
+
+// Permitted features of the levels. MOVBE tells the models of level 3 apart and counts with them alone.
+constexpr std::uint16_t kMaskSse2 = CPU_INFO_MMX | CPU_INFO_SSE | CPU_INFO_SSE2;
+constexpr std::uint16_t kMaskSse3 = kMaskSse2 | CPU_INFO_SSE3;
+constexpr std::uint16_t kMaskSsse3 = kMaskSse3 | CPU_INFO_SSSE3;
+constexpr std::uint16_t kMaskAtom = kMaskSsse3 | CPU_INFO_MOVBE;
+constexpr std::uint16_t kMaskSse41 = kMaskSsse3 | CPU_INFO_SSE41;
+constexpr std::uint16_t kMaskSse42 = kMaskSse41 | CPU_INFO_SSE42;
+constexpr std::uint16_t kMaskAes = kMaskSse42 | CPU_INFO_AES | CPU_INFO_PCLMULQDQ;
+constexpr std::uint16_t kMaskAvx = kMaskAes | CPU_INFO_AVX | CPU_INFO_AVX_STATE;
+
+constexpr CpuLevelState kLevelPlain = {0, 0, kMaskSse2};
+constexpr CpuLevelState kLevelSse3 = {1, 0, kMaskSse3};
+constexpr CpuLevelState kLevelSsse3 = {2, 0, kMaskSsse3};
+constexpr CpuLevelState kLevelAtom = {3, 1, kMaskAtom};
+constexpr CpuLevelState kLevelSse41 = {4, 0, kMaskSse41};
+constexpr CpuLevelState kLevelSse42 = {4, 0, kMaskSse42};
+constexpr CpuLevelState kLevelAes = {4, 0, kMaskAes};
+constexpr CpuLevelState kLevelAvx = {5, 0, kMaskAvx};
+
+// A processor model that can be forced, and what it stands for: the lowest level of its kind and no further features.
+struct ModelLevel {
+    std::int32_t model;
+    CpuLevelState state;
+};
+
+constexpr ModelLevel kModels[] = {
+    {0, kLevelSse3},   {32, kLevelSse3}, {66, kLevelSse3},  {33, kLevelSsse3}, {34, kLevelSsse3},
+    {67, kLevelSsse3}, {36, kLevelAtom}, {35, kLevelSse41}, {68, kLevelSse41}, {37, kLevelSse42},
+    {69, kLevelSse42}, {38, kLevelAes},  {71, kLevelAes},   {70, kLevelAvx},
+};
+
+// Models that are known and refused.
+constexpr bool IsUnsupportedModel(std::int32_t model) {
+    return (model >= 1 && model <= 11) || model == 64 || model == 65 || model == 96;
 }
 
 std::atomic<CpuLevelState> g_cpuLevel{};
@@ -43,17 +120,17 @@ std::atomic<CpuLevelState> g_cpuLevel{};
 
 std::uint32_t ComputeFeatureWord(const RawCpuId& cpu) {
     std::uint32_t word = BaseFeatures(cpu);
-    const auto add = [&word](bool present, std::uint32_t feature) {
-        if (present) word |= feature;
+    const auto add = [&word](std::uint32_t reported, std::uint32_t bit, std::uint32_t feature) {
+        if (HasAll(reported, bit)) word |= feature;
     };
-    add(Bit(cpu.leaf1Edx, 15), 0x1);          // CMOV
-    add(Bit(cpu.leaf1Ecx, 12), 0x80);         // FMA
-    add(Bit(cpu.leaf1Ecx, 25), 0x800);        // AES
-    add(Bit(cpu.leaf1Ecx, 30), 0x2000);       // RDRAND
-    add(Bit(cpu.leaf80000001Ecx, 5), 0x400);  // LZCNT
-    add(Bit(cpu.leaf7Ebx, 3), 0x4000);        // BMI1
-    add(Bit(cpu.leaf7Ebx, 8), 0x10000);       // BMI2
-    add(Bit(cpu.leaf7Ebx, 9), 0x20000);       // ERMS
+    add(cpu.leaf1Edx, leaf1_edx::kCmov, FEATURE_CMOV);
+    add(cpu.leaf1Ecx, leaf1_ecx::kFma, FEATURE_FMA);
+    add(cpu.leaf1Ecx, leaf1_ecx::kAes, FEATURE_AES);
+    add(cpu.leaf1Ecx, leaf1_ecx::kRdrand, FEATURE_RDRAND);
+    add(cpu.leaf80000001Ecx, leaf80000001_ecx::kLzcnt, FEATURE_LZCNT);
+    add(cpu.leaf7Ebx, leaf7_ebx::kBmi1, FEATURE_BMI1);
+    add(cpu.leaf7Ebx, leaf7_ebx::kBmi2, FEATURE_BMI2);
+    add(cpu.leaf7Ebx, leaf7_ebx::kErms, FEATURE_ERMS);
     if (HasVendor(cpu, "GenuineIntel"))
         word |= FEATURES_INTEL;
     else if (HasVendor(cpu, "AuthenticAMD"))
@@ -63,74 +140,56 @@ std::uint32_t ComputeFeatureWord(const RawCpuId& cpu) {
 
 std::uint64_t ComputeCpuInfoBits(const RawCpuId& cpu) {
     if (cpu.maxLeaf == 0) return 0;
-    struct Source {
-        std::uint32_t value;
-        int bit;
-    };
-    const bool avxState = HasAvx(cpu) && (cpu.xcr0 & 6) == 6;
-    const std::uint32_t family = (cpu.leaf1Eax >> 8) & 0xF;
-    const Source sources[] = {
-        {cpu.leaf1Edx, 23},  // MMX
-        {cpu.leaf1Edx, 25},  // SSE
-        {cpu.leaf1Edx, 26},  // SSE2
-        {cpu.leaf1Ecx, 0},   // SSE3
-        {cpu.leaf1Ecx, 9},   // SSSE3
-        {cpu.leaf1Ecx, 22},  // MOVBE
-        {cpu.leaf1Ecx, 19},  // SSE4.1
-        {cpu.leaf1Ecx, 20},  // SSE4.2
-        {cpu.leaf1Ecx, 28},  // AVX
-        {avxState ? 1u : 0u, 0},
-        {cpu.leaf1Ecx, 25},  // AES
-        {cpu.leaf1Ecx, 1},   // PCLMULQDQ
-        {family == 0xB ? cpu.leaf20000001Edx : 0, 1},
-    };
     std::uint64_t bits = 0;
-    int position = 0;
-    for (const Source& source : sources) {
-        if (Bit(source.value, source.bit)) bits |= std::uint64_t{1} << position;
-        ++position;
-    }
+    const auto add = [&bits](std::uint32_t reported, std::uint32_t bit, CpuInfoBit info) {
+        if (HasAll(reported, bit)) bits |= info;
+    };
+    add(cpu.leaf1Edx, leaf1_edx::kMmx, CPU_INFO_MMX);
+    add(cpu.leaf1Edx, leaf1_edx::kSse, CPU_INFO_SSE);
+    add(cpu.leaf1Edx, leaf1_edx::kSse2, CPU_INFO_SSE2);
+    add(cpu.leaf1Ecx, leaf1_ecx::kSse3, CPU_INFO_SSE3);
+    add(cpu.leaf1Ecx, leaf1_ecx::kSsse3, CPU_INFO_SSSE3);
+    add(cpu.leaf1Ecx, leaf1_ecx::kMovbe, CPU_INFO_MOVBE);
+    add(cpu.leaf1Ecx, leaf1_ecx::kSse41, CPU_INFO_SSE41);
+    add(cpu.leaf1Ecx, leaf1_ecx::kSse42, CPU_INFO_SSE42);
+    add(cpu.leaf1Ecx, leaf1_ecx::kAvx, CPU_INFO_AVX);
+    if (HasAvxState(cpu)) bits |= CPU_INFO_AVX_STATE;
+    add(cpu.leaf1Ecx, leaf1_ecx::kAes, CPU_INFO_AES);
+    add(cpu.leaf1Ecx, leaf1_ecx::kPclmulqdq, CPU_INFO_PCLMULQDQ);
+    const std::uint32_t family = (cpu.leaf1Eax >> 8) & 0xF;
+    if (family == kFamilyWithVectorUnit) add(cpu.leaf20000001Edx, leaf20000001_edx::kVectorUnit, CPU_INFO_VECTOR_UNIT);
     return bits;
 }
 
 std::int32_t SelectCpuLevel(const RawCpuId& cpu, CpuLevelState& state) {
     const std::uint64_t bits = ComputeCpuInfoBits(cpu);
-    const auto permitted = [bits](std::uint32_t mask) { return static_cast<std::uint16_t>(bits & mask); };
+    const auto has = [bits](std::uint64_t wanted) { return (bits & wanted) == wanted; };
     std::int32_t status = CPU_OK;
-    if (cpu.maxLeaf == 0) {
-        state = {0, 0, 7};
-    } else if (Bit(bits, 8) && Bit(bits, 9)) {
-        state = {5, 0, permitted(0xFDF)};
-    } else if (Bit(bits, 6)) {
-        state = {4, 0, permitted(0xCDF)};
-    } else if (Bit(bits, 5) && Bit(bits, 4)) {
-        state = {3, 1, permitted(63)};
-    } else if (Bit(bits, 4)) {
-        state = {2, 0, permitted(31)};
-    } else if (Bit(bits, 3)) {
-        state = {1, 0, permitted(15)};
+    if (has(CPU_INFO_AVX | CPU_INFO_AVX_STATE)) {
+        state = kLevelAvx;
+    } else if (has(CPU_INFO_SSE41)) {
+        state = kLevelAes;
+    } else if (has(CPU_INFO_MOVBE | CPU_INFO_SSSE3)) {
+        state = kLevelAtom;
+    } else if (has(CPU_INFO_SSSE3)) {
+        state = kLevelSsse3;
+    } else if (has(CPU_INFO_SSE3)) {
+        state = kLevelSse3;
     } else {
-        state = {0, 0, permitted(7)};
-        status = CPU_NOT_SUPPORTED;
+        state = kLevelPlain;
+        if (cpu.maxLeaf != 0) status = CPU_NOT_SUPPORTED;
     }
+    // Of a processor that reports nothing everything is permitted, at the level that needs nothing.
+    if (cpu.maxLeaf != 0) state.mask &= static_cast<std::uint16_t>(bits);
     return HasVendor(cpu, "GenuineIntel") ? status : CPU_VENDOR_NOT_INTEL;
 }
 
 std::int32_t SelectCpuLevelFor(std::int32_t type, const RawCpuId& cpu, CpuLevelState& state) {
-    struct ForcedLevel {
-        std::int32_t type;
-        CpuLevelState state;
-    };
-    static constexpr ForcedLevel kForced[] = {
-        {0, {1, 0, 15}},   {32, {1, 0, 15}},   {66, {1, 0, 15}},   {33, {2, 0, 31}},   {34, {2, 0, 31}},
-        {67, {2, 0, 31}},  {35, {4, 0, 95}},   {68, {4, 0, 95}},   {36, {3, 1, 63}},   {37, {4, 0, 223}},
-        {69, {4, 0, 223}}, {38, {4, 0, 3295}}, {71, {4, 0, 3295}}, {70, {5, 0, 4063}},
-    };
     if (type == -1) return SelectCpuLevel(cpu, state);
-    if ((type >= 1 && type <= 11) || type == 64 || type == 65 || type == 96) return CPU_NOT_SUPPORTED;
-    for (const ForcedLevel& forced : kForced) {
-        if (forced.type != type) continue;
-        state = forced.state;
+    if (IsUnsupportedModel(type)) return CPU_NOT_SUPPORTED;
+    for (const ModelLevel& model : kModels) {
+        if (model.model != type) continue;
+        state = model.state;
         return CPU_OK;
     }
     return CPU_UNKNOWN_TYPE;

@@ -19,19 +19,43 @@ struct RawCpuId {
     std::uint32_t xcr0 = 0;  ///< Read only where OSXSAVE is set.
 };
 
+/// The bits of the feature word: each may be used where it is set.
+enum FeatureBit : std::uint32_t {
+    FEATURE_CMOV = 0x1,
+    FEATURE_MMX = 0x2,  ///< Always set.
+    FEATURE_SSE = 0xC,
+    FEATURE_SSE2 = 0x10,
+    FEATURE_SSE3 = 0x20,
+    FEATURE_SSSE3 = 0x40,
+    FEATURE_FMA = 0x80,
+    FEATURE_SSE41 = 0x100,
+    FEATURE_SSE42 = 0x200,
+    FEATURE_LZCNT = 0x400,
+    FEATURE_AES = 0x800,
+    FEATURE_AVX = 0x1000,  ///< With the system's support of the state.
+    FEATURE_RDRAND = 0x2000,
+    FEATURE_BMI1 = 0x4000,
+    FEATURE_AVX2 = 0x8000,
+    FEATURE_BMI2 = 0x10000,
+    FEATURE_ERMS = 0x20000,
+    FEATURE_AVX512F = 0x40000,
+    FEATURE_AVX512DQ = 0x80000,
+    FEATURE_AVX512BW = 0x100000,
+};
+
 /// Requirements of variants: the feature bits that a form needs, in ascending order of demand.
 enum FeatureMask : std::uint32_t {
     FEATURES_PLAIN = 0,
-    FEATURES_SSE = 0xF,
-    FEATURES_SSE2 = 0x1F,
-    FEATURES_SSE3 = 0x3F,
-    FEATURES_SSSE3 = 0x7F,
-    FEATURES_SSE41 = 0x17F,
-    FEATURES_AVX = 0x137F,
-    FEATURES_AVX2 = 0x937F,
-    FEATURES_AVX512BW = 0x1C937F,  ///< AVX2 and the AVX512F, AVX512DQ and AVX512BW tiers.
-    FEATURES_LZCNT_BMI1 = 0x4400,
-    FEATURES_ERMS = 0x20000,
+    FEATURES_SSE = FEATURE_CMOV | FEATURE_MMX | FEATURE_SSE,
+    FEATURES_SSE2 = FEATURES_SSE | FEATURE_SSE2,
+    FEATURES_SSE3 = FEATURES_SSE2 | FEATURE_SSE3,
+    FEATURES_SSSE3 = FEATURES_SSE3 | FEATURE_SSSE3,
+    FEATURES_SSE41 = FEATURES_SSSE3 | FEATURE_SSE41,
+    FEATURES_AVX = FEATURES_SSE41 | FEATURE_SSE42 | FEATURE_AVX,
+    FEATURES_AVX2 = FEATURES_AVX | FEATURE_AVX2,
+    FEATURES_AVX512BW = FEATURES_AVX2 | FEATURE_AVX512F | FEATURE_AVX512DQ | FEATURE_AVX512BW,
+    FEATURES_LZCNT_BMI1 = FEATURE_LZCNT | FEATURE_BMI1,
+    FEATURES_ERMS = FEATURE_ERMS,
     FEATURES_INTEL = 0x10000000,  ///< Added to a mask: tuned for Intel's processors.
     FEATURES_AMD = 0x20000000,    ///< Added to a mask: tuned for AMD's processors.
 };
@@ -39,14 +63,31 @@ enum FeatureMask : std::uint32_t {
 /// The feature word of a processor.
 std::uint32_t ComputeFeatureWord(const RawCpuId& cpu);
 
-/// The older reading of leaf 1 that the level scheme works on; 0 when the processor reports nothing.
+/// The bits of the older reading of leaf 1 that the level scheme works on.
+enum CpuInfoBit : std::uint16_t {
+    CPU_INFO_MMX = 1 << 0,
+    CPU_INFO_SSE = 1 << 1,
+    CPU_INFO_SSE2 = 1 << 2,
+    CPU_INFO_SSE3 = 1 << 3,
+    CPU_INFO_SSSE3 = 1 << 4,
+    CPU_INFO_MOVBE = 1 << 5,
+    CPU_INFO_SSE41 = 1 << 6,
+    CPU_INFO_SSE42 = 1 << 7,
+    CPU_INFO_AVX = 1 << 8,
+    CPU_INFO_AVX_STATE = 1 << 9,  ///< The system saves the AVX registers.
+    CPU_INFO_AES = 1 << 10,
+    CPU_INFO_PCLMULQDQ = 1 << 11,
+    CPU_INFO_VECTOR_UNIT = 1 << 12,  ///< The 512-bit unit of one family of coprocessors.
+};
+
+/// The CpuInfoBit of a processor; 0 when it reports nothing.
 std::uint64_t ComputeCpuInfoBits(const RawCpuId& cpu);
 
 /// Selection of the older level scheme: which of six forms of a block transform runs, 0 the plainest.
 struct alignas(4) CpuLevelState {  // Loaded and stored as one word.
     std::uint8_t level = 0;        ///< `CpuLevel`
     std::uint8_t atom = 0;         ///< `CpuLevelAtom`
-    std::uint16_t mask = 0;        ///< Permitted features, as CpuInfoBits counts them.
+    std::uint16_t mask = 0;        ///< Permitted features: CpuInfoBit.
 };
 
 // Statuses of the level scheme, a numbering of its own.
@@ -57,7 +98,8 @@ constexpr std::int32_t CPU_NOT_SUPPORTED = 36;
 
 /// Automatic selection for a processor.
 std::int32_t SelectCpuLevel(const RawCpuId& cpu, CpuLevelState& state);
-/// Selection by type: -1 automatic, otherwise one of the legal types up to 96. A refusal leaves `state` as it was.
+/// Selection by type: -1 automatic, otherwise one of the model numbers in the table of features.cpp, up to 96. A
+/// refusal leaves `state` as it was.
 std::int32_t SelectCpuLevelFor(std::int32_t type, const RawCpuId& cpu, CpuLevelState& state);
 
 /// The processor that this process runs on, read once.

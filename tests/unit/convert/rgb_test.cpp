@@ -8,6 +8,7 @@
 #include <functional>
 #include <vector>
 
+#include "support/colour_reference.h"
 #include "support/features.h"
 #include "support/picture.h"
 
@@ -18,43 +19,31 @@ using km::ConvertSlot;
 using km::ImageDescriptor;
 
 // --- The recomputation
-// ------------------------------------------------------------------------------------------------
-
-// yGain, uToB, uToG, vToG, vToR, bOffset, gOffset, rOffset of the four matrices.
-constexpr std::int64_t kToRgb[4][8] = {{9539, 16525, 3209, 6660, 13075, 8841, 4355, 7116},
-                                       {9539, 17305, 1747, 4366, 14686, 9231, 2477, 7922},
-                                       {9539, 17305, 1747, 4366, 14686, 9231, 2477, 7922},
-                                       {8192, 14516, 2819, 5850, 11485, 7242, 4350, 5726}};
-// B, G, R to Y; to U; to V, the signs of the two chroma rows being + - - and - - +; luma offset, chroma offset.
-constexpr std::int64_t kToYuv[4][11] = {{802, 4130, 2104, 3598, -2384, -1214, -585, -3013, 3598, 529, 4111},
-                                        {508, 5032, 1496, 3598, -2774, -824, -330, -3268, 3598, 529, 4111},
-                                        {508, 5032, 1496, 3598, -2774, -824, -330, -3268, 3598, 529, 4111},
-                                        {934, 4809, 2449, 4096, -2714, -1382, -666, -3430, 4096, 17, 4111}};
 
 std::uint8_t Clamped(std::int64_t in32nds) {
     const std::int64_t value = in32nds >= 0 ? in32nds / 32 : -1;
     return static_cast<std::uint8_t>(value < 0 ? 0 : value > 255 ? 255 : value);
 }
 
-// One truncated product; a negative coefficient is a subtracted product.
-std::int64_t Term(std::int64_t coefficient, std::int64_t sample) {
-    return coefficient < 0 ? -(-coefficient * sample / 65536) : coefficient * sample / 65536;
-}
+// One truncated product.
+std::int64_t Term(std::int64_t coefficient, std::int64_t sample) { return coefficient * sample / 65536; }
 
 struct Rgb {
     std::uint8_t b, g, r;
 };
 
 Rgb ExpectedRgb(int matrix, std::int64_t y, std::int64_t u, std::int64_t v) {
-    const auto& m = kToRgb[matrix];
+    const auto m = ToRgbReference(matrix);
     const std::int64_t t = Term(m[0], y);
     return {Clamped(t + Term(m[1], u) - m[5]), Clamped(t + m[6] - Term(m[2], u) - Term(m[3], v)),
             Clamped(t + Term(m[4], v) - m[7])};
 }
 
 std::uint8_t ExpectedSample(int matrix, int row, std::int64_t b, std::int64_t g, std::int64_t r) {
-    const auto& m = kToYuv[matrix];
-    return Clamped(Term(m[3 * row], b) + Term(m[3 * row + 1], g) + Term(m[3 * row + 2], r) + m[row == 0 ? 9 : 10]);
+    const auto m = ToYuvReference(matrix);
+    if (row == 0) return Clamped(Term(m[0], b) + Term(m[1], g) + Term(m[2], r) + m[9]);
+    if (row == 1) return Clamped(Term(m[3], b) - Term(m[4], g) - Term(m[5], r) + m[10]);
+    return Clamped(Term(m[8], r) - Term(m[7], g) - Term(m[6], b) + m[10]);
 }
 
 // Where a sample lies: plane and byte within its line. `i` counts luma samples, or chroma samples of the line.

@@ -1,9 +1,10 @@
 // Titles worked out slowly, pixel by pixel, in wide integers: what the engine is compared with. Written apart from the
-// library's own arithmetic; the tables are typed in again.
+// library's own arithmetic.
 #pragma once
 
 #include <cstdint>
 
+#include "support/colour_reference.h"
 #include "support/picture.h"
 
 namespace pixmorph_test {
@@ -27,11 +28,7 @@ inline std::uint8_t Byte(std::int64_t value) { return static_cast<std::uint8_t>(
 inline std::int64_t Term(std::int64_t coefficient, std::int64_t sample) { return coefficient * sample / 65536; }
 
 inline Colour ColourOf(int matrix, std::int64_t y, std::int64_t u256, std::int64_t v256) {
-    static constexpr std::int64_t kTable[4][8] = {{9539, 16525, 3209, 6660, 13075, 8841, 4355, 7116},
-                                                  {9539, 17305, 1747, 4366, 14686, 9231, 2477, 7922},
-                                                  {9539, 17305, 1747, 4366, 14686, 9231, 2477, 7922},
-                                                  {8192, 14516, 2819, 5850, 11485, 7242, 4350, 5726}};
-    const std::int64_t* const t = kTable[matrix];
+    const auto t = ToRgbReference(matrix);
     const std::int64_t yy = Term(t[0], y * 256);
     return {Saturated(FloorDivide(Term(t[1], u256) - t[5] + yy, 32)),
             Saturated(FloorDivide(yy - Term(t[3], v256) - Term(t[2], u256) + t[6], 32)),
@@ -39,11 +36,7 @@ inline Colour ColourOf(int matrix, std::int64_t y, std::int64_t u256, std::int64
 }
 
 inline PairSamples SamplesOf(int matrix, const Colour& p, const Colour& q) {
-    static constexpr std::int64_t kTable[4][11] = {{802, 4130, 2104, 3598, 2384, 1214, 585, 3013, 3598, 529, 4111},
-                                                   {508, 5032, 1496, 3598, 2774, 824, 330, 3268, 3598, 529, 4111},
-                                                   {508, 5032, 1496, 3598, 2774, 824, 330, 3268, 3598, 529, 4111},
-                                                   {934, 4809, 2449, 4096, 2714, 1382, 666, 3430, 4096, 17, 4111}};
-    const std::int64_t* const t = kTable[matrix];
+    const auto t = ToYuvReference(matrix);
     const auto luma = [t](const Colour& c) {
         return Saturated((Term(t[0], c.b * 256) + Term(t[1], c.g * 256) + Term(t[2], c.r * 256) + t[9]) / 32);
     };
