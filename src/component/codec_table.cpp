@@ -1,11 +1,11 @@
 #include "component/codec_table.h"
 
+#include "iframe/mmes_decoder.h"
+#include "iframe/mmes_encoder.h"
+
 namespace KorvaneSoftware {
 
 namespace {
-
-/// `option` of the elementary flavour of I-frame streams.
-constexpr std::uint32_t kElementaryIFrames = 8;
 
 constexpr CodecTableEntry kCodecs[] = {
     {CODEC_DV, FourCC('K', 'V', 'D', 'V'), L"Korvane DV", 0, nullptr, nullptr},
@@ -15,8 +15,8 @@ constexpr CodecTableEntry kCodecs[] = {
     {CODEC_DVCPRO100, FourCC('K', 'V', 'H', '1'), L"Korvane DVCPRO100 (60Hz)", 0, nullptr, nullptr},
     {CODEC_TARVEX, FourCC('T', 'R', 'V', 'D'), L"Korvane Tarvex JPEG", 0, nullptr, nullptr},
     {CODEC_TARVEX_ALPHA, FourCC('T', 'R', 'V', 'T'), L"Korvane Tarvex JPEG + Alpha", 0, nullptr, nullptr},
-    {CODEC_I_FRAME, FourCC('K', 'V', 'I', 'F'), L"Korvane elementary I-frames", kElementaryIFrames, nullptr, nullptr},
-    {CODEC_I_FRAME, FourCC('K', 'V', 'E', 'S'), L"Korvane advanced I-frames", 0, nullptr, nullptr},
+    {CODEC_I_FRAME, FourCC('K', 'V', 'I', 'F'), L"Korvane elementary I-frames", kElementaryIFrameFlag, &CreateMMESEncoder, &CreateMMESDecoder},
+    {CODEC_I_FRAME, FourCC('K', 'V', 'E', 'S'), L"Korvane advanced I-frames", 0, &CreateMMESEncoder, &CreateMMESDecoder},
     {CODEC_MOTION_JPEG, FourCC('K', 'V', 'M', 'J'), L"Korvane Motion-JPEG", 0, nullptr, nullptr},
     {CODEC_AVC, FourCC('A', 'V', 'C', '1'), L"Korvane AVC", 0, nullptr, nullptr},
 };

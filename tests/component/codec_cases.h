@@ -61,6 +61,13 @@ struct FileCase {
     HRESULT result = S_OK;
 };
 
+/// A frame that another program made, and the UYVY picture that it comes within 1 of.
+struct NearFileCase {
+    std::int32_t row, width, height;
+    const char* file;
+    const char* picture;
+};
+
 /// Restricts the thread, and all threads that it starts, to one processor.
 class OneProcessor {
 public:
@@ -169,6 +176,28 @@ inline void ExpectPicture(const DecodeCase& c) {
     EXPECT_EQ(result, c.result) << Name(c.frame) << " into format " << c.format;
     if (c.result != S_OK) return;
     EXPECT_EQ(hash, c.hash) << Name(c.frame) << " into format " << c.format << ", stride " << c.stride;
+}
+
+/// The bytes of a golden file; none where the folder is missing.
+inline std::vector<std::uint8_t> GoldenFile(const char* name) {
+    std::ifstream file(std::string(PIXMORPH_GOLDEN_FRAMES "/") + name, std::ios::binary);
+    const std::vector<char> bytes{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+    return {bytes.begin(), bytes.end()};
+}
+
+inline void ExpectNearFilePicture(const NearFileCase& c) {
+    const std::vector<std::uint8_t> frame = GoldenFile(c.file), expected = GoldenFile(c.picture);
+    if (frame.empty()) return;
+    ASSERT_EQ(expected.size(), static_cast<std::size_t>(c.width * c.height * 2)) << c.picture;
+    KorvaneSoftware::ComPtr<IVideoDecoder> decoder;
+    ASSERT_EQ(KorvaneSoftware::CreateInstance(CLSID_VideoCodec, decoder), S_OK);
+    ASSERT_EQ(decoder->DecSetFormat(c.row, c.width, c.height), S_OK) << c.file;
+    std::vector<std::uint8_t> actual(expected.size());
+    std::uint8_t* const planes[] = {actual.data()};
+    const std::int32_t strides[] = {c.width * 2};
+    ASSERT_EQ(decoder->Decode(planes, strides, 0, frame.data(), static_cast<std::int32_t>(frame.size())), S_OK);
+    for (std::size_t i = 0; i < expected.size(); ++i)
+        ASSERT_NEAR(actual[i], expected[i], 1) << c.file << ", byte " << i;
 }
 
 inline void ExpectFilePicture(const FileCase& c) {

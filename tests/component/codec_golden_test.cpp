@@ -1,5 +1,6 @@
 // Frames and pictures of all codecs against results that were computed apart from this library.
 #include "component/codec_cases.h"
+#include "component/expected_iframe_frames.h"
 #include "component/expected_jpeg_frames.h"
 
 namespace pixmorph_test {
@@ -25,6 +26,23 @@ TEST(ExpectedPictures, Jpeg) {
 TEST(ExpectedPictures, JpegFiles) {
     for (const FileCase& c : kJpegFiles)
         if (IsThere(c.row)) ExpectFilePicture(c);
+}
+
+TEST(ExpectedFrames, IFrame) {
+    for (const EncodeCase& c : kIFrameFrames) {
+        ExpectFrame(c);
+        EncodeCase alone = c;
+        alone.processors = Processors::One;
+        ExpectFrame(alone);
+    }
+}
+
+TEST(ExpectedPictures, IFrame) {
+    for (const DecodeCase& c : kIFramePictures) ExpectPicture(c);
+}
+
+TEST(ExpectedPictures, IFrameFiles) {
+    for (const NearFileCase& c : kIFrameFiles) ExpectNearFilePicture(c);
 }
 
 }  // namespace

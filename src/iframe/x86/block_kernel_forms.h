@@ -1,0 +1,11 @@
+// The forms of the block kernels.
+#pragma once
+
+#include "iframe/block_kernels.h"
+
+namespace KorvaneSoftware {
+
+PIXMORPH_FORMS(IFrameInverseSignature, IFrameInverseTransform)
+PIXMORPH_FORMS(IFrameQuantiseSignature, IFrameQuantise)
+
+}  // namespace KorvaneSoftware
