@@ -8,6 +8,8 @@
 
 #include "codec/samples.h"
 #include "foundation/aligned_memory.h"
+#include "h264/dequant_tables.h"
+#include "h264/parsing/sei.h"
 #include "h264/slice.h"
 
 namespace KorvaneSoftware {
@@ -35,13 +37,6 @@ enum H264Marking : std::uint32_t {
 };
 
 constexpr std::int32_t kH264NoOrderCount = 0x7FFFFFFF;
-
-/// What of the pic_timing SEI message counts.
-struct H264PicTiming {
-    std::uint32_t cpbRemovalDelay = 0;
-    std::uint32_t dpbOutputDelay = 0;
-    std::uint32_t picStruct = 0;
-};
 
 /// A frame, or one of the two fields in it.
 class CH264Picture {

@@ -7,7 +7,6 @@
 #include <list>
 #include <memory>
 
-#include "h264/dequant_tables.h"
 #include "h264/macroblock_record.h"
 #include "h264/parsing/slice_header.h"
 
@@ -101,11 +100,7 @@ public:
     CH264Picture* picture = nullptr;
     std::uint32_t number = 0;  ///< In its picture, from 0.
     H264SliceHeader header;
-    H264PpsHead pps;  ///< The slice's own: slices of a picture may name different ones.
-    /// Tables of dequantisation for `pps`: the picture's, or `ownDequant` where its matrices differ. Profiles from 100
-    /// on.
-    const H264DequantTables* dequant = nullptr;
-    std::unique_ptr<H264DequantTables> ownDequant;
+    H264PpsHead pps;
 
     H264SliceState state;
     SliceCursor reconCursor;
