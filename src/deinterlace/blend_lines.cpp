@@ -1,13 +1,14 @@
 #include "deinterlace/blend_lines.h"
 
 #include "deinterlace/x86/blend_lines_forms.h"
+#include "foundation/arithmetic.h"
 
 namespace KorvaneSoftware {
 
 void plain::InterpolateLine(std::uint8_t* dst, const std::uint8_t* field, const std::uint8_t* above,
                             const std::uint8_t* below, std::size_t count, std::uint32_t weight) {
     for (std::size_t i = 0; i < count; ++i) {
-        const std::uint32_t mean = (above[i] + below[i] + 1u) >> 1;
+        const std::uint32_t mean = Mean(above[i], below[i]);
         dst[i] = static_cast<std::uint8_t>((field[i] * weight + 128 + mean * (256 - weight)) >> 8);
     }
 }

@@ -4,6 +4,7 @@
 #include <cstdlib>
 
 #include "deinterlace/x86/field_restoration_forms.h"
+#include "foundation/arithmetic.h"
 
 namespace KorvaneSoftware {
 
@@ -17,8 +18,6 @@ struct Group {
     static constexpr std::size_t kU = HasAlpha ? 32 : 16;
     static constexpr std::size_t kV = kU + 8;
 };
-
-std::uint8_t ClampToByte(std::int32_t value) { return static_cast<std::uint8_t>(std::clamp(value, 0, 255)); }
 
 // How far a pixel follows the present field, 0 to 255.
 std::uint32_t WeightOf(std::uint32_t motion, const MotionThresholds& thresholds) {

@@ -4,13 +4,13 @@
 #include <cstdlib>
 
 #include "deinterlace/x86/line_filter_forms.h"
+#include "foundation/arithmetic.h"
 
 namespace KorvaneSoftware {
 
 namespace {
 
 int Distance(int a, int b) { return std::abs(a - b); }
-int Mean(int a, int b) { return (a + b + 1) >> 1; }
 
 // Sum of the distances along one direction: three pairs side by side, the upper ones starting at `a`, the lower at `b`.
 int Score(const std::uint8_t* a, const std::uint8_t* b, std::ptrdiff_t step) {

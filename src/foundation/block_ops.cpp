@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-#include "foundation/sync.h"
+#include "foundation/store_policy.h"
 #include "foundation/x86/block_ops_forms.h"
 
 namespace KorvaneSoftware {
@@ -68,7 +68,7 @@ Status FillSized(void* dst, std::size_t count, Word value, const Slot& cached, c
 
 }  // namespace
 
-std::size_t CachedCountLimit() { return GetCacheSize() / 4; }
+std::size_t CachedCountLimit() { return CachedBytes(CacheShare::Quarter); }
 
 Status CopySized(void* dst, const void* src, std::size_t count) noexcept {
     if (count == 0) return IMG_OK;

@@ -1,6 +1,7 @@
 // The line filter over registers of any width. All of it fits unsigned bytes, the bound included, once the signed terms
 // are split into their positive parts: only the scores, sums of three distances, need 16 bits.
 #include "deinterlace/x86/line_filter_forms.h"
+#include "foundation/simd/walk_line.inc.h"
 
 namespace KorvaneSoftware {
 namespace PIXMORPH_SIMD {
@@ -115,9 +116,7 @@ inline Vec FilterAt(const FilterSources& s, std::size_t x) {
 // Bytes `first` to `last` (not included), at least one register of them.
 template <class Taps, bool SpatialCheck>
 void FilterRun(std::uint8_t* dst, const FilterSources& sources, std::size_t first, std::size_t last) {
-    std::size_t x = first;
-    for (; x + kVecBytes <= last; x += kVecBytes) Store(dst + x, FilterAt<Taps, SpatialCheck>(sources, x));
-    if (x < last) Store(dst + last - kVecBytes, FilterAt<Taps, SpatialCheck>(sources, last - kVecBytes));
+    WalkLine<kVecBytes>(first, last, [&](std::size_t x) { Store(dst + x, FilterAt<Taps, SpatialCheck>(sources, x)); });
 }
 
 template <class Taps>

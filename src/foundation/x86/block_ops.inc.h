@@ -1,5 +1,5 @@
 // Block copies and fills over registers of any width.
-#include "foundation/sync.h"
+#include "foundation/store_policy.h"
 #include "foundation/x86/block_ops_forms.h"
 
 namespace KorvaneSoftware {
@@ -56,13 +56,8 @@ void FillPattern(std::uint8_t* dst, std::size_t bytes, std::uint32_t pattern) {
     for (; i < bytes; ++i) dst[i] = static_cast<std::uint8_t>(pattern >> (8 * (i & 3)));
 }
 
-// The last part of a streamed fill goes through the cache. Bypassing it for all of a frame is twice as fast as the
-// standard library's fill when the frame is cold, but slower when the same frame is filled again and again; with five
-// eighths of the level-2 cache stored ordinarily it is at least as fast in both (see bench, FillBytesStreaming).
-inline std::size_t CachedTail() { return GetCacheSize() / 8 * 5; }
-
 void FillPatternStreamed(std::uint8_t* dst, std::size_t bytes, std::uint32_t pattern) {
-    const std::size_t tail = CachedTail();
+    const std::size_t tail = CachedFillTail();
     if (bytes < kSmallestStream + tail) {
         FillPattern(dst, bytes, pattern);
         return;
