@@ -2,10 +2,10 @@
 // multiply-high does; a computation that sums first gives different pixels.
 #pragma once
 
-#include <algorithm>
 #include <cstdint>
 
 #include "convert/colour_matrix.h"
+#include "foundation/arithmetic.h"
 
 namespace KorvaneSoftware {
 
@@ -16,8 +16,6 @@ constexpr const RgbToYuvRow& RgbToYuvOf(std::uint16_t colorMatrix) { return kRgb
 constexpr std::int32_t MulHigh(std::uint32_t coefficient, std::uint32_t sample) {
     return static_cast<std::int32_t>((coefficient * sample) >> 16);
 }
-
-constexpr std::uint8_t ClampToByte(std::int32_t value) { return static_cast<std::uint8_t>(std::clamp(value, 0, 255)); }
 
 struct Bgr {
     std::uint8_t b, g, r;

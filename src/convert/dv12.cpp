@@ -1,13 +1,15 @@
 #include "convert/dv12.h"
 
+#include "convert/dv_chroma.h"
 #include "convert/samples.h"
 #include "convert/x86/dv12_forms.h"
+#include "foundation/arithmetic.h"
 
 namespace KorvaneSoftware {
 
 // DV sites U on the even rows and V on the odd rows of its chroma, so between two chroma lines U is exact on odd
 // picture lines and V on even ones.
-Dv12ChromaLines Dv12ChromaLinesOf(std::int64_t y, std::int64_t height) {
+DvChromaLines DvChromaLinesOf(std::int64_t y, std::int64_t height) {
     const std::int64_t last = height / 2 - 1;
     if (y == 0) return {0, 0, 0, 0};
     if (y == height - 1) return {last, last, last, last};
@@ -18,13 +20,11 @@ Dv12ChromaLines Dv12ChromaLinesOf(std::int64_t y, std::int64_t height) {
 
 namespace {
 
-std::uint8_t Mean(std::uint8_t a, std::uint8_t b) { return static_cast<std::uint8_t>((a + 1 + b) >> 1); }
-
 template <class Dst>
 void Dv12To422(const ImageDescriptor& dst, const ImageDescriptor& src) {
     const std::int64_t height = src.height;
     for (std::int64_t y = 0; y < height; ++y) {
-        const Dv12ChromaLines lines = Dv12ChromaLinesOf(y, height);
+        const DvChromaLines lines = DvChromaLinesOf(y, height);
         const std::uint8_t* const luma = PlaneLine(src, 0, y);
         const std::uint8_t* const u0 = PlaneLine(src, 1, lines.u0);
         const std::uint8_t* const u1 = PlaneLine(src, 1, lines.u1);
@@ -41,22 +41,18 @@ void Dv12To422(const ImageDescriptor& dst, const ImageDescriptor& src) {
 
 }  // namespace
 
-#define PIXMORPH_DV12_SLOT(name, layout)                                                                         \
-    void name##_Plain(const ImageDescriptor& dst, const ImageDescriptor& src) {                                  \
-        Dv12To422<layout##Samples>(dst, src);                                                                    \
-    }                                                                                                            \
-    static constexpr ConvertSlot::Entry k##name##Rows[] = {{FEATURES_PLAIN, name##_Plain, #name "_Plain"},       \
-                                                           {FEATURES_SSE41, name##_Sse41, #name "_Sse41"},       \
-                                                           {FEATURES_AVX2, name##_Avx2, #name "_Avx2"},          \
-                                                           {FEATURES_AVX512BW, name##_Avx512, #name "_Avx512"}}; \
-    constinit ConvertSlot name{#name, k##name##Rows, &ResolveOnFirstCall<name>::Call};
-PIXMORPH_DV12(PIXMORPH_DV12_SLOT)
-#undef PIXMORPH_DV12_SLOT
+void plain::Dv12ToUyvy(const ImageDescriptor& dst, const ImageDescriptor& src) { Dv12To422<UyvySamples>(dst, src); }
+void plain::Dv12ToYuy2(const ImageDescriptor& dst, const ImageDescriptor& src) { Dv12To422<Yuy2Samples>(dst, src); }
+void plain::Dv12ToYvyu(const ImageDescriptor& dst, const ImageDescriptor& src) { Dv12To422<YvyuSamples>(dst, src); }
+void plain::Dv12ToY16(const ImageDescriptor& dst, const ImageDescriptor& src) { Dv12To422<Y16Samples>(dst, src); }
 
-namespace {
-
-const SlotRegistration kRegistration{&Dv12ToUyvy, &Dv12ToYuy2, &Dv12ToYvyu, &Dv12ToY16};
-
-}  // namespace
+PIXMORPH_SLOT(ConvertSlot, Dv12ToUyvy, plain::Dv12ToUyvy, simd_sse41::Dv12ToUyvy, simd_avx2::Dv12ToUyvy,
+              simd_avx512::Dv12ToUyvy);
+PIXMORPH_SLOT(ConvertSlot, Dv12ToYuy2, plain::Dv12ToYuy2, simd_sse41::Dv12ToYuy2, simd_avx2::Dv12ToYuy2,
+              simd_avx512::Dv12ToYuy2);
+PIXMORPH_SLOT(ConvertSlot, Dv12ToYvyu, plain::Dv12ToYvyu, simd_sse41::Dv12ToYvyu, simd_avx2::Dv12ToYvyu,
+              simd_avx512::Dv12ToYvyu);
+PIXMORPH_SLOT(ConvertSlot, Dv12ToY16, plain::Dv12ToY16, simd_sse41::Dv12ToY16, simd_avx2::Dv12ToY16,
+              simd_avx512::Dv12ToY16);
 
 }  // namespace KorvaneSoftware

@@ -20,19 +20,15 @@ void Y400ToPacked(const ImageDescriptor& dst, const ImageDescriptor& src) {
     }
 }
 
-constexpr ConvertSlot::Entry kToUyvyRows[] = {{FEATURES_PLAIN, Y400ToPacked<UyvySamples>, "Y400ToUyvy_Plain"}};
-constexpr ConvertSlot::Entry kToYuy2Rows[] = {{FEATURES_PLAIN, Y400ToPacked<Yuy2Samples>, "Y400ToYuy2_Plain"}};
-
 }  // namespace
 
-constinit ConvertSlot Y400ToUyvy{"Y400ToUyvy", kToUyvyRows, &ResolveOnFirstCall<Y400ToUyvy>::Call};
-constinit ConvertSlot Y400ToYuy2{"Y400ToYuy2", kToYuy2Rows, &ResolveOnFirstCall<Y400ToYuy2>::Call};
+PIXMORPH_FORMS(ConvertSignature, Y400ToUyvy, Y400ToYuy2)
 
-namespace {
+void plain::Y400ToUyvy(const ImageDescriptor& dst, const ImageDescriptor& src) { Y400ToPacked<UyvySamples>(dst, src); }
+void plain::Y400ToYuy2(const ImageDescriptor& dst, const ImageDescriptor& src) { Y400ToPacked<Yuy2Samples>(dst, src); }
 
-const SlotRegistration kRegistration{&Y400ToUyvy, &Y400ToYuy2};
-
-}  // namespace
+PIXMORPH_SLOT(ConvertSlot, Y400ToUyvy, plain::Y400ToUyvy, nullptr, nullptr, nullptr);
+PIXMORPH_SLOT(ConvertSlot, Y400ToYuy2, plain::Y400ToYuy2, nullptr, nullptr, nullptr);
 
 Status CopyLumaFillChroma(const ImageDescriptor& dst, const ImageDescriptor& src) {
     if (const Status status = CopyPlane(dst, src, 0); status != IMG_OK) return status;

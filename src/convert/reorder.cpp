@@ -1,150 +1,109 @@
 #include "convert/reorder.h"
 
-#include <cstddef>
-#include <cstdint>
-
-#include "convert/reorder_list.h"
-#include "convert/samples.h"
-#include "convert/x86/reorder_x86.h"
-#include "foundation/sync.h"
+#include "convert/x86/reorder_forms.h"
 
 namespace KorvaneSoftware {
 
-namespace {
+PIXMORPH_SLOT(ConvertSlot, UyvyToYuy2, plain::UyvyToYuy2, simd_sse41::UyvyToYuy2, simd_avx2::UyvyToYuy2,
+              simd_avx512::UyvyToYuy2);
+PIXMORPH_SLOT(ConvertSlot, UyvyToYvyu, plain::UyvyToYvyu, simd_sse41::UyvyToYvyu, simd_avx2::UyvyToYvyu,
+              simd_avx512::UyvyToYvyu);
+PIXMORPH_SLOT(ConvertSlot, UyvyToY16, plain::UyvyToY16, simd_sse41::UyvyToY16, simd_avx2::UyvyToY16,
+              simd_avx512::UyvyToY16);
+PIXMORPH_SLOT(ConvertSlot, UyvyToY16A, plain::UyvyToY16A, simd_sse41::UyvyToY16A, simd_avx2::UyvyToY16A,
+              simd_avx512::UyvyToY16A);
+PIXMORPH_SLOT(ConvertSlot, UyvyToY422, plain::UyvyToY422, simd_sse41::UyvyToY422, simd_avx2::UyvyToY422,
+              simd_avx512::UyvyToY422);
+PIXMORPH_SLOT(ConvertSlot, UyvyToI420, plain::UyvyToI420, simd_sse41::UyvyToI420, simd_avx2::UyvyToI420,
+              simd_avx512::UyvyToI420);
+PIXMORPH_SLOT(ConvertSlot, UyvyToNv12, plain::UyvyToNv12, simd_sse41::UyvyToNv12, simd_avx2::UyvyToNv12,
+              simd_avx512::UyvyToNv12);
 
-/// Chroma of one pixel pair.
-struct ChromaPair {
-    std::uint8_t u, v;
-};
+PIXMORPH_SLOT(ConvertSlot, Yuy2ToUyvy, plain::Yuy2ToUyvy, simd_sse41::Yuy2ToUyvy, simd_avx2::Yuy2ToUyvy,
+              simd_avx512::Yuy2ToUyvy);
+PIXMORPH_SLOT(ConvertSlot, Yuy2ToYvyu, plain::Yuy2ToYvyu, simd_sse41::Yuy2ToYvyu, simd_avx2::Yuy2ToYvyu,
+              simd_avx512::Yuy2ToYvyu);
+PIXMORPH_SLOT(ConvertSlot, Yuy2ToY16, plain::Yuy2ToY16, simd_sse41::Yuy2ToY16, simd_avx2::Yuy2ToY16,
+              simd_avx512::Yuy2ToY16);
+PIXMORPH_SLOT(ConvertSlot, Yuy2ToY16A, plain::Yuy2ToY16A, simd_sse41::Yuy2ToY16A, simd_avx2::Yuy2ToY16A,
+              simd_avx512::Yuy2ToY16A);
+PIXMORPH_SLOT(ConvertSlot, Yuy2ToY422, plain::Yuy2ToY422, simd_sse41::Yuy2ToY422, simd_avx2::Yuy2ToY422,
+              simd_avx512::Yuy2ToY422);
+PIXMORPH_SLOT(ConvertSlot, Yuy2ToI420, plain::Yuy2ToI420, simd_sse41::Yuy2ToI420, simd_avx2::Yuy2ToI420,
+              simd_avx512::Yuy2ToI420);
+PIXMORPH_SLOT(ConvertSlot, Yuy2ToNv12, plain::Yuy2ToNv12, simd_sse41::Yuy2ToNv12, simd_avx2::Yuy2ToNv12,
+              simd_avx512::Yuy2ToNv12);
 
-template <class Samples, class Line>
-ChromaPair ReadChroma(const Line& line, std::size_t pair) {
-    return {Samples::Cb(line, pair), Samples::Cr(line, pair)};
-}
+PIXMORPH_SLOT(ConvertSlot, YvyuToUyvy, plain::YvyuToUyvy, simd_sse41::YvyuToUyvy, simd_avx2::YvyuToUyvy,
+              simd_avx512::YvyuToUyvy);
+PIXMORPH_SLOT(ConvertSlot, YvyuToYuy2, plain::YvyuToYuy2, simd_sse41::YvyuToYuy2, simd_avx2::YvyuToYuy2,
+              simd_avx512::YvyuToYuy2);
+PIXMORPH_SLOT(ConvertSlot, YvyuToY16, plain::YvyuToY16, simd_sse41::YvyuToY16, simd_avx2::YvyuToY16,
+              simd_avx512::YvyuToY16);
+PIXMORPH_SLOT(ConvertSlot, YvyuToY16A, plain::YvyuToY16A, simd_sse41::YvyuToY16A, simd_avx2::YvyuToY16A,
+              simd_avx512::YvyuToY16A);
+PIXMORPH_SLOT(ConvertSlot, YvyuToNv12, plain::YvyuToNv12, simd_sse41::YvyuToNv12, simd_avx2::YvyuToNv12,
+              simd_avx512::YvyuToNv12);
 
-template <class Samples>
-void WriteChroma(const WriteLine& line, std::size_t pair, ChromaPair chroma) {
-    Samples::Cb(line, pair) = chroma.u;
-    Samples::Cr(line, pair) = chroma.v;
-}
+PIXMORPH_SLOT(ConvertSlot, Y16ToUyvy, plain::Y16ToUyvy, simd_sse41::Y16ToUyvy, simd_avx2::Y16ToUyvy,
+              simd_avx512::Y16ToUyvy);
+PIXMORPH_SLOT(ConvertSlot, Y16ToYuy2, plain::Y16ToYuy2, simd_sse41::Y16ToYuy2, simd_avx2::Y16ToYuy2,
+              simd_avx512::Y16ToYuy2);
+PIXMORPH_SLOT(ConvertSlot, Y16ToYvyu, plain::Y16ToYvyu, simd_sse41::Y16ToYvyu, simd_avx2::Y16ToYvyu,
+              simd_avx512::Y16ToYvyu);
+PIXMORPH_SLOT(ConvertSlot, Y16ToY16A, plain::Y16ToY16A, simd_sse41::Y16ToY16A, simd_avx2::Y16ToY16A,
+              simd_avx512::Y16ToY16A);
+PIXMORPH_SLOT(ConvertSlot, Y16ToY422, plain::Y16ToY422, simd_sse41::Y16ToY422, simd_avx2::Y16ToY422,
+              simd_avx512::Y16ToY422);
+PIXMORPH_SLOT(ConvertSlot, Y16ToI420, plain::Y16ToI420, simd_sse41::Y16ToI420, simd_avx2::Y16ToI420,
+              simd_avx512::Y16ToI420);
 
-constexpr std::uint8_t Mean(std::uint8_t a, std::uint8_t b) { return static_cast<std::uint8_t>((a + 1 + b) >> 1); }
-constexpr ChromaPair Mean(ChromaPair a, ChromaPair b) { return {Mean(a.u, b.u), Mean(a.v, b.v)}; }
+PIXMORPH_SLOT(ConvertSlot, Y16AToUyvy, plain::Y16AToUyvy, simd_sse41::Y16AToUyvy, simd_avx2::Y16AToUyvy,
+              simd_avx512::Y16AToUyvy);
+PIXMORPH_SLOT(ConvertSlot, Y16AToYuy2, plain::Y16AToYuy2, simd_sse41::Y16AToYuy2, simd_avx2::Y16AToYuy2,
+              simd_avx512::Y16AToYuy2);
+PIXMORPH_SLOT(ConvertSlot, Y16AToYvyu, plain::Y16AToYvyu, simd_sse41::Y16AToYvyu, simd_avx2::Y16AToYvyu,
+              simd_avx512::Y16AToYvyu);
+PIXMORPH_SLOT(ConvertSlot, Y16AToY16, plain::Y16AToY16, simd_sse41::Y16AToY16, simd_avx2::Y16AToY16,
+              simd_avx512::Y16AToY16);
+PIXMORPH_SLOT(ConvertSlot, Y16AToY422, plain::Y16AToY422, simd_sse41::Y16AToY422, simd_avx2::Y16AToY422,
+              simd_avx512::Y16AToY422);
+PIXMORPH_SLOT(ConvertSlot, Y16AToI420, plain::Y16AToI420, simd_sse41::Y16AToI420, simd_avx2::Y16AToI420,
+              simd_avx512::Y16AToI420);
 
-/// Luma of a pixel pair; opaque alpha where the destination has some.
-template <class Dst>
-void WriteLuma(const WriteLine& line, std::size_t pair, std::uint8_t first, std::uint8_t second) {
-    Dst::Luma(line, 2 * pair) = first;
-    Dst::Luma(line, 2 * pair + 1) = second;
-    if constexpr (Dst::kHasAlpha) Dst::Alpha(line, 2 * pair) = Dst::Alpha(line, 2 * pair + 1) = 255;
-}
+PIXMORPH_SLOT(ConvertSlot, Y422ToUyvy, plain::Y422ToUyvy, simd_sse41::Y422ToUyvy, simd_avx2::Y422ToUyvy,
+              simd_avx512::Y422ToUyvy);
+PIXMORPH_SLOT(ConvertSlot, Y422ToYuy2, plain::Y422ToYuy2, simd_sse41::Y422ToYuy2, simd_avx2::Y422ToYuy2,
+              simd_avx512::Y422ToYuy2);
+PIXMORPH_SLOT(ConvertSlot, Y422ToY16, plain::Y422ToY16, simd_sse41::Y422ToY16, simd_avx2::Y422ToY16,
+              simd_avx512::Y422ToY16);
+PIXMORPH_SLOT(ConvertSlot, Y422ToY16A, plain::Y422ToY16A, simd_sse41::Y422ToY16A, simd_avx2::Y422ToY16A,
+              simd_avx512::Y422ToY16A);
+PIXMORPH_SLOT(ConvertSlot, Y422ToI420, plain::Y422ToI420, simd_sse41::Y422ToI420, simd_avx2::Y422ToI420,
+              simd_avx512::Y422ToI420);
 
-template <class Dst, class Src>
-void CopyLuma(const WriteLine& dst, const ReadLine& src, std::size_t pairs) {
-    for (std::size_t pair = 0; pair < pairs; ++pair)
-        WriteLuma<Dst>(dst, pair, Src::Luma(src, 2 * pair), Src::Luma(src, 2 * pair + 1));
-}
+PIXMORPH_SLOT(ConvertSlot, I420ToUyvy, plain::I420ToUyvy, simd_sse41::I420ToUyvy, simd_avx2::I420ToUyvy,
+              simd_avx512::I420ToUyvy);
+PIXMORPH_SLOT(ConvertSlot, I420ToYuy2, plain::I420ToYuy2, simd_sse41::I420ToYuy2, simd_avx2::I420ToYuy2,
+              simd_avx512::I420ToYuy2);
+PIXMORPH_SLOT(ConvertSlot, I420ToY16, plain::I420ToY16, simd_sse41::I420ToY16, simd_avx2::I420ToY16,
+              simd_avx512::I420ToY16);
+PIXMORPH_SLOT(ConvertSlot, I420ToY16A, plain::I420ToY16A, simd_sse41::I420ToY16A, simd_avx2::I420ToY16A,
+              simd_avx512::I420ToY16A);
+PIXMORPH_SLOT(ConvertSlot, I420ToY422, plain::I420ToY422, simd_sse41::I420ToY422, simd_avx2::I420ToY422,
+              simd_avx512::I420ToY422);
+PIXMORPH_SLOT(ConvertSlot, I420ToNv12, plain::I420ToNv12, simd_sse41::I420ToNv12, simd_avx2::I420ToNv12,
+              simd_avx512::I420ToNv12);
 
-template <class Dst, class Src>
-void Reorder422To422(const ImageDescriptor& dst, const ImageDescriptor& src) {
-    const std::size_t pairs = src.width / 2;
-    for (std::int64_t row = 0; row < src.height; ++row) {
-        const auto from = LineAt<ReadLine>(src, row, row);
-        const auto to = LineAt<WriteLine>(dst, row, row);
-        for (std::size_t pair = 0; pair < pairs; ++pair) {
-            // All four samples are read before one is written: packed formats may be converted in place.
-            const std::uint8_t first = Src::Luma(from, 2 * pair);
-            const std::uint8_t second = Src::Luma(from, 2 * pair + 1);
-            const ChromaPair chroma = ReadChroma<Src>(from, pair);
-            WriteLuma<Dst>(to, pair, first, second);
-            WriteChroma<Dst>(to, pair, chroma);
-        }
-    }
-}
-
-/// Each chroma line is the rounded mean of the two that it stands for.
-template <class Dst, class Src>
-void Reorder422To420(const ImageDescriptor& dst, const ImageDescriptor& src) {
-    const std::size_t pairs = src.width / 2;
-    for (std::int64_t chromaRow = 0; chromaRow < src.height / 2; ++chromaRow) {
-        const std::int64_t row = 2 * chromaRow;
-        const auto from0 = LineAt<ReadLine>(src, row, row);
-        const auto from1 = LineAt<ReadLine>(src, row + 1, row + 1);
-        const auto to0 = LineAt<WriteLine>(dst, row, chromaRow);
-        const auto to1 = LineAt<WriteLine>(dst, row + 1, chromaRow);
-        CopyLuma<Dst, Src>(to0, from0, pairs);
-        CopyLuma<Dst, Src>(to1, from1, pairs);
-        for (std::size_t pair = 0; pair < pairs; ++pair)
-            WriteChroma<Dst>(to0, pair, Mean(ReadChroma<Src>(from0, pair), ReadChroma<Src>(from1, pair)));
-    }
-}
-
-/// Even lines take the chroma line as it is, odd lines its rounded mean with the next one. The last two lines have no
-/// next one and both take the last as it is.
-template <class Dst, class Src>
-void Reorder420To422(const ImageDescriptor& dst, const ImageDescriptor& src) {
-    const std::size_t pairs = src.width / 2;
-    const std::int64_t chromaRows = src.height / 2;
-    for (std::int64_t chromaRow = 0; chromaRow < chromaRows; ++chromaRow) {
-        const std::int64_t row = 2 * chromaRow;
-        const std::int64_t nextRow = chromaRow + 1 < chromaRows ? chromaRow + 1 : chromaRow;
-        const auto from0 = LineAt<ReadLine>(src, row, chromaRow);
-        const auto from1 = LineAt<ReadLine>(src, row + 1, nextRow);
-        const auto to0 = LineAt<WriteLine>(dst, row, row);
-        const auto to1 = LineAt<WriteLine>(dst, row + 1, row + 1);
-        CopyLuma<Dst, Src>(to0, from0, pairs);
-        CopyLuma<Dst, Src>(to1, from1, pairs);
-        for (std::size_t pair = 0; pair < pairs; ++pair) {
-            const ChromaPair chroma = ReadChroma<Src>(from0, pair);
-            WriteChroma<Dst>(to0, pair, chroma);
-            WriteChroma<Dst>(to1, pair, Mean(chroma, ReadChroma<Src>(from1, pair)));
-        }
-    }
-}
-
-template <class Dst, class Src>
-void Reorder420To420(const ImageDescriptor& dst, const ImageDescriptor& src) {
-    const std::size_t pairs = src.width / 2;
-    for (std::int64_t row = 0; row < src.height; ++row) {
-        const auto from = LineAt<ReadLine>(src, row, row / 2);
-        const auto to = LineAt<WriteLine>(dst, row, row / 2);
-        CopyLuma<Dst, Src>(to, from, pairs);
-        if (row % 2 != 0) continue;
-        for (std::size_t pair = 0; pair < pairs; ++pair) WriteChroma<Dst>(to, pair, ReadChroma<Src>(from, pair));
-    }
-}
-
-}  // namespace
-
-std::size_t ReorderCachedLimit() { return GetCacheSize() / 2; }
-
-#define PIXMORPH_REORDER_SLOT(name, kernel, from, to)                           \
-    void name##_Plain(const ImageDescriptor& dst, const ImageDescriptor& src) { \
-        kernel<to##Samples, from##Samples>(dst, src);                           \
-    }                                                                           \
-    static constexpr ConvertSlot::Entry k##name##Rows[] = {                     \
-        {FEATURES_PLAIN, name##_Plain, #name "_Plain"},                         \
-        {FEATURES_SSE41, name##_Sse41, #name "_Sse41"},                         \
-        {FEATURES_AVX2, name##_Avx2, #name "_Avx2"},                            \
-        {FEATURES_AVX512BW, name##_Avx512, #name "_Avx512"},                    \
-    };                                                                          \
-    constinit ConvertSlot name{#name, k##name##Rows, &ResolveOnFirstCall<name>::Call};
-
-#define PIXMORPH_REORDER_SLOT_422_TO_422(name, from, to) PIXMORPH_REORDER_SLOT(name, Reorder422To422, from, to)
-#define PIXMORPH_REORDER_SLOT_422_TO_420(name, from, to) PIXMORPH_REORDER_SLOT(name, Reorder422To420, from, to)
-#define PIXMORPH_REORDER_SLOT_420_TO_422(name, from, to) PIXMORPH_REORDER_SLOT(name, Reorder420To422, from, to)
-#define PIXMORPH_REORDER_SLOT_420_TO_420(name, from, to) PIXMORPH_REORDER_SLOT(name, Reorder420To420, from, to)
-
-PIXMORPH_REORDER_422_TO_422(PIXMORPH_REORDER_SLOT_422_TO_422)
-PIXMORPH_REORDER_422_TO_420(PIXMORPH_REORDER_SLOT_422_TO_420)
-PIXMORPH_REORDER_420_TO_422(PIXMORPH_REORDER_SLOT_420_TO_422)
-PIXMORPH_REORDER_420_TO_420(PIXMORPH_REORDER_SLOT_420_TO_420)
-
-namespace {
-
-#define PIXMORPH_REORDER_ADDRESS(name, from, to) &name,
-const SlotRegistration kRegistration{PIXMORPH_REORDER_ALL(PIXMORPH_REORDER_ADDRESS)};
-
-}  // namespace
+PIXMORPH_SLOT(ConvertSlot, Nv12ToUyvy, plain::Nv12ToUyvy, simd_sse41::Nv12ToUyvy, simd_avx2::Nv12ToUyvy,
+              simd_avx512::Nv12ToUyvy);
+PIXMORPH_SLOT(ConvertSlot, Nv12ToYuy2, plain::Nv12ToYuy2, simd_sse41::Nv12ToYuy2, simd_avx2::Nv12ToYuy2,
+              simd_avx512::Nv12ToYuy2);
+PIXMORPH_SLOT(ConvertSlot, Nv12ToYvyu, plain::Nv12ToYvyu, simd_sse41::Nv12ToYvyu, simd_avx2::Nv12ToYvyu,
+              simd_avx512::Nv12ToYvyu);
+PIXMORPH_SLOT(ConvertSlot, Nv12ToY16, plain::Nv12ToY16, simd_sse41::Nv12ToY16, simd_avx2::Nv12ToY16,
+              simd_avx512::Nv12ToY16);
+PIXMORPH_SLOT(ConvertSlot, Nv12ToI420, plain::Nv12ToI420, simd_sse41::Nv12ToI420, simd_avx2::Nv12ToI420,
+              simd_avx512::Nv12ToI420);
 
 }  // namespace KorvaneSoftware

@@ -81,26 +81,58 @@ void ConvertTo420(const ImageDescriptor& dst, const ImageDescriptor& src) {
 
 }  // namespace
 
-#define PIXMORPH_PLAIN_FORMS(Destination, Kernel, Samples)                                     \
-    void BgrTo##Destination##_Plain(const ImageDescriptor& dst, const ImageDescriptor& src) {  \
-        Kernel<BgrLine, Samples>(dst, src);                                                    \
-    }                                                                                          \
-    void BgraTo##Destination##_Plain(const ImageDescriptor& dst, const ImageDescriptor& src) { \
-        Kernel<BgraLine, Samples>(dst, src);                                                   \
-    }
-
-PIXMORPH_PLAIN_FORMS(Uyvy, ConvertTo422, UyvySamples)
-PIXMORPH_PLAIN_FORMS(Yuy2, ConvertTo422, Yuy2Samples)
-PIXMORPH_PLAIN_FORMS(Yvyu, ConvertTo422, YvyuSamples)
-PIXMORPH_PLAIN_FORMS(Y16, ConvertTo422, Y16Samples)
-PIXMORPH_PLAIN_FORMS(Y16A, ConvertTo422, Y16ASamples)
-PIXMORPH_PLAIN_FORMS(Y422, ConvertTo422, PlanarSamples)
-PIXMORPH_PLAIN_FORMS(I420, ConvertTo420, PlanarSamples)
-PIXMORPH_PLAIN_FORMS(Nv12, ConvertTo420, SemiPlanarSamples)
+void plain::BgrToUyvy(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    ConvertTo422<BgrLine, UyvySamples>(dst, src);
+}
+void plain::BgraToUyvy(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    ConvertTo422<BgraLine, UyvySamples>(dst, src);
+}
+void plain::BgrToYuy2(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    ConvertTo422<BgrLine, Yuy2Samples>(dst, src);
+}
+void plain::BgraToYuy2(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    ConvertTo422<BgraLine, Yuy2Samples>(dst, src);
+}
+void plain::BgrToYvyu(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    ConvertTo422<BgrLine, YvyuSamples>(dst, src);
+}
+void plain::BgraToYvyu(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    ConvertTo422<BgraLine, YvyuSamples>(dst, src);
+}
+void plain::BgrToY16(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    ConvertTo422<BgrLine, Y16Samples>(dst, src);
+}
+void plain::BgraToY16(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    ConvertTo422<BgraLine, Y16Samples>(dst, src);
+}
+void plain::BgrToY16A(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    ConvertTo422<BgrLine, Y16ASamples>(dst, src);
+}
+void plain::BgraToY16A(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    ConvertTo422<BgraLine, Y16ASamples>(dst, src);
+}
+void plain::BgrToY422(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    ConvertTo422<BgrLine, PlanarSamples>(dst, src);
+}
+void plain::BgraToY422(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    ConvertTo422<BgraLine, PlanarSamples>(dst, src);
+}
+void plain::BgrToI420(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    ConvertTo420<BgrLine, PlanarSamples>(dst, src);
+}
+void plain::BgraToI420(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    ConvertTo420<BgraLine, PlanarSamples>(dst, src);
+}
+void plain::BgrToNv12(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    ConvertTo420<BgrLine, SemiPlanarSamples>(dst, src);
+}
+void plain::BgraToNv12(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    ConvertTo420<BgraLine, SemiPlanarSamples>(dst, src);
+}
 
 // Luma of video levels by BT.601, whatever the destination's matrix. The last column of each line is left as it was,
 // which looks wrong and is required.
-void BgrToY400_Plain(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::BgrToY400(const ImageDescriptor& dst, const ImageDescriptor& src) {
     for (std::int64_t row = 0; row < src.height; ++row) {
         const BgrLine in{BottomUpLine(src, row)};
         std::uint8_t* const out = PlaneLine(dst, 0, row);
@@ -108,7 +140,7 @@ void BgrToY400_Plain(const ImageDescriptor& dst, const ImageDescriptor& src) {
     }
 }
 
-void BgrToBgra_Plain(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::BgrToBgra(const ImageDescriptor& dst, const ImageDescriptor& src) {
     for (std::int64_t row = 0; row < src.height; ++row) {
         const std::uint8_t* const in = PlaneLine(src, 0, row);
         std::uint8_t* const out = PlaneLine(dst, 0, row);
@@ -119,7 +151,7 @@ void BgrToBgra_Plain(const ImageDescriptor& dst, const ImageDescriptor& src) {
     }
 }
 
-void BgraToBgr_Plain(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::BgraToBgr(const ImageDescriptor& dst, const ImageDescriptor& src) {
     for (std::int64_t row = 0; row < src.height; ++row) {
         const std::uint8_t* const in = PlaneLine(src, 0, row);
         std::uint8_t* const out = PlaneLine(dst, 0, row);

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 
 #include "foundation/image_descriptor.h"
 
@@ -97,6 +98,25 @@ struct SemiPlanarSamples {
     static auto& Cr(const Line& line, std::size_t pair) {
         return line.plane[1][2 * pair + 1];
     }
+};
+
+/// Word `index` of a run of 16-bit words, which may lie at an odd address.
+inline std::uint32_t WordAt(const std::uint8_t* run, std::size_t index) {
+    std::uint16_t word;
+    std::memcpy(&word, run + 2 * index, sizeof(word));
+    return word;
+}
+
+/// The two layouts of planes in 16-bit words; read only.
+struct PlanarWordSamples {
+    static std::uint32_t Luma(const ReadLine& line, std::size_t x) { return WordAt(line.plane[0], x); }
+    static std::uint32_t Cb(const ReadLine& line, std::size_t pair) { return WordAt(line.plane[1], pair); }
+    static std::uint32_t Cr(const ReadLine& line, std::size_t pair) { return WordAt(line.plane[2], pair); }
+};
+struct SemiPlanarWordSamples {
+    static std::uint32_t Luma(const ReadLine& line, std::size_t x) { return WordAt(line.plane[0], x); }
+    static std::uint32_t Cb(const ReadLine& line, std::size_t pair) { return WordAt(line.plane[1], 2 * pair); }
+    static std::uint32_t Cr(const ReadLine& line, std::size_t pair) { return WordAt(line.plane[1], 2 * pair + 1); }
 };
 
 /// First byte of line `row` of a plane.

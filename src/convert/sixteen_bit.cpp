@@ -11,24 +11,6 @@ namespace KorvaneSoftware {
 
 namespace {
 
-std::uint32_t WordAt(const std::uint8_t* line, std::size_t index) {
-    std::uint16_t word;
-    std::memcpy(&word, line + 2 * index, sizeof word);
-    return word;
-}
-
-// Where the words of a line lie.
-struct PlanarWords {
-    static std::uint32_t Luma(const ReadLine& line, std::size_t x) { return WordAt(line.plane[0], x); }
-    static std::uint32_t Cb(const ReadLine& line, std::size_t pair) { return WordAt(line.plane[1], pair); }
-    static std::uint32_t Cr(const ReadLine& line, std::size_t pair) { return WordAt(line.plane[2], pair); }
-};
-struct SemiPlanarWords {
-    static std::uint32_t Luma(const ReadLine& line, std::size_t x) { return WordAt(line.plane[0], x); }
-    static std::uint32_t Cb(const ReadLine& line, std::size_t pair) { return WordAt(line.plane[1], 2 * pair); }
-    static std::uint32_t Cr(const ReadLine& line, std::size_t pair) { return WordAt(line.plane[1], 2 * pair + 1); }
-};
-
 // Right-justified words to bytes, alone and as the mean of two lines.
 class RoundedShift {
 public:
@@ -68,7 +50,7 @@ void NarrowChroma(const WriteLine& to, const ReadLine& from, std::size_t pairs, 
 
 // As many chroma lines on both sides; `LinesPerChroma` picture lines share one.
 template <class Dst, class Src, class Narrow, int LinesPerChroma>
-void SameChroma_Plain(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void SameChroma(const ImageDescriptor& dst, const ImageDescriptor& src) {
     const Narrow luma(src.lumaExtraBits);
     const Narrow chroma(src.chromaExtraBits);
     for (std::int64_t y = 0; y < src.height; ++y)
@@ -79,7 +61,7 @@ void SameChroma_Plain(const ImageDescriptor& dst, const ImageDescriptor& src) {
 
 // 4:2:0 to 4:2:2: even lines take their chroma line, odd lines the mean with the next; the last pair has no next.
 template <class Dst, class Src, class Narrow>
-void ChromaToEveryLine_Plain(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void ChromaToEveryLine(const ImageDescriptor& dst, const ImageDescriptor& src) {
     const Narrow luma(src.lumaExtraBits);
     const Narrow chroma(src.chromaExtraBits);
     const std::size_t pairs = src.width / 2;
@@ -114,7 +96,7 @@ std::uint32_t WideningShift(const ImageDescriptor& dst) { return std::min<std::u
 
 // Each chroma line of the source becomes `Repeats` lines.
 template <int Repeats>
-void WidenPlanes_Plain(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void WidenPlanes(const ImageDescriptor& dst, const ImageDescriptor& src) {
     const std::uint32_t shift = WideningShift(dst);
     for (std::int64_t y = 0; y < src.height; ++y) Widen(PlaneLine(dst, 0, y), PlaneLine(src, 0, y), src.width, shift);
     for (int plane = 1; plane < 3; ++plane)
@@ -122,19 +104,14 @@ void WidenPlanes_Plain(const ImageDescriptor& dst, const ImageDescriptor& src) {
             Widen(PlaneLine(dst, plane, row), PlaneLine(src, plane, row / Repeats), src.width / 2, shift);
 }
 
-void Y400ToS400_Plain(const ImageDescriptor& dst, const ImageDescriptor& src) {
-    const std::uint32_t shift = WideningShift(dst);
-    for (std::int64_t y = 0; y < src.height; ++y) Widen(PlaneLine(dst, 0, y), PlaneLine(src, 0, y), src.width, shift);
-}
-
 }  // namespace
 
 // 4:2:2 to 4:2:0. Unlike the mean that HighByte makes of two lines on the way to 4:2:2, this one is rounded.
-void P216ToNv12_Plain(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::P216ToNv12(const ImageDescriptor& dst, const ImageDescriptor& src) {
     const HighByte narrow(0);
     for (std::int64_t y = 0; y < src.height; ++y)
-        NarrowLuma<SemiPlanarSamples, SemiPlanarWords>(LineAt<WriteLine>(dst, y, 0), LineAt<ReadLine>(src, y, 0),
-                                                       src.width, narrow);
+        NarrowLuma<SemiPlanarSamples, SemiPlanarWordSamples>(LineAt<WriteLine>(dst, y, 0), LineAt<ReadLine>(src, y, 0),
+                                                             src.width, narrow);
     for (std::int64_t r = 0; r < src.height / 2; ++r) {
         std::uint8_t* const to = PlaneLine(dst, 1, r);
         const std::uint8_t* const upper = PlaneLine(src, 1, 2 * r);
@@ -144,52 +121,75 @@ void P216ToNv12_Plain(const ImageDescriptor& dst, const ImageDescriptor& src) {
     }
 }
 
-#define PIXMORPH_PLAIN(name, ...) \
-    void name##_Plain(const ImageDescriptor& dst, const ImageDescriptor& src) { __VA_ARGS__(dst, src); }
-PIXMORPH_PLAIN(P216ToUyvy, SameChroma_Plain<UyvySamples, SemiPlanarWords, HighByte, 1>)
-PIXMORPH_PLAIN(P216ToYuy2, SameChroma_Plain<Yuy2Samples, SemiPlanarWords, HighByte, 1>)
-PIXMORPH_PLAIN(P016ToUyvy, ChromaToEveryLine_Plain<UyvySamples, SemiPlanarWords, HighByte>)
-PIXMORPH_PLAIN(P016ToYuy2, ChromaToEveryLine_Plain<Yuy2Samples, SemiPlanarWords, HighByte>)
-PIXMORPH_PLAIN(P016ToNv12, SameChroma_Plain<SemiPlanarSamples, SemiPlanarWords, HighByte, 2>)
-PIXMORPH_PLAIN(S420ToUyvy, ChromaToEveryLine_Plain<UyvySamples, PlanarWords, RoundedShift>)
-PIXMORPH_PLAIN(S420ToYuy2, ChromaToEveryLine_Plain<Yuy2Samples, PlanarWords, RoundedShift>)
-PIXMORPH_PLAIN(S420ToI420, SameChroma_Plain<PlanarSamples, PlanarWords, RoundedShift, 2>)
-PIXMORPH_PLAIN(S422ToUyvy, SameChroma_Plain<UyvySamples, PlanarWords, RoundedShift, 1>)
-PIXMORPH_PLAIN(S422ToYuy2, SameChroma_Plain<Yuy2Samples, PlanarWords, RoundedShift, 1>)
-PIXMORPH_PLAIN(S422ToY422, SameChroma_Plain<PlanarSamples, PlanarWords, RoundedShift, 1>)
-#undef PIXMORPH_PLAIN
+void plain::Y400ToS400(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    const std::uint32_t shift = WideningShift(dst);
+    for (std::int64_t y = 0; y < src.height; ++y) Widen(PlaneLine(dst, 0, y), PlaneLine(src, 0, y), src.width, shift);
+}
 
-namespace {
+void plain::P216ToUyvy(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    SameChroma<UyvySamples, SemiPlanarWordSamples, HighByte, 1>(dst, src);
+}
+void plain::P216ToYuy2(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    SameChroma<Yuy2Samples, SemiPlanarWordSamples, HighByte, 1>(dst, src);
+}
+void plain::P016ToUyvy(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    ChromaToEveryLine<UyvySamples, SemiPlanarWordSamples, HighByte>(dst, src);
+}
+void plain::P016ToYuy2(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    ChromaToEveryLine<Yuy2Samples, SemiPlanarWordSamples, HighByte>(dst, src);
+}
+void plain::P016ToNv12(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    SameChroma<SemiPlanarSamples, SemiPlanarWordSamples, HighByte, 2>(dst, src);
+}
+void plain::S420ToUyvy(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    ChromaToEveryLine<UyvySamples, PlanarWordSamples, RoundedShift>(dst, src);
+}
+void plain::S420ToYuy2(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    ChromaToEveryLine<Yuy2Samples, PlanarWordSamples, RoundedShift>(dst, src);
+}
+void plain::S420ToI420(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    SameChroma<PlanarSamples, PlanarWordSamples, RoundedShift, 2>(dst, src);
+}
+void plain::S422ToUyvy(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    SameChroma<UyvySamples, PlanarWordSamples, RoundedShift, 1>(dst, src);
+}
+void plain::S422ToYuy2(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    SameChroma<Yuy2Samples, PlanarWordSamples, RoundedShift, 1>(dst, src);
+}
+void plain::S422ToY422(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    SameChroma<PlanarSamples, PlanarWordSamples, RoundedShift, 1>(dst, src);
+}
+void plain::I420ToS420(const ImageDescriptor& dst, const ImageDescriptor& src) { WidenPlanes<1>(dst, src); }
+void plain::I420ToS422(const ImageDescriptor& dst, const ImageDescriptor& src) { WidenPlanes<2>(dst, src); }
 
-constexpr ConvertSlot::Entry kI420ToS420Rows[] = {{FEATURES_PLAIN, WidenPlanes_Plain<1>, "I420ToS420_Plain"}};
-constexpr ConvertSlot::Entry kI420ToS422Rows[] = {{FEATURES_PLAIN, WidenPlanes_Plain<2>, "I420ToS422_Plain"}};
-constexpr ConvertSlot::Entry kY400ToS400Rows[] = {{FEATURES_PLAIN, Y400ToS400_Plain, "Y400ToS400_Plain"}};
-#define PIXMORPH_ROWS(name)                                                                         \
-    constexpr ConvertSlot::Entry k##name##Rows[] = {{FEATURES_PLAIN, name##_Plain, #name "_Plain"}, \
-                                                    {FEATURES_SSE41, name##_Sse41, #name "_Sse41"}, \
-                                                    {FEATURES_AVX2, name##_Avx2, #name "_Avx2"},    \
-                                                    {FEATURES_AVX512BW, name##_Avx512, #name "_Avx512"}};
-PIXMORPH_HIGH_BYTES(PIXMORPH_ROWS)
-PIXMORPH_ROUNDED_WORDS(PIXMORPH_ROWS)
-#undef PIXMORPH_ROWS
+PIXMORPH_SLOT(ConvertSlot, P216ToUyvy, plain::P216ToUyvy, simd_sse41::P216ToUyvy, simd_avx2::P216ToUyvy,
+              simd_avx512::P216ToUyvy);
+PIXMORPH_SLOT(ConvertSlot, P216ToYuy2, plain::P216ToYuy2, simd_sse41::P216ToYuy2, simd_avx2::P216ToYuy2,
+              simd_avx512::P216ToYuy2);
+PIXMORPH_SLOT(ConvertSlot, P216ToNv12, plain::P216ToNv12, simd_sse41::P216ToNv12, simd_avx2::P216ToNv12,
+              simd_avx512::P216ToNv12);
+PIXMORPH_SLOT(ConvertSlot, P016ToUyvy, plain::P016ToUyvy, simd_sse41::P016ToUyvy, simd_avx2::P016ToUyvy,
+              simd_avx512::P016ToUyvy);
+PIXMORPH_SLOT(ConvertSlot, P016ToYuy2, plain::P016ToYuy2, simd_sse41::P016ToYuy2, simd_avx2::P016ToYuy2,
+              simd_avx512::P016ToYuy2);
+PIXMORPH_SLOT(ConvertSlot, P016ToNv12, plain::P016ToNv12, simd_sse41::P016ToNv12, simd_avx2::P016ToNv12,
+              simd_avx512::P016ToNv12);
 
-}  // namespace
+PIXMORPH_SLOT(ConvertSlot, S420ToUyvy, plain::S420ToUyvy, simd_sse41::S420ToUyvy, simd_avx2::S420ToUyvy,
+              simd_avx512::S420ToUyvy);
+PIXMORPH_SLOT(ConvertSlot, S420ToYuy2, plain::S420ToYuy2, simd_sse41::S420ToYuy2, simd_avx2::S420ToYuy2,
+              simd_avx512::S420ToYuy2);
+PIXMORPH_SLOT(ConvertSlot, S420ToI420, plain::S420ToI420, simd_sse41::S420ToI420, simd_avx2::S420ToI420,
+              simd_avx512::S420ToI420);
+PIXMORPH_SLOT(ConvertSlot, S422ToUyvy, plain::S422ToUyvy, simd_sse41::S422ToUyvy, simd_avx2::S422ToUyvy,
+              simd_avx512::S422ToUyvy);
+PIXMORPH_SLOT(ConvertSlot, S422ToYuy2, plain::S422ToYuy2, simd_sse41::S422ToYuy2, simd_avx2::S422ToYuy2,
+              simd_avx512::S422ToYuy2);
+PIXMORPH_SLOT(ConvertSlot, S422ToY422, plain::S422ToY422, simd_sse41::S422ToY422, simd_avx2::S422ToY422,
+              simd_avx512::S422ToY422);
 
-#define PIXMORPH_WORDS_SLOT(name) constinit ConvertSlot name{#name, k##name##Rows, &ResolveOnFirstCall<name>::Call};
-PIXMORPH_HIGH_BYTES(PIXMORPH_WORDS_SLOT)
-PIXMORPH_ROUNDED_WORDS(PIXMORPH_WORDS_SLOT)
-PIXMORPH_WORDS_SLOT(I420ToS420)
-PIXMORPH_WORDS_SLOT(I420ToS422)
-PIXMORPH_WORDS_SLOT(Y400ToS400)
-#undef PIXMORPH_WORDS_SLOT
-
-namespace {
-
-#define PIXMORPH_ADDRESS(name) &name,
-const SlotRegistration kRegistration{&I420ToS420, &I420ToS422, &Y400ToS400,
-                                     PIXMORPH_HIGH_BYTES(PIXMORPH_ADDRESS) PIXMORPH_ROUNDED_WORDS(PIXMORPH_ADDRESS)};
-#undef PIXMORPH_ADDRESS
-
-}  // namespace
+PIXMORPH_SLOT(ConvertSlot, I420ToS420, plain::I420ToS420, nullptr, nullptr, nullptr);
+PIXMORPH_SLOT(ConvertSlot, I420ToS422, plain::I420ToS422, nullptr, nullptr, nullptr);
+PIXMORPH_SLOT(ConvertSlot, Y400ToS400, plain::Y400ToS400, nullptr, nullptr, nullptr);
 
 }  // namespace KorvaneSoftware

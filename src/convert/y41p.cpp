@@ -1,6 +1,7 @@
 #include "convert/y41p.h"
 
 #include "convert/samples.h"
+#include "foundation/arithmetic.h"
 
 namespace KorvaneSoftware {
 
@@ -14,8 +15,6 @@ constexpr std::size_t kLumaOffset[kGroupPixels] = {1, 3, 5, 7, 8, 9, 10, 11};
 constexpr std::size_t kCb = 0;
 constexpr std::size_t kCr = 2;
 constexpr std::size_t kHalfGroup = 4;  // From the first chroma pair of a group to its second.
-
-std::uint8_t Mean(std::uint8_t a, std::uint8_t b) { return static_cast<std::uint8_t>((a + 1 + b) >> 1); }
 
 // One chroma component of a group: four samples out of two, with a look at the next group. The last group of a line has
 // none and repeats its own second sample.
@@ -46,22 +45,18 @@ void Y41PTo422(const ImageDescriptor& dst, const ImageDescriptor& src) {
     }
 }
 
-constexpr ConvertSlot::Entry kToUyvyRows[] = {{FEATURES_PLAIN, Y41PTo422<UyvySamples>, "Y41PToUyvy_Plain"}};
-constexpr ConvertSlot::Entry kToYuy2Rows[] = {{FEATURES_PLAIN, Y41PTo422<Yuy2Samples>, "Y41PToYuy2_Plain"}};
-constexpr ConvertSlot::Entry kToYvyuRows[] = {{FEATURES_PLAIN, Y41PTo422<YvyuSamples>, "Y41PToYvyu_Plain"}};
-constexpr ConvertSlot::Entry kToY16Rows[] = {{FEATURES_PLAIN, Y41PTo422<Y16Samples>, "Y41PToY16_Plain"}};
-
 }  // namespace
 
-constinit ConvertSlot Y41PToUyvy{"Y41PToUyvy", kToUyvyRows, &ResolveOnFirstCall<Y41PToUyvy>::Call};
-constinit ConvertSlot Y41PToYuy2{"Y41PToYuy2", kToYuy2Rows, &ResolveOnFirstCall<Y41PToYuy2>::Call};
-constinit ConvertSlot Y41PToYvyu{"Y41PToYvyu", kToYvyuRows, &ResolveOnFirstCall<Y41PToYvyu>::Call};
-constinit ConvertSlot Y41PToY16{"Y41PToY16", kToY16Rows, &ResolveOnFirstCall<Y41PToY16>::Call};
+PIXMORPH_FORMS(ConvertSignature, Y41PToUyvy, Y41PToYuy2, Y41PToYvyu, Y41PToY16)
 
-namespace {
+void plain::Y41PToUyvy(const ImageDescriptor& dst, const ImageDescriptor& src) { Y41PTo422<UyvySamples>(dst, src); }
+void plain::Y41PToYuy2(const ImageDescriptor& dst, const ImageDescriptor& src) { Y41PTo422<Yuy2Samples>(dst, src); }
+void plain::Y41PToYvyu(const ImageDescriptor& dst, const ImageDescriptor& src) { Y41PTo422<YvyuSamples>(dst, src); }
+void plain::Y41PToY16(const ImageDescriptor& dst, const ImageDescriptor& src) { Y41PTo422<Y16Samples>(dst, src); }
 
-const SlotRegistration kRegistration{&Y41PToUyvy, &Y41PToYuy2, &Y41PToYvyu, &Y41PToY16};
-
-}  // namespace
+PIXMORPH_SLOT(ConvertSlot, Y41PToUyvy, plain::Y41PToUyvy, nullptr, nullptr, nullptr);
+PIXMORPH_SLOT(ConvertSlot, Y41PToYuy2, plain::Y41PToYuy2, nullptr, nullptr, nullptr);
+PIXMORPH_SLOT(ConvertSlot, Y41PToYvyu, plain::Y41PToYvyu, nullptr, nullptr, nullptr);
+PIXMORPH_SLOT(ConvertSlot, Y41PToY16, plain::Y41PToY16, nullptr, nullptr, nullptr);
 
 }  // namespace KorvaneSoftware

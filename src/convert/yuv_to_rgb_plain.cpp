@@ -1,27 +1,19 @@
 // The plain forms of YUV to RGB: what the conversion is. A line reader gives luma and chroma of one picture line in 8.8
 // form; the kernels walk it and interpolate chroma between pixel pairs; a pixel type says how RGB lies in memory.
-#include <cstring>
-
 #include "convert/colour.h"
+#include "convert/dv_chroma.h"
 #include "convert/samples.h"
 #include "convert/x86/rgb_forms.h"
+#include "foundation/arithmetic.h"
 
 namespace KorvaneSoftware {
 
 namespace {
 
-// Rounded mean of two samples in 8.8 form. Samples that come from bytes are multiples of 256, so their means, and the
-// means of those, are exact; the rounding shows only in samples that are 16-bit words from the start.
-std::uint32_t Mean(std::uint32_t a, std::uint32_t b) { return (a + b + 1) >> 1; }
+// Means of samples in 8.8 form: those that come from bytes are multiples of 256, so their means, and the means of
+// those, are exact; the rounding shows only in samples that are 16-bit words from the start.
 
 std::uint32_t Widen(std::uint8_t sample) { return std::uint32_t{sample} << 8; }
-
-// Sample `index` of a run of 16-bit words, which may lie at an odd address.
-std::uint32_t WordAt(const std::uint8_t* run, std::size_t index) {
-    std::uint16_t word;
-    std::memcpy(&word, run + 2 * index, sizeof(word));
-    return word;
-}
 
 // --- Pixels
 
@@ -60,23 +52,14 @@ struct ByteLine {
     }
 };
 
-/// Words in three planes. They are taken as 8.8 whatever depth the descriptor gives.
-struct PlanarWordLine {
+/// Words of any 4:2:2 layout.
+template <class Samples>
+struct WordLine {
     ReadLine line;
 
-    std::uint32_t Luma(std::size_t x) const { return WordAt(line.plane[0], x); }
-    std::uint32_t Cb(std::size_t pair) const { return WordAt(line.plane[1], pair); }
-    std::uint32_t Cr(std::size_t pair) const { return WordAt(line.plane[2], pair); }
-    std::uint8_t Alpha(std::size_t) const { return 255; }
-};
-
-/// Words in a luma plane and a plane of chroma pairs.
-struct SemiPlanarWordLine {
-    ReadLine line;
-
-    std::uint32_t Luma(std::size_t x) const { return WordAt(line.plane[0], x); }
-    std::uint32_t Cb(std::size_t pair) const { return WordAt(line.plane[1], 2 * pair); }
-    std::uint32_t Cr(std::size_t pair) const { return WordAt(line.plane[1], 2 * pair + 1); }
+    std::uint32_t Luma(std::size_t x) const { return Samples::Luma(line, x); }
+    std::uint32_t Cb(std::size_t pair) const { return Samples::Cb(line, pair); }
+    std::uint32_t Cr(std::size_t pair) const { return Samples::Cr(line, pair); }
     std::uint8_t Alpha(std::size_t) const { return 255; }
 };
 
@@ -174,21 +157,15 @@ void Convert420(const ImageDescriptor& dst, const ImageDescriptor& src) {
     }
 }
 
-/// DV 4:2:0: on odd lines V lies between two chroma lines, on even lines (but the first) U does.
+/// DV 4:2:0: U and V are sited on different lines.
 template <class Pixel>
 void ConvertDv12(const ImageDescriptor& dst, const ImageDescriptor& src) {
     const YuvToRgbRow& matrix = YuvToRgbOf(src.colorMatrix);
-    const std::int64_t height = src.height;
-    for (std::int64_t row = 0; row < height; ++row) {
-        const bool first = row == 0;
-        const bool last = row == height - 1;
-        const std::uint8_t* const upper = PlaneLine(src, 1, first ? 0 : (row - 1) / 2);
-        const std::uint8_t* const lower = first || last ? upper : PlaneLine(src, 1, (row - 1) / 2 + 1);
-        Dv12Line line{PlaneLine(src, 0, row), {upper, lower}, {upper, lower}};
-        if (row % 2 != 0)
-            line.cb[1] = upper;
-        else
-            line.cr[0] = lower;
+    for (std::int64_t row = 0; row < src.height; ++row) {
+        const DvChromaLines lines = DvChromaLinesOf(row, src.height);
+        const Dv12Line line{PlaneLine(src, 0, row),
+                            {PlaneLine(src, 1, lines.u0), PlaneLine(src, 1, lines.u1)},
+                            {PlaneLine(src, 1, lines.v0), PlaneLine(src, 1, lines.v1)}};
         ConvertPairs<Pixel>(BottomUpLine(dst, row), src.width, line, matrix);
     }
 }
@@ -215,35 +192,99 @@ void ConvertY444(const ImageDescriptor& dst, const ImageDescriptor& src) {
 
 }  // namespace
 
-// Both forms of a source; what stands behind the kernel's name are its template arguments after the pixel type.
-#define PIXMORPH_PLAIN_FORMS(Source, Kernel, ...)                                       \
-    void Source##ToBgr_Plain(const ImageDescriptor& dst, const ImageDescriptor& src) {  \
-        Kernel<BgrPixel __VA_OPT__(, ) __VA_ARGS__>(dst, src);                          \
-    }                                                                                   \
-    void Source##ToBgra_Plain(const ImageDescriptor& dst, const ImageDescriptor& src) { \
-        Kernel<BgraPixel __VA_OPT__(, ) __VA_ARGS__>(dst, src);                         \
-    }
-
-PIXMORPH_PLAIN_FORMS(Uyvy, Convert422, ByteLine<UyvySamples>)
-PIXMORPH_PLAIN_FORMS(Yuy2, Convert422, ByteLine<Yuy2Samples>)
-PIXMORPH_PLAIN_FORMS(Yvyu, Convert422, ByteLine<YvyuSamples>)
-PIXMORPH_PLAIN_FORMS(Y16, Convert422, ByteLine<Y16Samples>)
-PIXMORPH_PLAIN_FORMS(Y16A, Convert422, ByteLine<Y16ASamples>)
-PIXMORPH_PLAIN_FORMS(Y32, Convert422, ByteLine<Y32Samples>)
-PIXMORPH_PLAIN_FORMS(Y32A, Convert422, ByteLine<Y32ASamples>)
-PIXMORPH_PLAIN_FORMS(Y32AB, Convert422, ByteLine<Y32ABSamples>)
-PIXMORPH_PLAIN_FORMS(Y422, Convert422, ByteLine<PlanarSamples>)
-PIXMORPH_PLAIN_FORMS(P216, Convert422, SemiPlanarWordLine)
-PIXMORPH_PLAIN_FORMS(I420, Convert420, ByteLine<PlanarSamples>)
-PIXMORPH_PLAIN_FORMS(Nv12, Convert420, ByteLine<SemiPlanarSamples>)
-PIXMORPH_PLAIN_FORMS(S420, Convert420, PlanarWordLine)
-PIXMORPH_PLAIN_FORMS(P016, Convert420, SemiPlanarWordLine)
-PIXMORPH_PLAIN_FORMS(Dv12, ConvertDv12)
-PIXMORPH_PLAIN_FORMS(Y41P, ConvertY41P)
-PIXMORPH_PLAIN_FORMS(Y444, ConvertY444)
+void plain::UyvyToBgr(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    Convert422<BgrPixel, ByteLine<UyvySamples>>(dst, src);
+}
+void plain::UyvyToBgra(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    Convert422<BgraPixel, ByteLine<UyvySamples>>(dst, src);
+}
+void plain::Yuy2ToBgr(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    Convert422<BgrPixel, ByteLine<Yuy2Samples>>(dst, src);
+}
+void plain::Yuy2ToBgra(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    Convert422<BgraPixel, ByteLine<Yuy2Samples>>(dst, src);
+}
+void plain::YvyuToBgr(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    Convert422<BgrPixel, ByteLine<YvyuSamples>>(dst, src);
+}
+void plain::YvyuToBgra(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    Convert422<BgraPixel, ByteLine<YvyuSamples>>(dst, src);
+}
+void plain::Y16ToBgr(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    Convert422<BgrPixel, ByteLine<Y16Samples>>(dst, src);
+}
+void plain::Y16ToBgra(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    Convert422<BgraPixel, ByteLine<Y16Samples>>(dst, src);
+}
+void plain::Y16AToBgr(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    Convert422<BgrPixel, ByteLine<Y16ASamples>>(dst, src);
+}
+void plain::Y16AToBgra(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    Convert422<BgraPixel, ByteLine<Y16ASamples>>(dst, src);
+}
+void plain::Y32ToBgr(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    Convert422<BgrPixel, ByteLine<Y32Samples>>(dst, src);
+}
+void plain::Y32ToBgra(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    Convert422<BgraPixel, ByteLine<Y32Samples>>(dst, src);
+}
+void plain::Y32AToBgr(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    Convert422<BgrPixel, ByteLine<Y32ASamples>>(dst, src);
+}
+void plain::Y32AToBgra(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    Convert422<BgraPixel, ByteLine<Y32ASamples>>(dst, src);
+}
+void plain::Y32ABToBgr(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    Convert422<BgrPixel, ByteLine<Y32ABSamples>>(dst, src);
+}
+void plain::Y32ABToBgra(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    Convert422<BgraPixel, ByteLine<Y32ABSamples>>(dst, src);
+}
+void plain::Y422ToBgr(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    Convert422<BgrPixel, ByteLine<PlanarSamples>>(dst, src);
+}
+void plain::Y422ToBgra(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    Convert422<BgraPixel, ByteLine<PlanarSamples>>(dst, src);
+}
+void plain::P216ToBgr(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    Convert422<BgrPixel, WordLine<SemiPlanarWordSamples>>(dst, src);
+}
+void plain::P216ToBgra(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    Convert422<BgraPixel, WordLine<SemiPlanarWordSamples>>(dst, src);
+}
+void plain::I420ToBgr(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    Convert420<BgrPixel, ByteLine<PlanarSamples>>(dst, src);
+}
+void plain::I420ToBgra(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    Convert420<BgraPixel, ByteLine<PlanarSamples>>(dst, src);
+}
+void plain::Nv12ToBgr(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    Convert420<BgrPixel, ByteLine<SemiPlanarSamples>>(dst, src);
+}
+void plain::Nv12ToBgra(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    Convert420<BgraPixel, ByteLine<SemiPlanarSamples>>(dst, src);
+}
+void plain::S420ToBgr(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    Convert420<BgrPixel, WordLine<PlanarWordSamples>>(dst, src);
+}
+void plain::S420ToBgra(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    Convert420<BgraPixel, WordLine<PlanarWordSamples>>(dst, src);
+}
+void plain::P016ToBgr(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    Convert420<BgrPixel, WordLine<SemiPlanarWordSamples>>(dst, src);
+}
+void plain::P016ToBgra(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    Convert420<BgraPixel, WordLine<SemiPlanarWordSamples>>(dst, src);
+}
+void plain::Dv12ToBgr(const ImageDescriptor& dst, const ImageDescriptor& src) { ConvertDv12<BgrPixel>(dst, src); }
+void plain::Dv12ToBgra(const ImageDescriptor& dst, const ImageDescriptor& src) { ConvertDv12<BgraPixel>(dst, src); }
+void plain::Y41PToBgr(const ImageDescriptor& dst, const ImageDescriptor& src) { ConvertY41P<BgrPixel>(dst, src); }
+void plain::Y41PToBgra(const ImageDescriptor& dst, const ImageDescriptor& src) { ConvertY41P<BgraPixel>(dst, src); }
+void plain::Y444ToBgr(const ImageDescriptor& dst, const ImageDescriptor& src) { ConvertY444<BgrPixel>(dst, src); }
+void plain::Y444ToBgra(const ImageDescriptor& dst, const ImageDescriptor& src) { ConvertY444<BgraPixel>(dst, src); }
 
 // Luma only: chroma is at its zero level everywhere.
-void Y400ToBgr_Plain(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::Y400ToBgr(const ImageDescriptor& dst, const ImageDescriptor& src) {
     const YuvToRgbRow& matrix = YuvToRgbOf(src.colorMatrix);
     for (std::int64_t row = 0; row < src.height; ++row) {
         std::uint8_t* const out = BottomUpLine(dst, row);

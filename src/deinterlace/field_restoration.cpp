@@ -3,7 +3,8 @@
 #include <algorithm>
 #include <cstdlib>
 
-#include "deinterlace/x86/field_restoration_x86.h"
+#include "deinterlace/x86/field_restoration_forms.h"
+#include "foundation/arithmetic.h"
 
 namespace KorvaneSoftware {
 
@@ -17,8 +18,6 @@ struct Group {
     static constexpr std::size_t kU = HasAlpha ? 32 : 16;
     static constexpr std::size_t kV = kU + 8;
 };
-
-std::uint8_t ClampToByte(std::int32_t value) { return static_cast<std::uint8_t>(std::clamp(value, 0, 255)); }
 
 // How far a pixel follows the present field, 0 to 255.
 std::uint32_t WeightOf(std::uint32_t motion, const MotionThresholds& thresholds) {
@@ -55,8 +54,8 @@ void StoreRebuilt(std::uint8_t* dst, std::int32_t luma, std::int32_t u, std::int
 }
 
 template <bool HasAlpha>
-void RestoreLine_Plain(std::uint8_t* dst, const RestorationLines& lines, std::size_t groups,
-                       const MotionThresholds& thresholds) {
+void RestoreLine(std::uint8_t* dst, const RestorationLines& lines, std::size_t groups,
+                 const MotionThresholds& thresholds) {
     using Layout = Group<HasAlpha>;
     for (std::size_t pair = 0; pair < groups * 8; ++pair, dst += 8) {
         const std::size_t group = pair / 8 * Layout::kBytes;
@@ -98,7 +97,7 @@ void StorePresent(std::uint8_t* dst, double y, double u, double v) {
 }
 
 template <bool HasAlpha>
-void PresentLine_Plain(std::uint8_t* dst, const std::uint8_t* src, std::size_t groups) {
+void PresentLine(std::uint8_t* dst, const std::uint8_t* src, std::size_t groups) {
     using Layout = Group<HasAlpha>;
     const std::size_t pairs = groups * 8;
     const auto chromaAt = [src](std::size_t pair, std::size_t run) {
@@ -121,63 +120,28 @@ void PresentLine_Plain(std::uint8_t* dst, const std::uint8_t* src, std::size_t g
 
 }  // namespace
 
-void RestoreLineY16_Plain(std::uint8_t* dst, const RestorationLines& lines, std::size_t groups,
-                          const MotionThresholds& thresholds) {
-    RestoreLine_Plain<false>(dst, lines, groups, thresholds);
-}
-void RestoreLineY16A_Plain(std::uint8_t* dst, const RestorationLines& lines, std::size_t groups,
+void plain::RestoreLineY16(std::uint8_t* dst, const RestorationLines& lines, std::size_t groups,
                            const MotionThresholds& thresholds) {
-    RestoreLine_Plain<true>(dst, lines, groups, thresholds);
+    RestoreLine<false>(dst, lines, groups, thresholds);
 }
-void PresentLineY16_Plain(std::uint8_t* dst, const std::uint8_t* src, std::size_t groups) {
-    PresentLine_Plain<false>(dst, src, groups);
+void plain::RestoreLineY16A(std::uint8_t* dst, const RestorationLines& lines, std::size_t groups,
+                            const MotionThresholds& thresholds) {
+    RestoreLine<true>(dst, lines, groups, thresholds);
 }
-void PresentLineY16A_Plain(std::uint8_t* dst, const std::uint8_t* src, std::size_t groups) {
-    PresentLine_Plain<true>(dst, src, groups);
+void plain::PresentLineY16(std::uint8_t* dst, const std::uint8_t* src, std::size_t groups) {
+    PresentLine<false>(dst, src, groups);
+}
+void plain::PresentLineY16A(std::uint8_t* dst, const std::uint8_t* src, std::size_t groups) {
+    PresentLine<true>(dst, src, groups);
 }
 
-namespace {
-
-constexpr RestoreLineSlot::Entry kRestoreLineY16Rows[] = {
-    {FEATURES_PLAIN, RestoreLineY16_Plain, "RestoreLineY16_Plain"},
-    {FEATURES_SSE41, RestoreLineY16_Sse41, "RestoreLineY16_Sse41"},
-    {FEATURES_AVX2, RestoreLineY16_Avx2, "RestoreLineY16_Avx2"},
-    {FEATURES_AVX512BW, RestoreLineY16_Avx512, "RestoreLineY16_Avx512"},
-};
-constexpr RestoreLineSlot::Entry kRestoreLineY16ARows[] = {
-    {FEATURES_PLAIN, RestoreLineY16A_Plain, "RestoreLineY16A_Plain"},
-    {FEATURES_SSE41, RestoreLineY16A_Sse41, "RestoreLineY16A_Sse41"},
-    {FEATURES_AVX2, RestoreLineY16A_Avx2, "RestoreLineY16A_Avx2"},
-    {FEATURES_AVX512BW, RestoreLineY16A_Avx512, "RestoreLineY16A_Avx512"},
-};
-constexpr PresentLineSlot::Entry kPresentLineY16Rows[] = {
-    {FEATURES_PLAIN, PresentLineY16_Plain, "PresentLineY16_Plain"},
-    {FEATURES_SSE41, PresentLineY16_Sse41, "PresentLineY16_Sse41"},
-    {FEATURES_AVX2, PresentLineY16_Avx2, "PresentLineY16_Avx2"},
-    {FEATURES_AVX512BW, PresentLineY16_Avx512, "PresentLineY16_Avx512"},
-};
-constexpr PresentLineSlot::Entry kPresentLineY16ARows[] = {
-    {FEATURES_PLAIN, PresentLineY16A_Plain, "PresentLineY16A_Plain"},
-    {FEATURES_SSE41, PresentLineY16A_Sse41, "PresentLineY16A_Sse41"},
-    {FEATURES_AVX2, PresentLineY16A_Avx2, "PresentLineY16A_Avx2"},
-    {FEATURES_AVX512BW, PresentLineY16A_Avx512, "PresentLineY16A_Avx512"},
-};
-
-}  // namespace
-
-constinit RestoreLineSlot RestoreLineY16{"RestoreLineY16", kRestoreLineY16Rows,
-                                         &ResolveOnFirstCall<RestoreLineY16>::Call};
-constinit RestoreLineSlot RestoreLineY16A{"RestoreLineY16A", kRestoreLineY16ARows,
-                                          &ResolveOnFirstCall<RestoreLineY16A>::Call};
-constinit PresentLineSlot PresentLineY16{"PresentLineY16", kPresentLineY16Rows,
-                                         &ResolveOnFirstCall<PresentLineY16>::Call};
-constinit PresentLineSlot PresentLineY16A{"PresentLineY16A", kPresentLineY16ARows,
-                                          &ResolveOnFirstCall<PresentLineY16A>::Call};
-
-namespace {
-
-const SlotRegistration kRegistration{&RestoreLineY16, &RestoreLineY16A, &PresentLineY16, &PresentLineY16A};
-
-}  // namespace
+PIXMORPH_SLOT(RestoreLineSlot, RestoreLineY16, plain::RestoreLineY16, simd_sse41::RestoreLineY16,
+              simd_avx2::RestoreLineY16, simd_avx512::RestoreLineY16);
+PIXMORPH_SLOT(RestoreLineSlot, RestoreLineY16A, plain::RestoreLineY16A, simd_sse41::RestoreLineY16A,
+              simd_avx2::RestoreLineY16A, simd_avx512::RestoreLineY16A);
+PIXMORPH_SLOT(PresentLineSlot, PresentLineY16, plain::PresentLineY16, simd_sse41::PresentLineY16,
+              simd_avx2::PresentLineY16, simd_avx512::PresentLineY16);
+PIXMORPH_SLOT(PresentLineSlot, PresentLineY16A, plain::PresentLineY16A, simd_sse41::PresentLineY16A,
+              simd_avx2::PresentLineY16A, simd_avx512::PresentLineY16A);
 
 }  // namespace KorvaneSoftware

@@ -30,13 +30,15 @@ struct MotionThresholds {
 
 /// Rebuilds `groups` groups of a missing line as BGRA. Y16 gives alpha 0; Y16A gives the mixed alpha, and takes the
 /// present field alone where it is mostly transparent.
-using RestoreLineSlot = DispatchSlot<void(std::uint8_t* dst, const RestorationLines& lines, std::size_t groups,
-                                          const MotionThresholds& thresholds)>;
+using RestoreLineSignature = void(std::uint8_t* dst, const RestorationLines& lines, std::size_t groups,
+                                  const MotionThresholds& thresholds);
+using RestoreLineSlot = DispatchSlot<RestoreLineSignature>;
 extern RestoreLineSlot RestoreLineY16;
 extern RestoreLineSlot RestoreLineY16A;
 
 /// Converts `groups` groups of a present-field line to BGRA. Y16 gives alpha 255; Y16A gives the field's.
-using PresentLineSlot = DispatchSlot<void(std::uint8_t* dst, const std::uint8_t* src, std::size_t groups)>;
+using PresentLineSignature = void(std::uint8_t* dst, const std::uint8_t* src, std::size_t groups);
+using PresentLineSlot = DispatchSlot<PresentLineSignature>;
 extern PresentLineSlot PresentLineY16;
 extern PresentLineSlot PresentLineY16A;
 

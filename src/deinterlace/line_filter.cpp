@@ -3,14 +3,14 @@
 #include <algorithm>
 #include <cstdlib>
 
-#include "deinterlace/x86/line_filter_x86.h"
+#include "deinterlace/x86/line_filter_forms.h"
+#include "foundation/arithmetic.h"
 
 namespace KorvaneSoftware {
 
 namespace {
 
 int Distance(int a, int b) { return std::abs(a - b); }
-int Mean(int a, int b) { return (a + b + 1) >> 1; }
 
 // Sum of the distances along one direction: three pairs side by side, the upper ones starting at `a`, the lower at `b`.
 int Score(const std::uint8_t* a, const std::uint8_t* b, std::ptrdiff_t step) {
@@ -59,40 +59,17 @@ std::uint8_t FilterSample(const FilterSources& sources, std::ptrdiff_t x, std::p
     return static_cast<std::uint8_t>(std::max(estimate, d - bound));
 }
 
-void FilterPlaneLine_Plain(std::uint8_t* dst, const FilterSources& sources, std::size_t width, bool spatialCheck) {
-    FilterSamples(dst, sources, 1, width, 0, width, spatialCheck);
-}
-
 FilterSources Advanced(const FilterSources& sources, std::ptrdiff_t bytes) {
     return {sources.current + bytes, sources.previous + bytes, sources.next + bytes,
             sources.earlier + bytes, sources.later + bytes,    sources.stride};
 }
 
 template <std::ptrdiff_t Luma, std::ptrdiff_t Chroma>
-void FilterPackedLine_Plain(std::uint8_t* dst, const FilterSources& sources, std::size_t width, bool spatialCheck) {
+void FilterPackedLine(std::uint8_t* dst, const FilterSources& sources, std::size_t width, bool spatialCheck) {
     FilterSamples(dst + Luma, Advanced(sources, Luma), 2, width, 0, width, spatialCheck);
     for (const std::ptrdiff_t set : {Chroma, Chroma + 2})
         FilterSamples(dst + set, Advanced(sources, set), 4, width / 2, 0, width / 2, spatialCheck);
 }
-
-constexpr FilterLineSlot::Entry kFilterPlaneLineRows[] = {
-    {FEATURES_PLAIN, FilterPlaneLine_Plain, "FilterPlaneLine_Plain"},
-    {FEATURES_SSE41, FilterPlaneLine_Sse41, "FilterPlaneLine_Sse41"},
-    {FEATURES_AVX2, FilterPlaneLine_Avx2, "FilterPlaneLine_Avx2"},
-    {FEATURES_AVX512BW, FilterPlaneLine_Avx512, "FilterPlaneLine_Avx512"},
-};
-constexpr FilterLineSlot::Entry kFilterUyvyLineRows[] = {
-    {FEATURES_PLAIN, FilterPackedLine_Plain<1, 0>, "FilterUyvyLine_Plain"},
-    {FEATURES_SSE41, FilterUyvyLine_Sse41, "FilterUyvyLine_Sse41"},
-    {FEATURES_AVX2, FilterUyvyLine_Avx2, "FilterUyvyLine_Avx2"},
-    {FEATURES_AVX512BW, FilterUyvyLine_Avx512, "FilterUyvyLine_Avx512"},
-};
-constexpr FilterLineSlot::Entry kFilterYuy2LineRows[] = {
-    {FEATURES_PLAIN, FilterPackedLine_Plain<0, 1>, "FilterYuy2Line_Plain"},
-    {FEATURES_SSE41, FilterYuy2Line_Sse41, "FilterYuy2Line_Sse41"},
-    {FEATURES_AVX2, FilterYuy2Line_Avx2, "FilterYuy2Line_Avx2"},
-    {FEATURES_AVX512BW, FilterYuy2Line_Avx512, "FilterYuy2Line_Avx512"},
-};
 
 }  // namespace
 
@@ -108,17 +85,21 @@ void FilterSamples(std::uint8_t* dst, const FilterSources& sources, std::size_t 
     }
 }
 
-constinit FilterLineSlot FilterPlaneLine{"FilterPlaneLine", kFilterPlaneLineRows,
-                                         &ResolveOnFirstCall<FilterPlaneLine>::Call};
-constinit FilterLineSlot FilterUyvyLine{"FilterUyvyLine", kFilterUyvyLineRows,
-                                        &ResolveOnFirstCall<FilterUyvyLine>::Call};
-constinit FilterLineSlot FilterYuy2Line{"FilterYuy2Line", kFilterYuy2LineRows,
-                                        &ResolveOnFirstCall<FilterYuy2Line>::Call};
+void plain::FilterPlaneLine(std::uint8_t* dst, const FilterSources& sources, std::size_t width, bool spatialCheck) {
+    FilterSamples(dst, sources, 1, width, 0, width, spatialCheck);
+}
+void plain::FilterUyvyLine(std::uint8_t* dst, const FilterSources& sources, std::size_t width, bool spatialCheck) {
+    FilterPackedLine<1, 0>(dst, sources, width, spatialCheck);
+}
+void plain::FilterYuy2Line(std::uint8_t* dst, const FilterSources& sources, std::size_t width, bool spatialCheck) {
+    FilterPackedLine<0, 1>(dst, sources, width, spatialCheck);
+}
 
-namespace {
-
-const SlotRegistration kRegistration{&FilterPlaneLine, &FilterUyvyLine, &FilterYuy2Line};
-
-}  // namespace
+PIXMORPH_SLOT(FilterLineSlot, FilterPlaneLine, plain::FilterPlaneLine, simd_sse41::FilterPlaneLine,
+              simd_avx2::FilterPlaneLine, simd_avx512::FilterPlaneLine);
+PIXMORPH_SLOT(FilterLineSlot, FilterUyvyLine, plain::FilterUyvyLine, simd_sse41::FilterUyvyLine,
+              simd_avx2::FilterUyvyLine, simd_avx512::FilterUyvyLine);
+PIXMORPH_SLOT(FilterLineSlot, FilterYuy2Line, plain::FilterYuy2Line, simd_sse41::FilterYuy2Line,
+              simd_avx2::FilterYuy2Line, simd_avx512::FilterYuy2Line);
 
 }  // namespace KorvaneSoftware

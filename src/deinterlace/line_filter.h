@@ -27,8 +27,8 @@ constexpr std::size_t kFilterNarrow = 8;
 
 /// Writes `width` luma samples and, in packed formats, two sets of width / 2 chroma samples. Each set of a packed line
 /// is a line of its own, with its own ends.
-using FilterLineSlot =
-    DispatchSlot<void(std::uint8_t* dst, const FilterSources& sources, std::size_t width, bool spatialCheck)>;
+using FilterLineSignature = void(std::uint8_t* dst, const FilterSources& sources, std::size_t width, bool spatialCheck);
+using FilterLineSlot = DispatchSlot<FilterLineSignature>;
 extern FilterLineSlot FilterPlaneLine;
 extern FilterLineSlot FilterUyvyLine;
 extern FilterLineSlot FilterYuy2Line;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "foundation/arithmetic.h"
 #include "foundation/block_ops.h"
 
 namespace KorvaneSoftware {
@@ -25,8 +26,7 @@ public:
         const std::uint8_t* const first = Current(std::clamp<std::int64_t>(a, 0, last));
         const std::uint8_t* const second = Current(std::clamp<std::int64_t>(b, 0, last));
         std::uint8_t* const dst = Output(line);
-        for (std::uint64_t i = 0; i < job_.rowBytes; ++i)
-            dst[i] = static_cast<std::uint8_t>((first[i] + second[i] + 1) >> 1);
+        for (std::uint64_t i = 0; i < job_.rowBytes; ++i) dst[i] = KorvaneSoftware::Mean(first[i], second[i]);
     }
 
     void Filter(std::int64_t line) const {

@@ -2,78 +2,59 @@
 
 #include <cstring>
 
-#include "foundation/sync.h"
-#include "foundation/x86/block_ops_x86.h"
+#include "foundation/store_policy.h"
+#include "foundation/x86/block_ops_forms.h"
 
 namespace KorvaneSoftware {
 
 namespace {
 
-void Copy_Plain(std::uint8_t* dst, const std::uint8_t* src, std::size_t count) { std::memcpy(dst, src, count); }
-
-void FillBytes_Plain(std::uint8_t* dst, std::size_t count, std::uint8_t value) { std::memset(dst, value, count); }
-
 // Callers may hold words at odd addresses, so elements are stored by copying bytes; compilers make plain stores of it.
 template <class Word>
-void Fill_Plain(Word* dst, std::size_t count, Word value) {
+void FillElements(Word* dst, std::size_t count, Word value) {
     std::uint8_t* bytes = reinterpret_cast<std::uint8_t*>(dst);
     for (std::size_t i = 0; i < count; ++i) std::memcpy(bytes + i * sizeof(Word), &value, sizeof(Word));
 }
 
-constexpr CopySlot::Entry kCopyCachedRows[] = {{FEATURES_PLAIN, Copy_Plain, "CopyCached_Plain"}};
-constexpr CopySlot::Entry kCopyStreamingRows[] = {
-    {FEATURES_PLAIN, Copy_Plain, "CopyStreaming_Plain"},
-    {FEATURES_SSE41, CopyStreaming_Sse41, "CopyStreaming_Sse41"},
-    {FEATURES_AVX2, CopyStreaming_Avx2, "CopyStreaming_Avx2"},
-    {FEATURES_AVX512BW, CopyStreaming_Avx512, "CopyStreaming_Avx512"},
-};
-constexpr FillBytesSlot::Entry kFillBytesCachedRows[] = {{FEATURES_PLAIN, FillBytes_Plain, "FillBytesCached_Plain"}};
-constexpr FillBytesSlot::Entry kFillBytesStreamingRows[] = {
-    {FEATURES_PLAIN, FillBytes_Plain, "FillBytesStreaming_Plain"},
-    {FEATURES_SSE41, FillBytesStreaming_Sse41, "FillBytesStreaming_Sse41"},
-    {FEATURES_AVX2, FillBytesStreaming_Avx2, "FillBytesStreaming_Avx2"},
-    {FEATURES_AVX512BW, FillBytesStreaming_Avx512, "FillBytesStreaming_Avx512"},
-};
-constexpr FillWordsSlot::Entry kFillWordsCachedRows[] = {
-    {FEATURES_PLAIN, Fill_Plain<std::uint16_t>, "FillWordsCached_Plain"},
-};
-constexpr FillWordsSlot::Entry kFillWordsStreamingRows[] = {
-    {FEATURES_PLAIN, Fill_Plain<std::uint16_t>, "FillWordsStreaming_Plain"},
-    {FEATURES_SSE41, FillWordsStreaming_Sse41, "FillWordsStreaming_Sse41"},
-    {FEATURES_AVX2, FillWordsStreaming_Avx2, "FillWordsStreaming_Avx2"},
-    {FEATURES_AVX512BW, FillWordsStreaming_Avx512, "FillWordsStreaming_Avx512"},
-};
-constexpr FillDwordsSlot::Entry kFillDwordsCachedRows[] = {
-    {FEATURES_PLAIN, Fill_Plain<std::uint32_t>, "FillDwordsCached_Plain"},
-};
-constexpr FillDwordsSlot::Entry kFillDwordsStreamingRows[] = {
-    {FEATURES_PLAIN, Fill_Plain<std::uint32_t>, "FillDwordsStreaming_Plain"},
-    {FEATURES_SSE41, FillDwordsStreaming_Sse41, "FillDwordsStreaming_Sse41"},
-    {FEATURES_AVX2, FillDwordsStreaming_Avx2, "FillDwordsStreaming_Avx2"},
-    {FEATURES_AVX512BW, FillDwordsStreaming_Avx512, "FillDwordsStreaming_Avx512"},
-};
-
 }  // namespace
 
-constinit CopySlot CopyCached{"CopyCached", kCopyCachedRows, &ResolveOnFirstCall<CopyCached>::Call};
-constinit CopySlot CopyStreaming{"CopyStreaming", kCopyStreamingRows, &ResolveOnFirstCall<CopyStreaming>::Call};
-constinit FillBytesSlot FillBytesCached{"FillBytesCached", kFillBytesCachedRows,
-                                        &ResolveOnFirstCall<FillBytesCached>::Call};
-constinit FillBytesSlot FillBytesStreaming{"FillBytesStreaming", kFillBytesStreamingRows,
-                                           &ResolveOnFirstCall<FillBytesStreaming>::Call};
-constinit FillWordsSlot FillWordsCached{"FillWordsCached", kFillWordsCachedRows,
-                                        &ResolveOnFirstCall<FillWordsCached>::Call};
-constinit FillWordsSlot FillWordsStreaming{"FillWordsStreaming", kFillWordsStreamingRows,
-                                           &ResolveOnFirstCall<FillWordsStreaming>::Call};
-constinit FillDwordsSlot FillDwordsCached{"FillDwordsCached", kFillDwordsCachedRows,
-                                          &ResolveOnFirstCall<FillDwordsCached>::Call};
-constinit FillDwordsSlot FillDwordsStreaming{"FillDwordsStreaming", kFillDwordsStreamingRows,
-                                             &ResolveOnFirstCall<FillDwordsStreaming>::Call};
+void plain::CopyCached(std::uint8_t* dst, const std::uint8_t* src, std::size_t count) { std::memcpy(dst, src, count); }
+void plain::CopyStreaming(std::uint8_t* dst, const std::uint8_t* src, std::size_t count) {
+    std::memcpy(dst, src, count);
+}
+void plain::FillBytesCached(std::uint8_t* dst, std::size_t count, std::uint8_t value) {
+    std::memset(dst, value, count);
+}
+void plain::FillBytesStreaming(std::uint8_t* dst, std::size_t count, std::uint8_t value) {
+    std::memset(dst, value, count);
+}
+void plain::FillWordsCached(std::uint16_t* dst, std::size_t count, std::uint16_t value) {
+    FillElements(dst, count, value);
+}
+void plain::FillWordsStreaming(std::uint16_t* dst, std::size_t count, std::uint16_t value) {
+    FillElements(dst, count, value);
+}
+void plain::FillDwordsCached(std::uint32_t* dst, std::size_t count, std::uint32_t value) {
+    FillElements(dst, count, value);
+}
+void plain::FillDwordsStreaming(std::uint32_t* dst, std::size_t count, std::uint32_t value) {
+    FillElements(dst, count, value);
+}
+
+PIXMORPH_SLOT(CopySlot, CopyCached, plain::CopyCached, nullptr, nullptr, nullptr);
+PIXMORPH_SLOT(CopySlot, CopyStreaming, plain::CopyStreaming, simd_sse41::CopyStreaming, simd_avx2::CopyStreaming,
+              simd_avx512::CopyStreaming);
+PIXMORPH_SLOT(FillBytesSlot, FillBytesCached, plain::FillBytesCached, nullptr, nullptr, nullptr);
+PIXMORPH_SLOT(FillBytesSlot, FillBytesStreaming, plain::FillBytesStreaming, simd_sse41::FillBytesStreaming,
+              simd_avx2::FillBytesStreaming, simd_avx512::FillBytesStreaming);
+PIXMORPH_SLOT(FillWordsSlot, FillWordsCached, plain::FillWordsCached, nullptr, nullptr, nullptr);
+PIXMORPH_SLOT(FillWordsSlot, FillWordsStreaming, plain::FillWordsStreaming, simd_sse41::FillWordsStreaming,
+              simd_avx2::FillWordsStreaming, simd_avx512::FillWordsStreaming);
+PIXMORPH_SLOT(FillDwordsSlot, FillDwordsCached, plain::FillDwordsCached, nullptr, nullptr, nullptr);
+PIXMORPH_SLOT(FillDwordsSlot, FillDwordsStreaming, plain::FillDwordsStreaming, simd_sse41::FillDwordsStreaming,
+              simd_avx2::FillDwordsStreaming, simd_avx512::FillDwordsStreaming);
 
 namespace {
-
-const SlotRegistration kRegistration{&CopyCached,      &CopyStreaming,      &FillBytesCached,  &FillBytesStreaming,
-                                     &FillWordsCached, &FillWordsStreaming, &FillDwordsCached, &FillDwordsStreaming};
 
 template <class Word, class Slot>
 Status FillSized(void* dst, std::size_t count, Word value, const Slot& cached, const Slot& streaming) noexcept {
@@ -87,7 +68,7 @@ Status FillSized(void* dst, std::size_t count, Word value, const Slot& cached, c
 
 }  // namespace
 
-std::size_t CachedCountLimit() { return GetCacheSize() / 4; }
+std::size_t CachedCountLimit() { return CachedBytes(CacheShare::Quarter); }
 
 Status CopySized(void* dst, const void* src, std::size_t count) noexcept {
     if (count == 0) return IMG_OK;

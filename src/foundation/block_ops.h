@@ -10,10 +10,15 @@
 
 namespace KorvaneSoftware {
 
-using CopySlot = DispatchSlot<void(std::uint8_t* dst, const std::uint8_t* src, std::size_t count)>;
-using FillBytesSlot = DispatchSlot<void(std::uint8_t* dst, std::size_t count, std::uint8_t value)>;
-using FillWordsSlot = DispatchSlot<void(std::uint16_t* dst, std::size_t count, std::uint16_t value)>;
-using FillDwordsSlot = DispatchSlot<void(std::uint32_t* dst, std::size_t count, std::uint32_t value)>;
+using CopySignature = void(std::uint8_t* dst, const std::uint8_t* src, std::size_t count);
+using FillBytesSignature = void(std::uint8_t* dst, std::size_t count, std::uint8_t value);
+using FillWordsSignature = void(std::uint16_t* dst, std::size_t count, std::uint16_t value);
+using FillDwordsSignature = void(std::uint32_t* dst, std::size_t count, std::uint32_t value);
+
+using CopySlot = DispatchSlot<CopySignature>;
+using FillBytesSlot = DispatchSlot<FillBytesSignature>;
+using FillWordsSlot = DispatchSlot<FillWordsSignature>;
+using FillDwordsSlot = DispatchSlot<FillDwordsSignature>;
 
 extern CopySlot CopyCached;
 extern CopySlot CopyStreaming;

@@ -2,7 +2,8 @@
 #include <algorithm>
 #include <cstddef>
 
-#include "titles/title_slot.h"
+#include "titles/add_saturated.h"
+#include "titles/x86/title_forms.h"
 
 namespace KorvaneSoftware {
 
@@ -18,7 +19,9 @@ void ForEachPixel(const ImageDescriptor& dst, const ImageDescriptor& src, MixPix
     }
 }
 
-void MovTitleBgra_Plain(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+}  // namespace
+
+void plain::MovTitleBgra(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
     const std::uint32_t factor = mix.regionAlpha + 1;
     ForEachPixel(dst, src, [factor](std::uint8_t* d, const std::uint8_t* s) {
         const std::uint32_t m = s[3] * factor;
@@ -27,7 +30,7 @@ void MovTitleBgra_Plain(const ImageDescriptor& dst, const ImageDescriptor& src, 
     });
 }
 
-void NPTitleBgra_Plain(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+void plain::NPTitleBgra(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
     const std::uint32_t factor = mix.regionAlpha + 1;
     ForEachPixel(dst, src, [factor](std::uint8_t* d, const std::uint8_t* s) {
         for (int c = 0; c < 3; ++c) d[c] = s[c];
@@ -35,7 +38,7 @@ void NPTitleBgra_Plain(const ImageDescriptor& dst, const ImageDescriptor& src, c
     });
 }
 
-void AddTitleBgra_Plain(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+void plain::AddTitleBgra(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
     const std::uint32_t factor = mix.regionAlpha + 1;
     ForEachPixel(dst, src, [factor](std::uint8_t* d, const std::uint8_t* s) {
         const std::uint32_t alpha = s[3];
@@ -46,7 +49,7 @@ void AddTitleBgra_Plain(const ImageDescriptor& dst, const ImageDescriptor& src, 
     });
 }
 
-void TitleToImage_Plain(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix&) {
+void plain::TitleToImage(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix&) {
     ForEachPixel(dst, src, [](std::uint8_t* d, const std::uint8_t* s) {
         const std::uint32_t alpha = s[3];
         for (int c = 0; c < 3; ++c) {
@@ -58,17 +61,13 @@ void TitleToImage_Plain(const ImageDescriptor& dst, const ImageDescriptor& src, 
     });
 }
 
-}  // namespace
-
-PIXMORPH_TITLE_SLOT(MovTitleBgra, MovTitleBgra_Plain)
-PIXMORPH_TITLE_SLOT(NPTitleBgra, NPTitleBgra_Plain)
-PIXMORPH_TITLE_SLOT(AddTitleBgra, AddTitleBgra_Plain)
-PIXMORPH_TITLE_SLOT(TitleToImage, TitleToImage_Plain)
-
-namespace {
-
-const SlotRegistration kRegistration{&MovTitleBgra, &NPTitleBgra, &AddTitleBgra, &TitleToImage};
-
-}  // namespace
+PIXMORPH_SLOT(TitleSlot, MovTitleBgra, plain::MovTitleBgra, simd_sse41::MovTitleBgra, simd_avx2::MovTitleBgra,
+              simd_avx512::MovTitleBgra);
+PIXMORPH_SLOT(TitleSlot, NPTitleBgra, plain::NPTitleBgra, simd_sse41::NPTitleBgra, simd_avx2::NPTitleBgra,
+              simd_avx512::NPTitleBgra);
+PIXMORPH_SLOT(TitleSlot, AddTitleBgra, plain::AddTitleBgra, simd_sse41::AddTitleBgra, simd_avx2::AddTitleBgra,
+              simd_avx512::AddTitleBgra);
+PIXMORPH_SLOT(TitleSlot, TitleToImage, plain::TitleToImage, simd_sse41::TitleToImage, simd_avx2::TitleToImage,
+              simd_avx512::TitleToImage);
 
 }  // namespace KorvaneSoftware

@@ -4,7 +4,7 @@
 #include <cstring>
 
 #include "titles/title_runs.h"
-#include "titles/x86/group_kernels_x86.h"
+#include "titles/x86/group_kernels_forms.h"
 
 namespace KorvaneSoftware {
 
@@ -24,7 +24,7 @@ static_assert(sizeof(Record) == kRecordBytes);
 
 // Layout of alpha: the first sample of a group and the distance to the next.
 template <std::size_t GroupBytes, std::size_t First, std::size_t Step>
-std::size_t RunLength_Plain(const std::uint8_t* src, std::size_t count, bool visible) {
+std::size_t RunLength(const std::uint8_t* src, std::size_t count, bool visible) {
     for (std::size_t group = 0; group < count; ++group) {
         const std::uint8_t* const alpha = src + group * GroupBytes + First;
         std::uint8_t largest = 0;
@@ -84,20 +84,29 @@ void TitleGroups(std::uint8_t* dst, const std::uint8_t* src, std::size_t count, 
     });
 }
 
-void TitleToGroups_Plain(std::uint8_t* dst, const std::uint8_t* src, std::size_t count) {
-    TitleGroups(dst, src, count, [](std::int32_t value) { return static_cast<std::uint8_t>(value); });
-}
-
-void TitleToCableGroups_Plain(std::uint8_t* dst, const std::uint8_t* src, std::size_t count) {
-    TitleGroups(dst, src, count,
-                [](std::int32_t value) { return static_cast<std::uint8_t>(std::clamp(value, 0, 255)); });
-}
-
 std::uint8_t TimesAlpha(std::int32_t value, std::uint8_t alpha) {
     return static_cast<std::uint8_t>((static_cast<std::uint32_t>(value) * alpha + 128) / 255);
 }
 
-void BgraToGroups_Plain(std::uint8_t* dst, const std::uint8_t* src, std::size_t count) {
+}  // namespace
+
+std::size_t plain::BgraRunLength(const std::uint8_t* src, std::size_t count, bool visible) {
+    return RunLength<kBgraGroupBytes, 3, 4>(src, count, visible);
+}
+std::size_t plain::Y16ARunLength(const std::uint8_t* src, std::size_t count, bool visible) {
+    return RunLength<kY16AGroupBytes, 16, 1>(src, count, visible);
+}
+
+void plain::TitleToGroups(std::uint8_t* dst, const std::uint8_t* src, std::size_t count) {
+    TitleGroups(dst, src, count, [](std::int32_t value) { return static_cast<std::uint8_t>(value); });
+}
+
+void plain::TitleToCableGroups(std::uint8_t* dst, const std::uint8_t* src, std::size_t count) {
+    TitleGroups(dst, src, count,
+                [](std::int32_t value) { return static_cast<std::uint8_t>(std::clamp(value, 0, 255)); });
+}
+
+void plain::BgraToGroups(std::uint8_t* dst, const std::uint8_t* src, std::size_t count) {
     ForEachGroup<kBgraGroupBytes>(dst, src, count, [](Record& record, const std::uint8_t* pixels) {
         for (int i = 0; i < 16; ++i) {
             const std::uint8_t* const p = pixels + 4 * i;
@@ -113,7 +122,7 @@ void BgraToGroups_Plain(std::uint8_t* dst, const std::uint8_t* src, std::size_t 
     });
 }
 
-void Y16AToGroups_Plain(std::uint8_t* dst, const std::uint8_t* src, std::size_t count) {
+void plain::Y16AToGroups(std::uint8_t* dst, const std::uint8_t* src, std::size_t count) {
     ForEachGroup<kY16AGroupBytes>(dst, src, count, [](Record& record, const std::uint8_t* group) {
         const std::uint8_t* const alpha = group + 16;
         for (int i = 0; i < 16; ++i) {
@@ -127,58 +136,17 @@ void Y16AToGroups_Plain(std::uint8_t* dst, const std::uint8_t* src, std::size_t 
     });
 }
 
-constexpr RunLengthSlot::Entry kBgraRunLengthRows[] = {
-    {FEATURES_PLAIN, RunLength_Plain<kBgraGroupBytes, 3, 4>, "BgraRunLength_Plain"},
-    {FEATURES_SSE41, BgraRunLength_Sse41, "BgraRunLength_Sse41"},
-    {FEATURES_AVX2, BgraRunLength_Avx2, "BgraRunLength_Avx2"},
-    {FEATURES_AVX512BW, BgraRunLength_Avx512, "BgraRunLength_Avx512"},
-};
-constexpr RunLengthSlot::Entry kY16ARunLengthRows[] = {
-    {FEATURES_PLAIN, RunLength_Plain<kY16AGroupBytes, 16, 1>, "Y16ARunLength_Plain"},
-    {FEATURES_SSE41, Y16ARunLength_Sse41, "Y16ARunLength_Sse41"},
-    {FEATURES_AVX2, Y16ARunLength_Avx2, "Y16ARunLength_Avx2"},
-    {FEATURES_AVX512BW, Y16ARunLength_Avx512, "Y16ARunLength_Avx512"},
-};
-constexpr GroupSlot::Entry kTitleToGroupsRows[] = {
-    {FEATURES_PLAIN, TitleToGroups_Plain, "TitleToGroups_Plain"},
-    {FEATURES_SSE41, TitleToGroups_Sse41, "TitleToGroups_Sse41"},
-    {FEATURES_AVX2, TitleToGroups_Avx2, "TitleToGroups_Avx2"},
-    {FEATURES_AVX512BW, TitleToGroups_Avx512, "TitleToGroups_Avx512"},
-};
-constexpr GroupSlot::Entry kTitleToCableGroupsRows[] = {
-    {FEATURES_PLAIN, TitleToCableGroups_Plain, "TitleToCableGroups_Plain"},
-    {FEATURES_SSE41, TitleToCableGroups_Sse41, "TitleToCableGroups_Sse41"},
-    {FEATURES_AVX2, TitleToCableGroups_Avx2, "TitleToCableGroups_Avx2"},
-    {FEATURES_AVX512BW, TitleToCableGroups_Avx512, "TitleToCableGroups_Avx512"},
-};
-constexpr GroupSlot::Entry kBgraToGroupsRows[] = {
-    {FEATURES_PLAIN, BgraToGroups_Plain, "BgraToGroups_Plain"},
-    {FEATURES_SSE41, BgraToGroups_Sse41, "BgraToGroups_Sse41"},
-    {FEATURES_AVX2, BgraToGroups_Avx2, "BgraToGroups_Avx2"},
-    {FEATURES_AVX512BW, BgraToGroups_Avx512, "BgraToGroups_Avx512"},
-};
-constexpr GroupSlot::Entry kY16AToGroupsRows[] = {
-    {FEATURES_PLAIN, Y16AToGroups_Plain, "Y16AToGroups_Plain"},
-    {FEATURES_SSE41, Y16AToGroups_Sse41, "Y16AToGroups_Sse41"},
-    {FEATURES_AVX2, Y16AToGroups_Avx2, "Y16AToGroups_Avx2"},
-    {FEATURES_AVX512BW, Y16AToGroups_Avx512, "Y16AToGroups_Avx512"},
-};
-
-}  // namespace
-
-constinit RunLengthSlot BgraRunLength{"BgraRunLength", kBgraRunLengthRows, &ResolveOnFirstCall<BgraRunLength>::Call};
-constinit RunLengthSlot Y16ARunLength{"Y16ARunLength", kY16ARunLengthRows, &ResolveOnFirstCall<Y16ARunLength>::Call};
-constinit GroupSlot TitleToGroups{"TitleToGroups", kTitleToGroupsRows, &ResolveOnFirstCall<TitleToGroups>::Call};
-constinit GroupSlot TitleToCableGroups{"TitleToCableGroups", kTitleToCableGroupsRows,
-                                       &ResolveOnFirstCall<TitleToCableGroups>::Call};
-constinit GroupSlot BgraToGroups{"BgraToGroups", kBgraToGroupsRows, &ResolveOnFirstCall<BgraToGroups>::Call};
-constinit GroupSlot Y16AToGroups{"Y16AToGroups", kY16AToGroupsRows, &ResolveOnFirstCall<Y16AToGroups>::Call};
-
-namespace {
-
-const SlotRegistration kRegistration{&BgraRunLength,      &Y16ARunLength, &TitleToGroups,
-                                     &TitleToCableGroups, &BgraToGroups,  &Y16AToGroups};
-
-}  // namespace
+PIXMORPH_SLOT(RunLengthSlot, BgraRunLength, plain::BgraRunLength, simd_sse41::BgraRunLength, simd_avx2::BgraRunLength,
+              simd_avx512::BgraRunLength);
+PIXMORPH_SLOT(RunLengthSlot, Y16ARunLength, plain::Y16ARunLength, simd_sse41::Y16ARunLength, simd_avx2::Y16ARunLength,
+              simd_avx512::Y16ARunLength);
+PIXMORPH_SLOT(GroupSlot, TitleToGroups, plain::TitleToGroups, simd_sse41::TitleToGroups, simd_avx2::TitleToGroups,
+              simd_avx512::TitleToGroups);
+PIXMORPH_SLOT(GroupSlot, TitleToCableGroups, plain::TitleToCableGroups, simd_sse41::TitleToCableGroups,
+              simd_avx2::TitleToCableGroups, simd_avx512::TitleToCableGroups);
+PIXMORPH_SLOT(GroupSlot, BgraToGroups, plain::BgraToGroups, simd_sse41::BgraToGroups, simd_avx2::BgraToGroups,
+              simd_avx512::BgraToGroups);
+PIXMORPH_SLOT(GroupSlot, Y16AToGroups, plain::Y16AToGroups, simd_sse41::Y16AToGroups, simd_avx2::Y16AToGroups,
+              simd_avx512::Y16AToGroups);
 
 }  // namespace KorvaneSoftware

@@ -6,12 +6,14 @@
 namespace KorvaneSoftware {
 
 /// Number of groups at the start of `src` that all are visible, or all clear, as asked for. At most `count`.
-using RunLengthSlot = DispatchSlot<std::size_t(const std::uint8_t* src, std::size_t count, bool visible)>;
+using RunLengthSignature = std::size_t(const std::uint8_t* src, std::size_t count, bool visible);
+using RunLengthSlot = DispatchSlot<RunLengthSignature>;
 extern RunLengthSlot BgraRunLength;
 extern RunLengthSlot Y16ARunLength;
 
 /// Writes the records of `count` groups. Source and destination may start at the same address.
-using GroupSlot = DispatchSlot<void(std::uint8_t* dst, const std::uint8_t* src, std::size_t count)>;
+using GroupSignature = void(std::uint8_t* dst, const std::uint8_t* src, std::size_t count);
+using GroupSlot = DispatchSlot<GroupSignature>;
 extern GroupSlot TitleToGroups;       ///< Premultiplied BGRA; chroma out of range keeps its low eight bits.
 extern GroupSlot TitleToCableGroups;  ///< The same with clamped chroma.
 extern GroupSlot BgraToGroups;        ///< BGRA, multiplied by alpha on the way.

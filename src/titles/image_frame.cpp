@@ -3,7 +3,7 @@
 
 #include "convert/colour.h"
 #include "convert/samples.h"
-#include "titles/title_slot.h"
+#include "titles/x86/title_forms.h"
 
 namespace KorvaneSoftware {
 
@@ -154,12 +154,12 @@ void Lay(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix&
 }
 
 template <class Source, class FrameSamples>
-void Move_Plain(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+void Move(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
     Lay<typename Source::Move, Source, FrameSamples>(dst, src, mix);
 }
 
 template <class Source, class FrameSamples>
-void Add_Plain(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+void Add(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
     Lay<typename Source::Add, Source, FrameSamples>(dst, src, mix);
 }
 
@@ -169,35 +169,106 @@ using YvyuSource = PackedSource<YvyuSamples>;
 
 }  // namespace
 
-PIXMORPH_TITLE_SLOT(MoveBgraToUyvy, Move_Plain<BgraSource, UyvySamples>)
-PIXMORPH_TITLE_SLOT(MoveBgraToYuy2, Move_Plain<BgraSource, Yuy2Samples>)
-PIXMORPH_TITLE_SLOT(MoveBgrToUyvy, Move_Plain<BgrSource, UyvySamples>)
-PIXMORPH_TITLE_SLOT(MoveBgrToYuy2, Move_Plain<BgrSource, Yuy2Samples>)
-PIXMORPH_TITLE_SLOT(MoveUyvyToUyvy, Move_Plain<UyvySource, UyvySamples>)
-PIXMORPH_TITLE_SLOT(MoveUyvyToYuy2, Move_Plain<UyvySource, Yuy2Samples>)
-PIXMORPH_TITLE_SLOT(MoveYuy2ToUyvy, Move_Plain<Yuy2Source, UyvySamples>)
-PIXMORPH_TITLE_SLOT(MoveYuy2ToYuy2, Move_Plain<Yuy2Source, Yuy2Samples>)
-PIXMORPH_TITLE_SLOT(MoveYvyuToUyvy, Move_Plain<YvyuSource, UyvySamples>)
-PIXMORPH_TITLE_SLOT(MoveYvyuToYuy2, Move_Plain<YvyuSource, Yuy2Samples>)
-PIXMORPH_TITLE_SLOT(AddBgraToUyvy, Add_Plain<BgraSource, UyvySamples>)
-PIXMORPH_TITLE_SLOT(AddBgraToYuy2, Add_Plain<BgraSource, Yuy2Samples>)
-PIXMORPH_TITLE_SLOT(AddBgrToUyvy, Add_Plain<BgrSource, UyvySamples>)
-PIXMORPH_TITLE_SLOT(AddBgrToYuy2, Add_Plain<BgrSource, Yuy2Samples>)
-PIXMORPH_TITLE_SLOT(AddUyvyToUyvy, Add_Plain<UyvySource, UyvySamples>)
-PIXMORPH_TITLE_SLOT(AddUyvyToYuy2, Add_Plain<UyvySource, Yuy2Samples>)
-PIXMORPH_TITLE_SLOT(AddYuy2ToUyvy, Add_Plain<Yuy2Source, UyvySamples>)
-PIXMORPH_TITLE_SLOT(AddYuy2ToYuy2, Add_Plain<Yuy2Source, Yuy2Samples>)
-PIXMORPH_TITLE_SLOT(AddYvyuToUyvy, Add_Plain<YvyuSource, UyvySamples>)
-PIXMORPH_TITLE_SLOT(AddYvyuToYuy2, Add_Plain<YvyuSource, Yuy2Samples>)
+void plain::MoveBgraToUyvy(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+    Move<BgraSource, UyvySamples>(dst, src, mix);
+}
+void plain::MoveBgraToYuy2(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+    Move<BgraSource, Yuy2Samples>(dst, src, mix);
+}
+void plain::MoveBgrToUyvy(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+    Move<BgrSource, UyvySamples>(dst, src, mix);
+}
+void plain::MoveBgrToYuy2(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+    Move<BgrSource, Yuy2Samples>(dst, src, mix);
+}
+void plain::MoveUyvyToUyvy(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+    Move<UyvySource, UyvySamples>(dst, src, mix);
+}
+void plain::MoveUyvyToYuy2(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+    Move<UyvySource, Yuy2Samples>(dst, src, mix);
+}
+void plain::MoveYuy2ToUyvy(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+    Move<Yuy2Source, UyvySamples>(dst, src, mix);
+}
+void plain::MoveYuy2ToYuy2(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+    Move<Yuy2Source, Yuy2Samples>(dst, src, mix);
+}
+void plain::MoveYvyuToUyvy(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+    Move<YvyuSource, UyvySamples>(dst, src, mix);
+}
+void plain::MoveYvyuToYuy2(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+    Move<YvyuSource, Yuy2Samples>(dst, src, mix);
+}
+void plain::AddBgraToUyvy(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+    Add<BgraSource, UyvySamples>(dst, src, mix);
+}
+void plain::AddBgraToYuy2(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+    Add<BgraSource, Yuy2Samples>(dst, src, mix);
+}
+void plain::AddBgrToUyvy(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+    Add<BgrSource, UyvySamples>(dst, src, mix);
+}
+void plain::AddBgrToYuy2(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+    Add<BgrSource, Yuy2Samples>(dst, src, mix);
+}
+void plain::AddUyvyToUyvy(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+    Add<UyvySource, UyvySamples>(dst, src, mix);
+}
+void plain::AddUyvyToYuy2(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+    Add<UyvySource, Yuy2Samples>(dst, src, mix);
+}
+void plain::AddYuy2ToUyvy(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+    Add<Yuy2Source, UyvySamples>(dst, src, mix);
+}
+void plain::AddYuy2ToYuy2(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+    Add<Yuy2Source, Yuy2Samples>(dst, src, mix);
+}
+void plain::AddYvyuToUyvy(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+    Add<YvyuSource, UyvySamples>(dst, src, mix);
+}
+void plain::AddYvyuToYuy2(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+    Add<YvyuSource, Yuy2Samples>(dst, src, mix);
+}
 
-namespace {
-
-const SlotRegistration kRegistration{&MoveBgraToUyvy, &MoveBgraToYuy2, &MoveBgrToUyvy,  &MoveBgrToYuy2,
-                                     &MoveUyvyToUyvy, &MoveUyvyToYuy2, &MoveYuy2ToUyvy, &MoveYuy2ToYuy2,
-                                     &MoveYvyuToUyvy, &MoveYvyuToYuy2, &AddBgraToUyvy,  &AddBgraToYuy2,
-                                     &AddBgrToUyvy,   &AddBgrToYuy2,   &AddUyvyToUyvy,  &AddUyvyToYuy2,
-                                     &AddYuy2ToUyvy,  &AddYuy2ToYuy2,  &AddYvyuToUyvy,  &AddYvyuToYuy2};
-
-}  // namespace
+PIXMORPH_SLOT(TitleSlot, MoveBgraToUyvy, plain::MoveBgraToUyvy, simd_sse41::MoveBgraToUyvy, simd_avx2::MoveBgraToUyvy,
+              simd_avx512::MoveBgraToUyvy);
+PIXMORPH_SLOT(TitleSlot, MoveBgraToYuy2, plain::MoveBgraToYuy2, simd_sse41::MoveBgraToYuy2, simd_avx2::MoveBgraToYuy2,
+              simd_avx512::MoveBgraToYuy2);
+PIXMORPH_SLOT(TitleSlot, MoveBgrToUyvy, plain::MoveBgrToUyvy, simd_sse41::MoveBgrToUyvy, simd_avx2::MoveBgrToUyvy,
+              simd_avx512::MoveBgrToUyvy);
+PIXMORPH_SLOT(TitleSlot, MoveBgrToYuy2, plain::MoveBgrToYuy2, simd_sse41::MoveBgrToYuy2, simd_avx2::MoveBgrToYuy2,
+              simd_avx512::MoveBgrToYuy2);
+PIXMORPH_SLOT(TitleSlot, MoveUyvyToUyvy, plain::MoveUyvyToUyvy, simd_sse41::MoveUyvyToUyvy, simd_avx2::MoveUyvyToUyvy,
+              simd_avx512::MoveUyvyToUyvy);
+PIXMORPH_SLOT(TitleSlot, MoveUyvyToYuy2, plain::MoveUyvyToYuy2, simd_sse41::MoveUyvyToYuy2, simd_avx2::MoveUyvyToYuy2,
+              simd_avx512::MoveUyvyToYuy2);
+PIXMORPH_SLOT(TitleSlot, MoveYuy2ToUyvy, plain::MoveYuy2ToUyvy, simd_sse41::MoveYuy2ToUyvy, simd_avx2::MoveYuy2ToUyvy,
+              simd_avx512::MoveYuy2ToUyvy);
+PIXMORPH_SLOT(TitleSlot, MoveYuy2ToYuy2, plain::MoveYuy2ToYuy2, simd_sse41::MoveYuy2ToYuy2, simd_avx2::MoveYuy2ToYuy2,
+              simd_avx512::MoveYuy2ToYuy2);
+PIXMORPH_SLOT(TitleSlot, MoveYvyuToUyvy, plain::MoveYvyuToUyvy, simd_sse41::MoveYvyuToUyvy, simd_avx2::MoveYvyuToUyvy,
+              simd_avx512::MoveYvyuToUyvy);
+PIXMORPH_SLOT(TitleSlot, MoveYvyuToYuy2, plain::MoveYvyuToYuy2, simd_sse41::MoveYvyuToYuy2, simd_avx2::MoveYvyuToYuy2,
+              simd_avx512::MoveYvyuToYuy2);
+PIXMORPH_SLOT(TitleSlot, AddBgraToUyvy, plain::AddBgraToUyvy, simd_sse41::AddBgraToUyvy, simd_avx2::AddBgraToUyvy,
+              simd_avx512::AddBgraToUyvy);
+PIXMORPH_SLOT(TitleSlot, AddBgraToYuy2, plain::AddBgraToYuy2, simd_sse41::AddBgraToYuy2, simd_avx2::AddBgraToYuy2,
+              simd_avx512::AddBgraToYuy2);
+PIXMORPH_SLOT(TitleSlot, AddBgrToUyvy, plain::AddBgrToUyvy, simd_sse41::AddBgrToUyvy, simd_avx2::AddBgrToUyvy,
+              simd_avx512::AddBgrToUyvy);
+PIXMORPH_SLOT(TitleSlot, AddBgrToYuy2, plain::AddBgrToYuy2, simd_sse41::AddBgrToYuy2, simd_avx2::AddBgrToYuy2,
+              simd_avx512::AddBgrToYuy2);
+PIXMORPH_SLOT(TitleSlot, AddUyvyToUyvy, plain::AddUyvyToUyvy, simd_sse41::AddUyvyToUyvy, simd_avx2::AddUyvyToUyvy,
+              simd_avx512::AddUyvyToUyvy);
+PIXMORPH_SLOT(TitleSlot, AddUyvyToYuy2, plain::AddUyvyToYuy2, simd_sse41::AddUyvyToYuy2, simd_avx2::AddUyvyToYuy2,
+              simd_avx512::AddUyvyToYuy2);
+PIXMORPH_SLOT(TitleSlot, AddYuy2ToUyvy, plain::AddYuy2ToUyvy, simd_sse41::AddYuy2ToUyvy, simd_avx2::AddYuy2ToUyvy,
+              simd_avx512::AddYuy2ToUyvy);
+PIXMORPH_SLOT(TitleSlot, AddYuy2ToYuy2, plain::AddYuy2ToYuy2, simd_sse41::AddYuy2ToYuy2, simd_avx2::AddYuy2ToYuy2,
+              simd_avx512::AddYuy2ToYuy2);
+PIXMORPH_SLOT(TitleSlot, AddYvyuToUyvy, plain::AddYvyuToUyvy, simd_sse41::AddYvyuToUyvy, simd_avx2::AddYvyuToUyvy,
+              simd_avx512::AddYvyuToUyvy);
+PIXMORPH_SLOT(TitleSlot, AddYvyuToYuy2, plain::AddYvyuToYuy2, simd_sse41::AddYvyuToYuy2, simd_avx2::AddYvyuToYuy2,
+              simd_avx512::AddYvyuToYuy2);
 
 }  // namespace KorvaneSoftware

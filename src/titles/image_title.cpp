@@ -3,7 +3,8 @@
 
 #include "convert/colour.h"
 #include "convert/samples.h"
-#include "titles/title_slot.h"
+#include "titles/add_saturated.h"
+#include "titles/x86/title_forms.h"
 
 namespace KorvaneSoftware {
 
@@ -48,7 +49,7 @@ void ForEachPixel(const ImageDescriptor& dst, const ImageDescriptor& src, MixPix
 }
 
 template <class Row>
-void MovTitle_Plain(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+void MovTitle(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
     const std::uint32_t factor = mix.regionAlpha + 1;
     ForEachPixel<Row>(dst, src, [&](std::uint8_t* d, const Bgr& colour) {
         d[0] = static_cast<std::uint8_t>((colour.b * factor) >> 8);
@@ -59,7 +60,7 @@ void MovTitle_Plain(const ImageDescriptor& dst, const ImageDescriptor& src, cons
 }
 
 template <class Row>
-void NPTitle_Plain(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+void NPTitle(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
     ForEachPixel<Row>(dst, src, [&](std::uint8_t* d, const Bgr& colour) {
         d[0] = colour.b;
         d[1] = colour.g;
@@ -69,7 +70,7 @@ void NPTitle_Plain(const ImageDescriptor& dst, const ImageDescriptor& src, const
 }
 
 template <class Row>
-void AddTitle_Plain(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+void AddTitle(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
     const std::uint32_t factor = mix.regionAlpha + 1;
     ForEachPixel<Row>(dst, src, [factor](std::uint8_t* d, const Bgr& colour) {
         const std::uint32_t k = (255u - d[3]) * factor;
@@ -86,24 +87,61 @@ using YvyuRow = PackedRow<YvyuSamples>;
 
 }  // namespace
 
-PIXMORPH_TITLE_SLOT(MovTitleBgr, MovTitle_Plain<BgrRow>)
-PIXMORPH_TITLE_SLOT(MovTitleUyvy, MovTitle_Plain<UyvyRow>)
-PIXMORPH_TITLE_SLOT(MovTitleYuy2, MovTitle_Plain<Yuy2Row>)
-PIXMORPH_TITLE_SLOT(MovTitleYvyu, MovTitle_Plain<YvyuRow>)
-PIXMORPH_TITLE_SLOT(NPTitleUyvy, NPTitle_Plain<UyvyRow>)
-PIXMORPH_TITLE_SLOT(NPTitleYuy2, NPTitle_Plain<Yuy2Row>)
-PIXMORPH_TITLE_SLOT(NPTitleYvyu, NPTitle_Plain<YvyuRow>)
-PIXMORPH_TITLE_SLOT(AddTitleBgr, AddTitle_Plain<BgrRow>)
-PIXMORPH_TITLE_SLOT(AddTitleUyvy, AddTitle_Plain<UyvyRow>)
-PIXMORPH_TITLE_SLOT(AddTitleYuy2, AddTitle_Plain<Yuy2Row>)
-PIXMORPH_TITLE_SLOT(AddTitleYvyu, AddTitle_Plain<YvyuRow>)
+void plain::MovTitleBgr(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+    MovTitle<BgrRow>(dst, src, mix);
+}
+void plain::MovTitleUyvy(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+    MovTitle<UyvyRow>(dst, src, mix);
+}
+void plain::MovTitleYuy2(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+    MovTitle<Yuy2Row>(dst, src, mix);
+}
+void plain::MovTitleYvyu(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+    MovTitle<YvyuRow>(dst, src, mix);
+}
+void plain::NPTitleUyvy(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+    NPTitle<UyvyRow>(dst, src, mix);
+}
+void plain::NPTitleYuy2(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+    NPTitle<Yuy2Row>(dst, src, mix);
+}
+void plain::NPTitleYvyu(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+    NPTitle<YvyuRow>(dst, src, mix);
+}
+void plain::AddTitleBgr(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+    AddTitle<BgrRow>(dst, src, mix);
+}
+void plain::AddTitleUyvy(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+    AddTitle<UyvyRow>(dst, src, mix);
+}
+void plain::AddTitleYuy2(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+    AddTitle<Yuy2Row>(dst, src, mix);
+}
+void plain::AddTitleYvyu(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+    AddTitle<YvyuRow>(dst, src, mix);
+}
 
-namespace {
-
-const SlotRegistration kRegistration{&MovTitleBgr,  &MovTitleUyvy, &MovTitleYuy2, &MovTitleYvyu,
-                                     &NPTitleUyvy,  &NPTitleYuy2,  &NPTitleYvyu,  &AddTitleBgr,
-                                     &AddTitleUyvy, &AddTitleYuy2, &AddTitleYvyu};
-
-}  // namespace
+PIXMORPH_SLOT(TitleSlot, MovTitleBgr, plain::MovTitleBgr, simd_sse41::MovTitleBgr, simd_avx2::MovTitleBgr,
+              simd_avx512::MovTitleBgr);
+PIXMORPH_SLOT(TitleSlot, MovTitleUyvy, plain::MovTitleUyvy, simd_sse41::MovTitleUyvy, simd_avx2::MovTitleUyvy,
+              simd_avx512::MovTitleUyvy);
+PIXMORPH_SLOT(TitleSlot, MovTitleYuy2, plain::MovTitleYuy2, simd_sse41::MovTitleYuy2, simd_avx2::MovTitleYuy2,
+              simd_avx512::MovTitleYuy2);
+PIXMORPH_SLOT(TitleSlot, MovTitleYvyu, plain::MovTitleYvyu, simd_sse41::MovTitleYvyu, simd_avx2::MovTitleYvyu,
+              simd_avx512::MovTitleYvyu);
+PIXMORPH_SLOT(TitleSlot, NPTitleUyvy, plain::NPTitleUyvy, simd_sse41::NPTitleUyvy, simd_avx2::NPTitleUyvy,
+              simd_avx512::NPTitleUyvy);
+PIXMORPH_SLOT(TitleSlot, NPTitleYuy2, plain::NPTitleYuy2, simd_sse41::NPTitleYuy2, simd_avx2::NPTitleYuy2,
+              simd_avx512::NPTitleYuy2);
+PIXMORPH_SLOT(TitleSlot, NPTitleYvyu, plain::NPTitleYvyu, simd_sse41::NPTitleYvyu, simd_avx2::NPTitleYvyu,
+              simd_avx512::NPTitleYvyu);
+PIXMORPH_SLOT(TitleSlot, AddTitleBgr, plain::AddTitleBgr, simd_sse41::AddTitleBgr, simd_avx2::AddTitleBgr,
+              simd_avx512::AddTitleBgr);
+PIXMORPH_SLOT(TitleSlot, AddTitleUyvy, plain::AddTitleUyvy, simd_sse41::AddTitleUyvy, simd_avx2::AddTitleUyvy,
+              simd_avx512::AddTitleUyvy);
+PIXMORPH_SLOT(TitleSlot, AddTitleYuy2, plain::AddTitleYuy2, simd_sse41::AddTitleYuy2, simd_avx2::AddTitleYuy2,
+              simd_avx512::AddTitleYuy2);
+PIXMORPH_SLOT(TitleSlot, AddTitleYvyu, plain::AddTitleYvyu, simd_sse41::AddTitleYvyu, simd_avx2::AddTitleYvyu,
+              simd_avx512::AddTitleYvyu);
 
 }  // namespace KorvaneSoftware

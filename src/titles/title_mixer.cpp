@@ -3,7 +3,7 @@
 #include <cstddef>
 
 #include "foundation/block_ops.h"
-#include "foundation/sync.h"
+#include "foundation/store_policy.h"
 #include "titles/title_kernels.h"
 
 namespace KorvaneSoftware {
@@ -21,11 +21,11 @@ Status CheckPictures(const ImageDescriptor& dst, const ImageDescriptor& src) {
 
 bool HasPixels(const ImageDescriptor& desc) { return desc.width != 0 && desc.height != 0; }
 
-// Pictures of more bytes, read and written together, than half of the level-2 cache bypass it.
+// What is read counts as well as what is written.
 Stores StoresFor(const ImageDescriptor& dst, std::size_t bytesPerPixel) {
     // Divided, not multiplied: width, height and bytes together may pass 64 bits.
     const std::uint64_t pixels = std::uint64_t{dst.width} * dst.height;
-    return pixels <= GetCacheSize() / 2 / bytesPerPixel ? Stores::Cached : Stores::Streaming;
+    return pixels > CachedBytes(CacheShare::Half) / bytesPerPixel ? Stores::Streaming : Stores::Cached;
 }
 
 // Between pictures of one layout: in place, the lines have just been read into the cache and stay there.

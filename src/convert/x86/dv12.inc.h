@@ -1,7 +1,9 @@
-// DV12 to 4:2:2 over registers of any width. Before it is included, PIXMORPH_DV12_NARROWER(name) names the form for
-// pictures narrower than a unit of work.
+// DV12 to 4:2:2 over registers of any width. The namespace `narrower` holds the forms for pictures narrower than a unit
+// of work; the including file names it.
+#include "convert/dv_chroma.h"
 #include "convert/x86/dv12_forms.h"
 #include "convert/x86/reorder_samples.inc.h"
+#include "foundation/simd/walk_line.inc.h"
 
 namespace KorvaneSoftware {
 namespace PIXMORPH_SIMD {
@@ -14,15 +16,13 @@ struct CachedPut {
 // The chroma pairs of a line: U from the mean of two chroma lines and V from that of two others.
 class Dv12Chroma {
 public:
-    Dv12Chroma(const ImageDescriptor& src, const Dv12ChromaLines& lines)
+    Dv12Chroma(const ImageDescriptor& src, const DvChromaLines& lines)
         : u0_(Row(src, lines.u0)), u1_(Row(src, lines.u1)), v0_(Row(src, lines.v0)), v1_(Row(src, lines.v1)) {}
 
     PairedChroma Read(std::size_t x) const { return {ReadOne(x), ReadOne(x + kVecBytes)}; }
 
 private:
-    static const std::uint8_t* Row(const ImageDescriptor& src, std::int64_t row) {
-        return src.planes[1] + row * src.strides[1];
-    }
+    static const std::uint8_t* Row(const ImageDescriptor& src, std::int64_t row) { return LineOfPlane(src, 1, row); }
     Vec ReadOne(std::size_t x) const {
         const Vec u = Avg8(Load(u0_ + x), Load(u1_ + x));
         const Vec v = Avg8(Load(v0_ + x), Load(v1_ + x));
@@ -36,39 +36,38 @@ private:
     const std::uint8_t* v1_;
 };
 
-// A picture at least a unit wide. The last unit of a line may overlap the one before, which writes the same bytes
-// again.
+// A picture that is narrower than a unit goes to `narrowPicture`.
 template <class Dst>
-void Dv12To422(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void Dv12To422(const ImageDescriptor& dst, const ImageDescriptor& src, ConvertSignature* narrowPicture) {
+    if (src.width < kLayoutUnit) return narrowPicture(dst, src);
     const std::size_t width = src.width;
     for (std::int64_t y = 0; y < src.height; ++y) {
         const Line from = LineOfPicture(src, y, 0);
         const Line to = LineOfPicture(dst, y, y);
-        const Dv12Chroma pairs(src, Dv12ChromaLinesOf(y, src.height));
-        const auto step = [&](std::size_t x) {
+        const Dv12Chroma pairs(src, DvChromaLinesOf(y, src.height));
+        WalkLine<kLayoutUnit>(0, width, [&](std::size_t x) {
             const Luma luma[1] = {ReadLumaPlane(from, x)};
             typename Dst::Chroma chroma[1];
             Arrange(pairs.Read(x), chroma[0]);
             Dst::template Write<CachedPut>(to, x, luma, chroma);
-        };
-        std::size_t x = 0;
-        for (; x + kLayoutUnit <= width; x += kLayoutUnit) step(x);
-        if (x < width) step(width - kLayoutUnit);
+        });
     }
 }
 
 }  // namespace
 }  // namespace PIXMORPH_SIMD
 
-#define PIXMORPH_DV12_FORM(name, layout)                                                    \
-    void PIXMORPH_SIMD_NAME(name)(const ImageDescriptor& dst, const ImageDescriptor& src) { \
-        using namespace PIXMORPH_SIMD;                                                      \
-        if (src.width < kLayoutUnit)                                                        \
-            PIXMORPH_DV12_NARROWER(name)(dst, src);                                         \
-        else                                                                                \
-            Dv12To422<layout##Layout>(dst, src);                                            \
-    }
-PIXMORPH_DV12(PIXMORPH_DV12_FORM)
-#undef PIXMORPH_DV12_FORM
+void PIXMORPH_SIMD::Dv12ToUyvy(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    Dv12To422<UyvyLayout>(dst, src, narrower::Dv12ToUyvy);
+}
+void PIXMORPH_SIMD::Dv12ToYuy2(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    Dv12To422<Yuy2Layout>(dst, src, narrower::Dv12ToYuy2);
+}
+void PIXMORPH_SIMD::Dv12ToYvyu(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    Dv12To422<YvyuLayout>(dst, src, narrower::Dv12ToYvyu);
+}
+void PIXMORPH_SIMD::Dv12ToY16(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    Dv12To422<Y16Layout>(dst, src, narrower::Dv12ToY16);
+}
 
 }  // namespace KorvaneSoftware

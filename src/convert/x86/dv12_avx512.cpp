@@ -1,4 +1,9 @@
 #include "foundation/simd/vec_avx512.h"
 
-#define PIXMORPH_DV12_NARROWER(name) name##_Avx2
+#include "convert/x86/dv12_forms.h"
+
+namespace KorvaneSoftware::simd_avx512 {
+namespace narrower = simd_avx2;
+}
+
 #include "convert/x86/dv12.inc.h"

@@ -1,4 +1,9 @@
 #include "foundation/simd/vec_avx512.h"
 
-#define PIXMORPH_REORDER_NARROWER(name) name##_Avx2
+#include "convert/x86/reorder_forms.h"
+
+namespace KorvaneSoftware::simd_avx512 {
+namespace narrower = simd_avx2;
+}
+
 #include "convert/x86/reorder.inc.h"

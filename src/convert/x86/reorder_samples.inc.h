@@ -4,7 +4,9 @@
 // the order U, V or with the components apart. Each layout reads and writes the arrangement that lies nearer to it;
 // Arrange turns one into the other where the two sides differ. kUnitRegisters is what a unit fills in the narrowest
 // plane.
-#include "foundation/image_descriptor.h"
+#pragma once
+
+#include "convert/x86/lines.inc.h"
 
 namespace KorvaneSoftware::PIXMORPH_SIMD {
 // Members of types are external whatever they are declared: without a name around them, no other family's type of the
@@ -12,18 +14,6 @@ namespace KorvaneSoftware::PIXMORPH_SIMD {
 namespace {
 
 constexpr std::size_t kLayoutUnit = 2 * kVecBytes;
-
-/// First bytes of one picture line in each plane.
-struct Line {
-    std::uint8_t* plane[3];
-};
-
-static inline Line LineOfPicture(const ImageDescriptor& desc, std::int64_t row, std::int64_t chromaRow) {
-    Line line = {{desc.planes[0] + row * desc.strides[0], nullptr, nullptr}};
-    for (int plane = 1; plane < 3; ++plane)
-        if (desc.planes[plane] != nullptr) line.plane[plane] = desc.planes[plane] + chromaRow * desc.strides[plane];
-    return line;
-}
 
 struct Luma {
     Vec a, b;
@@ -35,28 +25,26 @@ struct SeparateChroma {
     Vec u, v;
 };
 
-static inline Vec EvenBytes(Vec a, Vec b) {
+inline Vec EvenBytes(Vec a, Vec b) {
     const Vec mask = Set16(0xFF);
     return FixPack(Pack16To8u(And(a, mask), And(b, mask)));
 }
-static inline Vec OddBytes(Vec a, Vec b) { return FixPack(Pack16To8u(ShiftRight16u<8>(a), ShiftRight16u<8>(b))); }
-static inline void InterleaveBytes(Vec even, Vec odd, Vec& a, Vec& b) {
+inline Vec OddBytes(Vec a, Vec b) { return FixPack(Pack16To8u(ShiftRight16u<8>(a), ShiftRight16u<8>(b))); }
+inline void InterleaveBytes(Vec even, Vec odd, Vec& a, Vec& b) {
     a = UnpackLow8(even, odd);
     b = UnpackHigh8(even, odd);
     FixUnpack(a, b);
 }
 
-static inline void Arrange(const PairedChroma& from, PairedChroma& to) { to = from; }
-static inline void Arrange(const SeparateChroma& from, SeparateChroma& to) { to = from; }
-static inline void Arrange(const PairedChroma& from, SeparateChroma& to) {
+inline void Arrange(const PairedChroma& from, PairedChroma& to) { to = from; }
+inline void Arrange(const SeparateChroma& from, SeparateChroma& to) { to = from; }
+inline void Arrange(const PairedChroma& from, SeparateChroma& to) {
     to = {EvenBytes(from.a, from.b), OddBytes(from.a, from.b)};
 }
-static inline void Arrange(const SeparateChroma& from, PairedChroma& to) {
-    InterleaveBytes(from.u, from.v, to.a, to.b);
-}
+inline void Arrange(const SeparateChroma& from, PairedChroma& to) { InterleaveBytes(from.u, from.v, to.a, to.b); }
 
-static inline PairedChroma Mean(PairedChroma c, PairedChroma d) { return {Avg8(c.a, d.a), Avg8(c.b, d.b)}; }
-static inline SeparateChroma Mean(SeparateChroma c, SeparateChroma d) { return {Avg8(c.u, d.u), Avg8(c.v, d.v)}; }
+inline PairedChroma Mean(PairedChroma c, PairedChroma d) { return {Avg8(c.a, d.a), Avg8(c.b, d.b)}; }
+inline SeparateChroma Mean(SeparateChroma c, SeparateChroma d) { return {Avg8(c.u, d.u), Avg8(c.v, d.v)}; }
 
 /// Packed 4:2:2. kLumaFirst: luma in the even bytes. kCrFirst: V before U.
 template <bool kLumaFirst, bool kCrFirst>
@@ -154,10 +142,10 @@ private:
 };
 
 /// Chroma of blocks: each lane holds U[8], V[8] of one block.
-static inline SeparateChroma FromBlockChroma(Vec a, Vec b) {
+inline SeparateChroma FromBlockChroma(Vec a, Vec b) {
     return {FixPack(UnpackLow64(a, b)), FixPack(UnpackHigh64(a, b))};
 }
-static inline void ToBlockChroma(const SeparateChroma& chroma, Vec& a, Vec& b) {
+inline void ToBlockChroma(const SeparateChroma& chroma, Vec& a, Vec& b) {
     a = UnpackLow64(chroma.u, chroma.v);
     b = UnpackHigh64(chroma.u, chroma.v);
     FixUnpack(a, b);
@@ -242,12 +230,12 @@ private:
     }
 };
 
-static inline Luma ReadLumaPlane(const Line& line, std::size_t x) {
+inline Luma ReadLumaPlane(const Line& line, std::size_t x) {
     return {Load(line.plane[0] + x), Load(line.plane[0] + x + kVecBytes)};
 }
 /// Several units are written plane by plane, so that whole cache lines are filled at a time.
 template <class Out, std::size_t kUnits>
-static inline void WriteLumaPlane(const Line& line, std::size_t x, const Luma (&luma)[kUnits]) {
+inline void WriteLumaPlane(const Line& line, std::size_t x, const Luma (&luma)[kUnits]) {
     for (std::size_t i = 0; i < kUnits; ++i) {
         Out::Put(line.plane[0] + x + i * kLayoutUnit, luma[i].a);
         Out::Put(line.plane[0] + x + i * kLayoutUnit + kVecBytes, luma[i].b);

@@ -1,4 +1,9 @@
 #include "foundation/simd/vec_sse41.h"
 
-#define PIXMORPH_REORDER_NARROWER(name) name##_Plain
+#include "convert/x86/reorder_forms.h"
+
+namespace KorvaneSoftware::simd_sse41 {
+namespace narrower = plain;
+}
+
 #include "convert/x86/reorder.inc.h"

@@ -1,39 +1,22 @@
-// What the kernels between YUV and RGB share: addresses of lines, the choice of stores, prefetching.
+// What the kernels between YUV and RGB share: steps along a line and the choice of stores.
 #pragma once
 
-#include "foundation/block_ops.h"
-#include "foundation/image_descriptor.h"
+#include "convert/x86/lines.inc.h"
+#include "foundation/store_policy.h"
 
 namespace KorvaneSoftware::PIXMORPH_SIMD {
+namespace {
 
 /// Pixels of one step of the kernels: a register of bytes.
 constexpr std::size_t kPixels = kVecBytes;
 
-struct SampleLine {
-    std::uint8_t* plane[3];
-};
-
-static inline std::uint8_t* LineOfPlane(const ImageDescriptor& desc, int plane, std::int64_t row) {
-    return desc.planes[plane] + row * desc.strides[plane];
-}
-
-/// A line of samples. Planes that the format lacks are null or anything else, and are not used.
-static inline SampleLine SamplesAt(const ImageDescriptor& desc, std::int64_t row, std::int64_t chromaRow) {
-    SampleLine line{{LineOfPlane(desc, 0, row), nullptr, nullptr}};
-    for (int plane = 1; plane < 3; ++plane)
-        if (desc.planes[plane] != nullptr) line.plane[plane] = LineOfPlane(desc, plane, chromaRow);
-    return line;
-}
-
 /// Line `row` of a bottom-up picture, counted from the top.
-static inline std::uint8_t* PixelsAt(const ImageDescriptor& desc, std::int64_t row) {
+inline std::uint8_t* PixelsAt(const ImageDescriptor& desc, std::int64_t row) {
     return LineOfPlane(desc, 0, static_cast<std::int64_t>(desc.height) - 1 - row);
 }
 
-constexpr std::size_t kCacheLine = 64;
-
 template <bool kStreamed>
-static inline void Put(std::uint8_t* p, Vec a) {
+inline void Put(std::uint8_t* p, Vec a) {
     if constexpr (kStreamed)
         Stream(p, a);
     else
@@ -85,7 +68,7 @@ struct StreamedPlane {
         if constexpr (!kFillsLines) return false;
         const auto address = reinterpret_cast<std::uintptr_t>(dst.planes[0]);
         return (address | static_cast<std::uintptr_t>(dst.strides[0])) % kUnit == 0 && dst.width > kVecBytes &&
-               kBytes * dst.width * dst.height > CachedCountLimit();
+               StoresPastCache(kBytes * dst.width * dst.height, CacheShare::Quarter);
     }
     /// Pixels from `line` to the boundary.
     static inline std::size_t Head(const std::uint8_t* line) {
@@ -99,12 +82,33 @@ struct StreamedPlane {
     static inline PartSink Last(std::size_t pixels) { return {(kVecBytes - pixels) * kBytes, pixels * kBytes}; }
 };
 
-/// Asks for kBytes bytes that a later line will need. Frames come from far up the memory hierarchy, and the processor's
-/// own prefetching starts anew at each page of a few lines: asking for the next line while this one is worked on halves
-/// the time of frames that lie in the last-level cache.
-template <std::size_t kBytes>
-static inline void Prefetch(const std::uint8_t* p) {
-    for (std::size_t i = 0; i < kBytes; i += 64) _mm_prefetch(reinterpret_cast<const char*>(p + i), _MM_HINT_T0);
+/// A line whose kernel never streams.
+struct NeverStreamed {};
+
+// Where a step stands: only at the last one is there nothing to the right.
+struct InnerStep {
+    static constexpr bool kIsLast = false;
+};
+struct LastStep {
+    static constexpr bool kIsLast = true;
+};
+
+/// Calls `step(sink, x, place)` for each kPixels pixels of a line that is at least that long and whose destination
+/// starts at `first`. The last step is moved back so that it ends with the line.
+template <class Streamed, bool kStreamed, class Step>
+inline void WalkSteps(const std::uint8_t* first, std::size_t width, const Step& step) {
+    const std::size_t last = width - kPixels;
+    std::size_t x = 0;
+    if constexpr (kStreamed) {
+        x = Streamed::Head(first);
+        if (x != 0) step(Streamed::First(x), std::size_t{0}, InnerStep{});
+        for (; x < last; x += kPixels) step(StreamedSink{}, x, InnerStep{});
+        step(Streamed::Last(width - x), last, LastStep{});
+    } else {
+        for (; x < last; x += kPixels) step(PlainSink{}, x, InnerStep{});
+        step(PlainSink{}, last, LastStep{});
+    }
 }
 
+}  // namespace
 }  // namespace KorvaneSoftware::PIXMORPH_SIMD

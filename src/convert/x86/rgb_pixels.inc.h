@@ -5,6 +5,7 @@
 #include "convert/x86/rgb_lines.inc.h"
 
 namespace KorvaneSoftware::PIXMORPH_SIMD {
+namespace {
 
 struct PixelBytes {
     Vec b, g, r, a;
@@ -15,7 +16,7 @@ struct PixelQuads {
     Vec part[4];
 };
 
-static inline PixelQuads Interleave(const PixelBytes& c) {
+inline PixelQuads Interleave(const PixelBytes& c) {
     const Vec bgLow = UnpackLow8(c.b, c.g), bgHigh = UnpackHigh8(c.b, c.g);
     const Vec raLow = UnpackLow8(c.r, c.a), raHigh = UnpackHigh8(c.r, c.a);
     return {{UnpackLow16(bgLow, raLow), UnpackHigh16(bgLow, raLow), UnpackLow16(bgHigh, raHigh),
@@ -23,16 +24,16 @@ static inline PixelQuads Interleave(const PixelBytes& c) {
 }
 
 /// Lanes of four B, four G, four R, four A each, in memory order of the lanes, to components.
-static inline PixelBytes Deinterleave(Vec q0, Vec q1, Vec q2, Vec q3) {
+inline PixelBytes Deinterleave(Vec q0, Vec q1, Vec q2, Vec q3) {
     const Vec bg0 = UnpackLow32(q0, q1), bg1 = UnpackLow32(q2, q3);
     const Vec ra0 = UnpackHigh32(q0, q1), ra1 = UnpackHigh32(q2, q3);
     return {UnpackLow64(bg0, bg1), UnpackHigh64(bg0, bg1), UnpackLow64(ra0, ra1), UnpackHigh64(ra0, ra1)};
 }
 
-alignas(16) static constexpr std::uint8_t kSplitBgra[16] = {0, 4, 8, 12, 1, 5, 9, 13, 2, 6, 10, 14, 3, 7, 11, 15};
-alignas(16) static constexpr std::uint8_t kSplitBgr[16] = {0, 3, 6, 9, 1, 4, 7, 10, 2, 5, 8, 11, 128, 128, 128, 128};
-alignas(16) static constexpr std::uint8_t kBgraToBgr[16] = {0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, 128, 128, 128, 128};
-alignas(16) static constexpr std::uint8_t kBgrToBgra[16] = {0, 1, 2, 128, 3, 4, 5, 128, 6, 7, 8, 128, 9, 10, 11, 128};
+alignas(16) constexpr std::uint8_t kSplitBgra[16] = {0, 4, 8, 12, 1, 5, 9, 13, 2, 6, 10, 14, 3, 7, 11, 15};
+alignas(16) constexpr std::uint8_t kSplitBgr[16] = {0, 3, 6, 9, 1, 4, 7, 10, 2, 5, 8, 11, 128, 128, 128, 128};
+alignas(16) constexpr std::uint8_t kBgraToBgr[16] = {0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, 128, 128, 128, 128};
+alignas(16) constexpr std::uint8_t kBgrToBgra[16] = {0, 1, 2, 128, 3, 4, 5, 128, 6, 7, 8, 128, 9, 10, 11, 128};
 
 struct BgraPixels {
     static constexpr std::size_t kBytes = 4;
@@ -86,4 +87,5 @@ struct BgrPixels {
     }
 };
 
+}  // namespace
 }  // namespace KorvaneSoftware::PIXMORPH_SIMD

@@ -1,15 +1,13 @@
 // Samples in 16-bit words to bytes, over registers of any width. Words stay in 16-bit lanes until they are stored: a
 // packed picture is then a luma word and a chroma word joined, with no bytes to interleave.
+#include "convert/x86/lines.inc.h"
 #include "convert/x86/sixteen_bit_forms.h"
-#include "foundation/block_ops.h"
+#include "foundation/simd/walk_line.inc.h"
+#include "foundation/store_policy.h"
 
 namespace KorvaneSoftware {
 namespace PIXMORPH_SIMD {
 namespace {
-
-inline std::uint8_t* Row(const ImageDescriptor& desc, int plane, std::int64_t row) {
-    return desc.planes[plane] + row * desc.strides[plane];
-}
 
 inline std::uint32_t WordAt(const std::uint8_t* line, std::size_t index) {
     return line[2 * index] | static_cast<std::uint32_t>(line[2 * index + 1]) << 8;
@@ -85,11 +83,11 @@ template <>
 struct LinesOf<2> : FromTwoLines {};
 
 // Where the bytes of a pixel pair lie, and the same for words of 0 to 255.
-struct Uyvy {
+struct UyvyWords {
     static constexpr std::size_t kLuma = 1;
     static Vec Join(Vec luma, Vec chroma) { return Or(ShiftLeft16<8>(luma), chroma); }
 };
-struct Yuy2 {
+struct Yuy2Words {
     static constexpr std::size_t kLuma = 0;
     static Vec Join(Vec luma, Vec chroma) { return Or(luma, ShiftLeft16<8>(chroma)); }
 };
@@ -106,25 +104,10 @@ struct StreamingStores {
 // cache line, so that cache lines leave the processor in one piece.
 template <std::size_t kStep>
 bool IsStreamed(const ImageDescriptor& dst, int plane, std::size_t rowBytes) {
-    constexpr std::int64_t kCacheLine = 64;
     const bool isAligned = reinterpret_cast<std::uintptr_t>(dst.planes[plane]) % kCacheLine == 0 &&
-                           dst.strides[plane] % kCacheLine == 0 && rowBytes % kCacheLine == 0 && rowBytes % kStep == 0;
-    return isAligned && std::size_t{dst.width} * dst.height > CachedCountLimit();
-}
-
-// Asks for bytes of a later line: the processor's own prefetching starts anew at each page, that is every few lines.
-template <std::size_t kBytes>
-inline void Prefetch(const std::uint8_t* p) {
-    for (std::size_t i = 0; i < kBytes; i += 64) _mm_prefetch(reinterpret_cast<const char*>(p + i), _MM_HINT_T0);
-}
-
-// Calls `step` for each kStep samples of a line that is at least that long. The last step may overlap the one before
-// it, which writes the same bytes again.
-template <std::size_t kStep, class Step>
-inline void WalkLine(std::size_t count, Step step) {
-    std::size_t x = 0;
-    for (; x + kStep <= count; x += kStep) step(x);
-    if (x < count) step(count - kStep);
+                           dst.strides[plane] % static_cast<std::int64_t>(kCacheLine) == 0 &&
+                           rowBytes % kCacheLine == 0 && rowBytes % kStep == 0;
+    return isAligned && StoresPastCache(ImageBufferSize(&dst), CacheShare::Half);
 }
 
 // A run of words to a run of bytes. `ahead` is the distance to the words that come after, on both lines.
@@ -137,7 +120,7 @@ void NarrowRow(std::uint8_t* dst, const std::uint8_t* line, const std::uint8_t* 
                 Lines::Take(narrow, line, next, [x](const std::uint8_t* p) { return WordAt(p, x); }));
         return;
     }
-    WalkLine<kVecBytes>(count, [&](std::size_t x) {
+    WalkLine<kVecBytes>(0, count, [&](std::size_t x) {
         Prefetch<2 * kVecBytes>(line + ahead + 2 * x);
         const Vec low = Lines::Take(narrow, line, next, [x](const std::uint8_t* p) { return Load(p + 2 * x); });
         const Vec high =
@@ -178,10 +161,10 @@ void PackRow(std::uint8_t* dst, const PairedLine& from, const Distances& ahead, 
         }
         return;
     }
-    WalkLine<kStep>(width, [&](std::size_t x) {
+    WalkLine<kStep>(0, width, [&](std::size_t x) {
         Prefetch<2 * kVecBytes>(from.luma + ahead.luma + 2 * x);
         Prefetch<2 * kVecBytes>(from.chroma + ahead.u + 2 * x);
-        for (const std::size_t i : {2 * x, 2 * x + kVecBytes}) {
+        for (std::size_t i = 2 * x; i <= 2 * x + kVecBytes; i += kVecBytes) {
             const Vec chroma =
                 Lines::Take(narrowChroma, from.chroma, from.next, [i](const std::uint8_t* p) { return Load(p + i); });
             Out::Put(dst + i, Order::Join(narrowLuma.One(Load(from.luma + i)), chroma));
@@ -204,7 +187,7 @@ void PackRow(std::uint8_t* dst, const SeparateLine& from, const Distances& ahead
         }
         return;
     }
-    WalkLine<kStep>(width, [&](std::size_t x) {
+    WalkLine<kStep>(0, width, [&](std::size_t x) {
         Prefetch<2 * kVecBytes>(from.luma + ahead.luma + 2 * x);
         Prefetch<kVecBytes>(from.u + ahead.u + x);
         Prefetch<kVecBytes>(from.v + ahead.v + x);
@@ -227,8 +210,8 @@ struct PairedWords {
     using Narrow = HighByte;
 
     static PairedLine LineAt(const ImageDescriptor& src, std::int64_t y, std::int64_t chromaRow, bool hasNext) {
-        const std::uint8_t* const chroma = Row(src, 1, chromaRow);
-        return {Row(src, 0, y), chroma, hasNext ? chroma + src.strides[1] : chroma};
+        const std::uint8_t* const chroma = LineOfPlane(src, 1, chromaRow);
+        return {LineOfPlane(src, 0, y), chroma, hasNext ? chroma + src.strides[1] : chroma};
     }
     static Narrow LumaOf(const ImageDescriptor&) { return {}; }
     static Narrow ChromaOf(const ImageDescriptor&) { return {}; }
@@ -237,9 +220,9 @@ struct SeparateWords {
     using Narrow = RoundedShift;
 
     static SeparateLine LineAt(const ImageDescriptor& src, std::int64_t y, std::int64_t chromaRow, bool hasNext) {
-        const std::uint8_t* const u = Row(src, 1, chromaRow);
-        const std::uint8_t* const v = Row(src, 2, chromaRow);
-        return {Row(src, 0, y), u, v, hasNext ? u + src.strides[1] : u, hasNext ? v + src.strides[2] : v};
+        const std::uint8_t* const u = LineOfPlane(src, 1, chromaRow);
+        const std::uint8_t* const v = LineOfPlane(src, 2, chromaRow);
+        return {LineOfPlane(src, 0, y), u, v, hasNext ? u + src.strides[1] : u, hasNext ? v + src.strides[2] : v};
     }
     static Narrow LumaOf(const ImageDescriptor& src) { return Narrow(src.lumaExtraBits); }
     static Narrow ChromaOf(const ImageDescriptor& src) { return Narrow(src.chromaExtraBits); }
@@ -256,9 +239,9 @@ void PackLines(const ImageDescriptor& dst, const ImageDescriptor& src) {
         const bool isBetween = kLinesPerChroma == 2 && y % 2 != 0 && y + 1 < src.height;
         const auto from = Words::LineAt(src, y, y / kLinesPerChroma, isBetween);
         if (isBetween)
-            PackRow<Order, Out, FromTwoLines>(Row(dst, 0, y), from, ahead, src.width, luma, chroma);
+            PackRow<Order, Out, FromTwoLines>(LineOfPlane(dst, 0, y), from, ahead, src.width, luma, chroma);
         else
-            PackRow<Order, Out, FromOneLine>(Row(dst, 0, y), from, ahead, src.width, luma, chroma);
+            PackRow<Order, Out, FromOneLine>(LineOfPlane(dst, 0, y), from, ahead, src.width, luma, chroma);
     }
 }
 
@@ -279,9 +262,9 @@ void NarrowRows(const ImageDescriptor& dst, const ImageDescriptor& src, int plan
     using Lines = LinesOf<kSourceRows>;
     const std::int64_t stride = src.strides[plane];
     for (std::int64_t row = 0; row < rows; ++row) {
-        const std::uint8_t* const line = Row(src, plane, kSourceRows * row);
-        NarrowRow<Out, Lines>(Row(dst, plane, row), line, line + (kSourceRows - 1) * stride, kSourceRows * stride,
-                              samples, narrow);
+        const std::uint8_t* const line = LineOfPlane(src, plane, kSourceRows * row);
+        NarrowRow<Out, Lines>(LineOfPlane(dst, plane, row), line, line + (kSourceRows - 1) * stride,
+                              kSourceRows * stride, samples, narrow);
     }
 }
 
@@ -310,42 +293,53 @@ template <int kLinesPerChroma>
 void NarrowPlanes(const ImageDescriptor& dst, const ImageDescriptor& src) {
     const RoundedShift chroma(src.chromaExtraBits);
     NarrowPlane<1>(dst, src, 0, src.width, src.height, RoundedShift(src.lumaExtraBits));
-    for (const int plane : {1, 2}) NarrowPlane<1>(dst, src, plane, src.width / 2, src.height / kLinesPerChroma, chroma);
+    for (int plane = 1; plane < 3; ++plane)
+        NarrowPlane<1>(dst, src, plane, src.width / 2, src.height / kLinesPerChroma, chroma);
 }
 
-bool FitsWords(const ImageDescriptor& src) {
-    return src.lumaExtraBits <= RoundedShift::kMostExtraBits && src.chromaExtraBits <= RoundedShift::kMostExtraBits;
+// Depths beyond the registers' 16-bit arithmetic are rare enough for the plain form.
+template <ConvertSignature& kConvert>
+void Rounded(const ImageDescriptor& dst, const ImageDescriptor& src, ConvertSignature* deepPicture) {
+    const bool fitsWords =
+        src.lumaExtraBits <= RoundedShift::kMostExtraBits && src.chromaExtraBits <= RoundedShift::kMostExtraBits;
+    (fitsWords ? kConvert : *deepPicture)(dst, src);
 }
 
 }  // namespace
 }  // namespace PIXMORPH_SIMD
 
-#define PIXMORPH_HIGH_BYTE_FORM(name, ...)                                                  \
-    void PIXMORPH_SIMD_NAME(name)(const ImageDescriptor& dst, const ImageDescriptor& src) { \
-        PIXMORPH_SIMD::__VA_ARGS__(dst, src);                                               \
-    }
-PIXMORPH_HIGH_BYTE_FORM(P216ToUyvy, Pack<PIXMORPH_SIMD::Uyvy, PIXMORPH_SIMD::PairedWords, 1>)
-PIXMORPH_HIGH_BYTE_FORM(P216ToYuy2, Pack<PIXMORPH_SIMD::Yuy2, PIXMORPH_SIMD::PairedWords, 1>)
-PIXMORPH_HIGH_BYTE_FORM(P216ToNv12, NarrowP216)
-PIXMORPH_HIGH_BYTE_FORM(P016ToUyvy, Pack<PIXMORPH_SIMD::Uyvy, PIXMORPH_SIMD::PairedWords, 2>)
-PIXMORPH_HIGH_BYTE_FORM(P016ToYuy2, Pack<PIXMORPH_SIMD::Yuy2, PIXMORPH_SIMD::PairedWords, 2>)
-PIXMORPH_HIGH_BYTE_FORM(P016ToNv12, NarrowP016)
-#undef PIXMORPH_HIGH_BYTE_FORM
+void PIXMORPH_SIMD::P216ToUyvy(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    Pack<UyvyWords, PairedWords, 1>(dst, src);
+}
+void PIXMORPH_SIMD::P216ToYuy2(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    Pack<Yuy2Words, PairedWords, 1>(dst, src);
+}
+void PIXMORPH_SIMD::P216ToNv12(const ImageDescriptor& dst, const ImageDescriptor& src) { NarrowP216(dst, src); }
+void PIXMORPH_SIMD::P016ToUyvy(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    Pack<UyvyWords, PairedWords, 2>(dst, src);
+}
+void PIXMORPH_SIMD::P016ToYuy2(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    Pack<Yuy2Words, PairedWords, 2>(dst, src);
+}
+void PIXMORPH_SIMD::P016ToNv12(const ImageDescriptor& dst, const ImageDescriptor& src) { NarrowP016(dst, src); }
 
-// Depths beyond the registers' 16-bit arithmetic are rare enough for the plain form.
-#define PIXMORPH_ROUNDED_WORD_FORM(name, ...)                                               \
-    void PIXMORPH_SIMD_NAME(name)(const ImageDescriptor& dst, const ImageDescriptor& src) { \
-        if (PIXMORPH_SIMD::FitsWords(src))                                                  \
-            PIXMORPH_SIMD::__VA_ARGS__(dst, src);                                           \
-        else                                                                                \
-            name##_Plain(dst, src);                                                         \
-    }
-PIXMORPH_ROUNDED_WORD_FORM(S420ToUyvy, Pack<PIXMORPH_SIMD::Uyvy, PIXMORPH_SIMD::SeparateWords, 2>)
-PIXMORPH_ROUNDED_WORD_FORM(S420ToYuy2, Pack<PIXMORPH_SIMD::Yuy2, PIXMORPH_SIMD::SeparateWords, 2>)
-PIXMORPH_ROUNDED_WORD_FORM(S420ToI420, NarrowPlanes<2>)
-PIXMORPH_ROUNDED_WORD_FORM(S422ToUyvy, Pack<PIXMORPH_SIMD::Uyvy, PIXMORPH_SIMD::SeparateWords, 1>)
-PIXMORPH_ROUNDED_WORD_FORM(S422ToYuy2, Pack<PIXMORPH_SIMD::Yuy2, PIXMORPH_SIMD::SeparateWords, 1>)
-PIXMORPH_ROUNDED_WORD_FORM(S422ToY422, NarrowPlanes<1>)
-#undef PIXMORPH_ROUNDED_WORD_FORM
+void PIXMORPH_SIMD::S420ToUyvy(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    Rounded<Pack<UyvyWords, SeparateWords, 2>>(dst, src, plain::S420ToUyvy);
+}
+void PIXMORPH_SIMD::S420ToYuy2(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    Rounded<Pack<Yuy2Words, SeparateWords, 2>>(dst, src, plain::S420ToYuy2);
+}
+void PIXMORPH_SIMD::S420ToI420(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    Rounded<NarrowPlanes<2>>(dst, src, plain::S420ToI420);
+}
+void PIXMORPH_SIMD::S422ToUyvy(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    Rounded<Pack<UyvyWords, SeparateWords, 1>>(dst, src, plain::S422ToUyvy);
+}
+void PIXMORPH_SIMD::S422ToYuy2(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    Rounded<Pack<Yuy2Words, SeparateWords, 1>>(dst, src, plain::S422ToYuy2);
+}
+void PIXMORPH_SIMD::S422ToY422(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    Rounded<NarrowPlanes<1>>(dst, src, plain::S422ToY422);
+}
 
 }  // namespace KorvaneSoftware

@@ -5,6 +5,7 @@
 #include "convert/x86/rgb_lines.inc.h"
 
 namespace KorvaneSoftware::PIXMORPH_SIMD {
+namespace {
 
 /// 8.8 words of luma: what lane-wise unpacks, low and high, make of a register of bytes.
 struct LumaWords {
@@ -18,21 +19,21 @@ struct ChromaWords {
 
 // Means of 8.8 words that come from bytes are exact, and so are means of two such means: the rounding of the average
 // instruction never shows.
-static inline ChromaWords Mean(const ChromaWords& a, const ChromaWords& b) {
+inline ChromaWords Mean(const ChromaWords& a, const ChromaWords& b) {
     return {Avg16(a.lowU, b.lowU), Avg16(a.highU, b.highU), Avg16(a.lowV, b.lowV), Avg16(a.highV, b.highV)};
 }
 
 /// Chroma at all pixels from a word for each pixel pair, and the word of the pair that follows.
-static inline ChromaWords Interpolate(Vec u, Vec v, Vec nextU, Vec nextV) {
+inline ChromaWords Interpolate(Vec u, Vec v, Vec nextU, Vec nextV) {
     const Vec secondU = Avg16(u, nextU), secondV = Avg16(v, nextV);
     return {UnpackLow16(u, secondU), UnpackHigh16(u, secondU), UnpackLow16(v, secondV), UnpackHigh16(v, secondV)};
 }
 
-static inline LumaWords WidenLuma(Vec bytes) { return {UnpackLow8(Zero(), bytes), UnpackHigh8(Zero(), bytes)}; }
+inline LumaWords WidenLuma(Vec bytes) { return {UnpackLow8(Zero(), bytes), UnpackHigh8(Zero(), bytes)}; }
 
 /// The register `Bytes` on in memory, where the last `Bytes` bytes of a line are repeated behind it.
 template <int Bytes>
-static inline Vec NextAtEnd(const std::uint8_t* last) {
+inline Vec NextAtEnd(const std::uint8_t* last) {
     alignas(64) std::uint8_t window[kVecBytes + 16];
     Store(window, Load(last));
     for (std::size_t i = 0; i < Bytes; ++i) window[kVecBytes + i] = last[kVecBytes - Bytes + i];
@@ -49,16 +50,14 @@ struct PackedSource {
     static constexpr std::size_t kGranule = 2;
     static constexpr bool kHasAlpha = false;
 
-    static inline void PrefetchLuma(const SampleLine& line, std::size_t x) {
-        Prefetch<2 * kPixels>(line.plane[0] + 2 * x);
-    }
-    static inline void PrefetchChroma(const SampleLine&, std::size_t) {}
-    static inline LumaWords Luma(const SampleLine& line, std::size_t x) {
+    static inline void PrefetchLuma(const Line& line, std::size_t x) { Prefetch<2 * kPixels>(line.plane[0] + 2 * x); }
+    static inline void PrefetchChroma(const Line&, std::size_t) {}
+    static inline LumaWords Luma(const Line& line, std::size_t x) {
         const std::uint8_t* const p = line.plane[0] + 2 * x;
         return {LumaOf(Load(p)), LumaOf(Load(p + kVecBytes))};
     }
     template <bool kLast>
-    static inline ChromaWords Chroma(const SampleLine& line, std::size_t x) {
+    static inline ChromaWords Chroma(const Line& line, std::size_t x) {
         const std::uint8_t* const p = line.plane[0] + 2 * x;
         const std::uint8_t* const second = p + kVecBytes;
         Vec behind;
@@ -103,20 +102,20 @@ struct PlanarSource {
     static constexpr std::size_t kGranule = 2;
     static constexpr bool kHasAlpha = false;
 
-    static inline void PrefetchLuma(const SampleLine& line, std::size_t x) { Prefetch<kPixels>(line.plane[0] + x); }
-    static inline void PrefetchChroma(const SampleLine& line, std::size_t x) {
+    static inline void PrefetchLuma(const Line& line, std::size_t x) { Prefetch<kPixels>(line.plane[0] + x); }
+    static inline void PrefetchChroma(const Line& line, std::size_t x) {
         Prefetch<kPixels / 2>(line.plane[1] + x / 2);
         Prefetch<kPixels / 2>(line.plane[2] + x / 2);
     }
-    static inline LumaWords Luma(const SampleLine& line, std::size_t x) { return WidenLuma(Load(line.plane[0] + x)); }
+    static inline LumaWords Luma(const Line& line, std::size_t x) { return WidenLuma(Load(line.plane[0] + x)); }
     template <bool kLast>
-    static inline ChromaWords Chroma(const SampleLine& line, std::size_t x) {
+    static inline ChromaWords Chroma(const Line& line, std::size_t x) {
         const std::uint8_t* const u = line.plane[1] + x / 2;
         const std::uint8_t* const v = line.plane[2] + x / 2;
         return Interpolate(Widen(LoadWiden8(u)), Widen(LoadWiden8(v)), Next<kLast>(u), Next<kLast>(v));
     }
     template <bool kLast>
-    static inline ChromaWords Between(const ChromaWords& chroma, const SampleLine (&lines)[2], std::size_t x) {
+    static inline ChromaWords Between(const ChromaWords& chroma, const Line (&lines)[2], std::size_t x) {
         return Mean(chroma, Chroma<kLast>(lines[1], x));
     }
 
@@ -140,11 +139,11 @@ struct SemiPlanarSource {
     static constexpr std::size_t kGranule = 2;
     static constexpr bool kHasAlpha = false;
 
-    static inline void PrefetchLuma(const SampleLine& line, std::size_t x) { Prefetch<kPixels>(line.plane[0] + x); }
-    static inline void PrefetchChroma(const SampleLine& line, std::size_t x) { Prefetch<kPixels>(line.plane[1] + x); }
-    static inline LumaWords Luma(const SampleLine& line, std::size_t x) { return WidenLuma(Load(line.plane[0] + x)); }
+    static inline void PrefetchLuma(const Line& line, std::size_t x) { Prefetch<kPixels>(line.plane[0] + x); }
+    static inline void PrefetchChroma(const Line& line, std::size_t x) { Prefetch<kPixels>(line.plane[1] + x); }
+    static inline LumaWords Luma(const Line& line, std::size_t x) { return WidenLuma(Load(line.plane[0] + x)); }
     template <bool kLast>
-    static inline ChromaWords Chroma(const SampleLine& line, std::size_t x) {
+    static inline ChromaWords Chroma(const Line& line, std::size_t x) {
         const std::uint8_t* const p = line.plane[1] + x;
         const Vec pairs = Load(p);
         Vec next;
@@ -156,7 +155,7 @@ struct SemiPlanarSource {
         return Interpolate(ShiftLeft16<8>(pairs), And(pairs, high), ShiftLeft16<8>(next), And(next, high));
     }
     template <bool kLast>
-    static inline ChromaWords Between(const ChromaWords& chroma, const SampleLine (&lines)[2], std::size_t x) {
+    static inline ChromaWords Between(const ChromaWords& chroma, const Line (&lines)[2], std::size_t x) {
         return Mean(chroma, Chroma<kLast>(lines[1], x));
     }
 };
@@ -171,21 +170,21 @@ struct BlockSource {
     static constexpr std::size_t kGranule = 16;
     static constexpr bool kHasAlpha = kAlpha != kNoAlpha;
 
-    static inline const std::uint8_t* BlockAt(const SampleLine& line, std::size_t x) {
+    static inline const std::uint8_t* BlockAt(const Line& line, std::size_t x) {
         return line.plane[0] + x / 16 * kBlockBytes;
     }
-    static inline void PrefetchLuma(const SampleLine& line, std::size_t x) {
+    static inline void PrefetchLuma(const Line& line, std::size_t x) {
         Prefetch<kPixels / 16 * kBlockBytes>(BlockAt(line, x));
     }
-    static inline void PrefetchChroma(const SampleLine&, std::size_t) {}
-    static inline LumaWords Luma(const SampleLine& line, std::size_t x) {
+    static inline void PrefetchChroma(const Line&, std::size_t) {}
+    static inline LumaWords Luma(const Line& line, std::size_t x) {
         return WidenLuma(LoadLanes(BlockAt(line, x) + kLuma, kBlockBytes));
     }
-    static inline Vec Alpha(const SampleLine& line, std::size_t x) {
+    static inline Vec Alpha(const Line& line, std::size_t x) {
         return LoadLanes(BlockAt(line, x) + kAlpha, kBlockBytes);
     }
     template <bool kLast>
-    static inline ChromaWords Chroma(const SampleLine& line, std::size_t x) {
+    static inline ChromaWords Chroma(const Line& line, std::size_t x) {
         const std::uint8_t* const p = BlockAt(line, x) + kChroma;
         const Vec chroma = LoadLanes(p, kBlockBytes);
         Vec behind;
@@ -219,25 +218,21 @@ struct WordSource {
     static constexpr std::size_t kGranule = 2;
     static constexpr bool kHasAlpha = false;
 
-    static inline void PrefetchLuma(const SampleLine& line, std::size_t x) {
-        Prefetch<2 * kPixels>(line.plane[0] + 2 * x);
-    }
-    static inline LumaWords Luma(const SampleLine& line, std::size_t x) {
+    static inline void PrefetchLuma(const Line& line, std::size_t x) { Prefetch<2 * kPixels>(line.plane[0] + 2 * x); }
+    static inline LumaWords Luma(const Line& line, std::size_t x) {
         const std::uint8_t* const p = line.plane[0] + 2 * x;
         return {Load(p), Load(p + kVecBytes)};
     }
 };
 
 struct SemiPlanarWordSource : WordSource {
-    static inline void PrefetchChroma(const SampleLine& line, std::size_t x) {
-        Prefetch<2 * kPixels>(line.plane[1] + 2 * x);
-    }
+    static inline void PrefetchChroma(const Line& line, std::size_t x) { Prefetch<2 * kPixels>(line.plane[1] + 2 * x); }
     template <bool kLast>
-    static inline ChromaWords Chroma(const SampleLine& line, std::size_t x) {
+    static inline ChromaWords Chroma(const Line& line, std::size_t x) {
         return Order(Read<kLast>(line, x));
     }
     template <bool kLast>
-    static inline ChromaWords Between(const ChromaWords&, const SampleLine (&lines)[2], std::size_t x) {
+    static inline ChromaWords Between(const ChromaWords&, const Line (&lines)[2], std::size_t x) {
         const Pairs a = Read<kLast>(lines[0], x), b = Read<kLast>(lines[1], x);
         return Order(
             {Avg16(a.low, b.low), Avg16(a.nextLow, b.nextLow), Avg16(a.high, b.high), Avg16(a.nextHigh, b.nextHigh)});
@@ -248,7 +243,7 @@ private:
         Vec low, nextLow, high, nextHigh;
     };
     template <bool kLast>
-    static inline Pairs Read(const SampleLine& line, std::size_t x) {
+    static inline Pairs Read(const Line& line, std::size_t x) {
         const std::uint8_t* const p = line.plane[1] + 2 * x;
         const std::uint8_t* const second = p + kVecBytes;
         Vec behind;
@@ -267,16 +262,16 @@ private:
 };
 
 struct PlanarWordSource : WordSource {
-    static inline void PrefetchChroma(const SampleLine& line, std::size_t x) {
+    static inline void PrefetchChroma(const Line& line, std::size_t x) {
         Prefetch<kPixels>(line.plane[1] + x);
         Prefetch<kPixels>(line.plane[2] + x);
     }
     template <bool kLast>
-    static inline ChromaWords Chroma(const SampleLine& line, std::size_t x) {
+    static inline ChromaWords Chroma(const Line& line, std::size_t x) {
         return Order(Read<kLast>(line, x));
     }
     template <bool kLast>
-    static inline ChromaWords Between(const ChromaWords&, const SampleLine (&lines)[2], std::size_t x) {
+    static inline ChromaWords Between(const ChromaWords&, const Line (&lines)[2], std::size_t x) {
         const Samples a = Read<kLast>(lines[0], x), b = Read<kLast>(lines[1], x);
         return Order({Avg16(a.u, b.u), Avg16(a.v, b.v), Avg16(a.nextU, b.nextU), Avg16(a.nextV, b.nextV)});
     }
@@ -286,7 +281,7 @@ private:
         Vec u, v, nextU, nextV;
     };
     template <bool kLast>
-    static inline Samples Read(const SampleLine& line, std::size_t x) {
+    static inline Samples Read(const Line& line, std::size_t x) {
         const std::uint8_t* const u = line.plane[1] + x;
         const std::uint8_t* const v = line.plane[2] + x;
         if constexpr (kLast)
@@ -302,4 +297,5 @@ private:
     }
 };
 
+}  // namespace
 }  // namespace KorvaneSoftware::PIXMORPH_SIMD

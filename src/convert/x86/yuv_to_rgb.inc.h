@@ -10,11 +10,12 @@
 
 namespace KorvaneSoftware {
 namespace PIXMORPH_SIMD {
+namespace {
 
 /// One step of one line.
 template <class Source, class Pixels, class Sink>
-static inline void WriteStep(const Sink& sink, std::uint8_t* out, const SampleLine& line, std::size_t x,
-                             const ChromaWords& c, const YuvToRgbVectors& m) {
+inline void WriteStep(const Sink& sink, std::uint8_t* out, const Line& line, std::size_t x, const ChromaWords& c,
+                      const YuvToRgbVectors& m) {
     const LumaWords y = Source::Luma(line, x);
     const BgrVectors low = YuvToBgr(m, y.low, c.lowU, c.lowV);
     const BgrVectors high = YuvToBgr(m, y.high, c.highU, c.highV);
@@ -29,15 +30,15 @@ static inline void WriteStep(const Sink& sink, std::uint8_t* out, const SampleLi
 template <class Source, class Pixels>
 struct LineConverter {
     std::uint8_t* out;
-    SampleLine line, next;
+    Line line, next;
 
-    std::uint8_t* First() const { return out; }
     void Prefetch(std::size_t x) const {
         Source::PrefetchLuma(next, x);
         Source::PrefetchChroma(next, x);
     }
     template <bool kLast, class Sink>
     inline void Step(const Sink& sink, std::size_t x, const YuvToRgbVectors& m) const {
+        if constexpr (!kLast) Prefetch(x);
         WriteStep<Source, Pixels>(sink, out, line, x, Source::template Chroma<kLast>(line, x), m);
     }
 };
@@ -46,9 +47,8 @@ struct LineConverter {
 template <class Source, class Pixels>
 struct LinePairConverter {
     std::uint8_t* out[2];
-    SampleLine line[2], next[2];
+    Line line[2], next[2];
 
-    std::uint8_t* First() const { return out[0]; }
     void Prefetch(std::size_t x) const {
         Source::PrefetchLuma(next[0], x);
         Source::PrefetchLuma(next[1], x);
@@ -56,6 +56,7 @@ struct LinePairConverter {
     }
     template <bool kLast, class Sink>
     inline void Step(const Sink& sink, std::size_t x, const YuvToRgbVectors& m) const {
+        if constexpr (!kLast) Prefetch(x);
         const ChromaWords chroma = Source::template Chroma<kLast>(line[0], x);
         const ChromaWords between = Source::template Between<kLast>(chroma, line, x);
         WriteStep<Source, Pixels>(sink, out[0], line[0], x, chroma, m);
@@ -63,42 +64,23 @@ struct LinePairConverter {
     }
 };
 
-template <class Streamed, bool kStreamed, class Converter>
-static inline void ConvertSteps(const Converter& converter, std::size_t width, const YuvToRgbVectors& m) {
-    const std::size_t last = width - kPixels;
-    std::size_t x = 0;
-    if constexpr (kStreamed) {
-        x = Streamed::Head(converter.First());
-        if (x != 0) converter.template Step<false>(Streamed::First(x), 0, m);
-        for (; x < last; x += kPixels) {
-            converter.Prefetch(x);
-            converter.template Step<false>(StreamedSink{}, x, m);
-        }
-        converter.template Step<true>(Streamed::Last(width - x), last, m);
-    } else {
-        for (; x < last; x += kPixels) {
-            converter.Prefetch(x);
-            converter.template Step<false>(PlainSink{}, x, m);
-        }
-        converter.template Step<true>(PlainSink{}, last, m);
-    }
-}
-
 template <class Source, class Pixels, bool kStreamed>
-static void ConvertLines422(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void ConvertLines422(const ImageDescriptor& dst, const ImageDescriptor& src) {
     using Streamed = StreamedPlane<Pixels::kBytes, Source::kGranule>;
     const YuvToRgbVectors m = LoadYuvToRgb(src.colorMatrix);
     const std::int64_t height = src.height;
     for (std::int64_t row = 0; row < height; ++row) {
         const std::int64_t next = row + 1 < height ? row + 1 : row;
-        const LineConverter<Source, Pixels> line = {PixelsAt(dst, row), SamplesAt(src, row, row),
-                                                    SamplesAt(src, next, next)};
-        ConvertSteps<Streamed, kStreamed>(line, src.width, m);
+        const LineConverter<Source, Pixels> line = {PixelsAt(dst, row), LineOfPicture(src, row, row),
+                                                    LineOfPicture(src, next, next)};
+        WalkSteps<Streamed, kStreamed>(line.out, src.width, [&](const auto& sink, std::size_t x, auto place) {
+            line.template Step<place.kIsLast>(sink, x, m);
+        });
     }
 }
 
 template <class Source, class Pixels, bool kStreamed>
-static void ConvertLines420(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void ConvertLines420(const ImageDescriptor& dst, const ImageDescriptor& src) {
     using Streamed = StreamedPlane<Pixels::kBytes, Source::kGranule>;
     const YuvToRgbVectors m = LoadYuvToRgb(src.colorMatrix);
     const std::int64_t chromaRows = src.height / 2;
@@ -109,14 +91,18 @@ static void ConvertLines420(const ImageDescriptor& dst, const ImageDescriptor& s
         const std::int64_t below = clamped(chromaRow + 1);
         const LinePairConverter<Source, Pixels> lines = {
             {PixelsAt(dst, row), PixelsAt(dst, row + 1)},
-            {SamplesAt(src, row, chromaRow), SamplesAt(src, row + 1, below)},
-            {SamplesAt(src, 2 * below, below), SamplesAt(src, 2 * below + 1, clamped(chromaRow + 2))}};
-        ConvertSteps<Streamed, kStreamed>(lines, src.width, m);
+            {LineOfPicture(src, row, chromaRow), LineOfPicture(src, row + 1, below)},
+            {LineOfPicture(src, 2 * below, below), LineOfPicture(src, 2 * below + 1, clamped(chromaRow + 2))}};
+        WalkSteps<Streamed, kStreamed>(lines.out[0], src.width, [&](const auto& sink, std::size_t x, auto place) {
+            lines.template Step<place.kIsLast>(sink, x, m);
+        });
     }
 }
 
+// A picture that is narrower than a step goes to `narrowPicture`.
 template <class Source, class Pixels>
-static void Convert422ToRgb(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void Convert422ToRgb(const ImageDescriptor& dst, const ImageDescriptor& src, ConvertSignature* narrowPicture) {
+    if (src.width < kPixels) return narrowPicture(dst, src);
     if (StreamedPlane<Pixels::kBytes, Source::kGranule>::IsFor(dst)) {
         ConvertLines422<Source, Pixels, true>(dst, src);
         StreamFence();
@@ -126,7 +112,8 @@ static void Convert422ToRgb(const ImageDescriptor& dst, const ImageDescriptor& s
 }
 
 template <class Source, class Pixels>
-static void Convert420ToRgb(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void Convert420ToRgb(const ImageDescriptor& dst, const ImageDescriptor& src, ConvertSignature* narrowPicture) {
+    if (src.width < kPixels) return narrowPicture(dst, src);
     // The boundaries of two lines that are made together have to coincide.
     const bool coincide = dst.strides[0] % static_cast<std::int64_t>(kCacheLine) == 0;
     if (coincide && StreamedPlane<Pixels::kBytes, Source::kGranule>::IsFor(dst)) {
@@ -137,21 +124,93 @@ static void Convert420ToRgb(const ImageDescriptor& dst, const ImageDescriptor& s
     }
 }
 
+}  // namespace
 }  // namespace PIXMORPH_SIMD
 
-// Pictures narrower than a step are left to the plain form.
-#define PIXMORPH_YUV_TO_RGB_FORM(name, kernel, samples, pixels)                             \
-    void PIXMORPH_SIMD_NAME(name)(const ImageDescriptor& dst, const ImageDescriptor& src) { \
-        using namespace PIXMORPH_SIMD;                                                      \
-        if (src.width < kPixels)                                                            \
-            name##_Plain(dst, src);                                                         \
-        else                                                                                \
-            kernel<samples##Source, pixels##Pixels>(dst, src);                              \
-    }
-#define PIXMORPH_422_TO_RGB_FORM(name, samples, pixels) PIXMORPH_YUV_TO_RGB_FORM(name, Convert422ToRgb, samples, pixels)
-#define PIXMORPH_420_TO_RGB_FORM(name, samples, pixels) PIXMORPH_YUV_TO_RGB_FORM(name, Convert420ToRgb, samples, pixels)
+void PIXMORPH_SIMD::UyvyToBgr(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    Convert422ToRgb<UyvySource, BgrPixels>(dst, src, plain::UyvyToBgr);
+}
+void PIXMORPH_SIMD::UyvyToBgra(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    Convert422ToRgb<UyvySource, BgraPixels>(dst, src, plain::UyvyToBgra);
+}
+void PIXMORPH_SIMD::Yuy2ToBgr(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    Convert422ToRgb<Yuy2Source, BgrPixels>(dst, src, plain::Yuy2ToBgr);
+}
+void PIXMORPH_SIMD::Yuy2ToBgra(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    Convert422ToRgb<Yuy2Source, BgraPixels>(dst, src, plain::Yuy2ToBgra);
+}
+void PIXMORPH_SIMD::YvyuToBgr(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    Convert422ToRgb<YvyuSource, BgrPixels>(dst, src, plain::YvyuToBgr);
+}
+void PIXMORPH_SIMD::YvyuToBgra(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    Convert422ToRgb<YvyuSource, BgraPixels>(dst, src, plain::YvyuToBgra);
+}
+void PIXMORPH_SIMD::Y16ToBgr(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    Convert422ToRgb<Y16Source, BgrPixels>(dst, src, plain::Y16ToBgr);
+}
+void PIXMORPH_SIMD::Y16ToBgra(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    Convert422ToRgb<Y16Source, BgraPixels>(dst, src, plain::Y16ToBgra);
+}
+void PIXMORPH_SIMD::Y16AToBgr(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    Convert422ToRgb<Y16ASource, BgrPixels>(dst, src, plain::Y16AToBgr);
+}
+void PIXMORPH_SIMD::Y16AToBgra(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    Convert422ToRgb<Y16ASource, BgraPixels>(dst, src, plain::Y16AToBgra);
+}
+void PIXMORPH_SIMD::Y422ToBgr(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    Convert422ToRgb<PlanarSource, BgrPixels>(dst, src, plain::Y422ToBgr);
+}
+void PIXMORPH_SIMD::Y422ToBgra(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    Convert422ToRgb<PlanarSource, BgraPixels>(dst, src, plain::Y422ToBgra);
+}
+void PIXMORPH_SIMD::Y32ToBgr(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    Convert422ToRgb<Y32Source, BgrPixels>(dst, src, plain::Y32ToBgr);
+}
+void PIXMORPH_SIMD::Y32ToBgra(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    Convert422ToRgb<Y32Source, BgraPixels>(dst, src, plain::Y32ToBgra);
+}
+void PIXMORPH_SIMD::Y32AToBgr(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    Convert422ToRgb<Y32ASource, BgrPixels>(dst, src, plain::Y32AToBgr);
+}
+void PIXMORPH_SIMD::Y32AToBgra(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    Convert422ToRgb<Y32ASource, BgraPixels>(dst, src, plain::Y32AToBgra);
+}
+void PIXMORPH_SIMD::Y32ABToBgr(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    Convert422ToRgb<Y32ABSource, BgrPixels>(dst, src, plain::Y32ABToBgr);
+}
+void PIXMORPH_SIMD::Y32ABToBgra(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    Convert422ToRgb<Y32ABSource, BgraPixels>(dst, src, plain::Y32ABToBgra);
+}
+void PIXMORPH_SIMD::P216ToBgr(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    Convert422ToRgb<SemiPlanarWordSource, BgrPixels>(dst, src, plain::P216ToBgr);
+}
+void PIXMORPH_SIMD::P216ToBgra(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    Convert422ToRgb<SemiPlanarWordSource, BgraPixels>(dst, src, plain::P216ToBgra);
+}
 
-PIXMORPH_422_TO_RGB(PIXMORPH_422_TO_RGB_FORM)
-PIXMORPH_420_TO_RGB(PIXMORPH_420_TO_RGB_FORM)
+void PIXMORPH_SIMD::I420ToBgr(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    Convert420ToRgb<PlanarSource, BgrPixels>(dst, src, plain::I420ToBgr);
+}
+void PIXMORPH_SIMD::I420ToBgra(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    Convert420ToRgb<PlanarSource, BgraPixels>(dst, src, plain::I420ToBgra);
+}
+void PIXMORPH_SIMD::Nv12ToBgr(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    Convert420ToRgb<SemiPlanarSource, BgrPixels>(dst, src, plain::Nv12ToBgr);
+}
+void PIXMORPH_SIMD::Nv12ToBgra(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    Convert420ToRgb<SemiPlanarSource, BgraPixels>(dst, src, plain::Nv12ToBgra);
+}
+void PIXMORPH_SIMD::S420ToBgr(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    Convert420ToRgb<PlanarWordSource, BgrPixels>(dst, src, plain::S420ToBgr);
+}
+void PIXMORPH_SIMD::S420ToBgra(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    Convert420ToRgb<PlanarWordSource, BgraPixels>(dst, src, plain::S420ToBgra);
+}
+void PIXMORPH_SIMD::P016ToBgr(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    Convert420ToRgb<SemiPlanarWordSource, BgrPixels>(dst, src, plain::P016ToBgr);
+}
+void PIXMORPH_SIMD::P016ToBgra(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    Convert420ToRgb<SemiPlanarWordSource, BgraPixels>(dst, src, plain::P016ToBgra);
+}
 
 }  // namespace KorvaneSoftware

@@ -1,21 +1,22 @@
 // Weighted means over registers of any width. The result is bits 8 to 15 of a sum, so words that wrap give it for every
 // weight: over * w + 128 + base * (256 - w) = 256 * base + ((over - base) * w + 128).
-#include "deinterlace/x86/blend_lines_x86.h"
+#include "deinterlace/x86/blend_lines_forms.h"
 
 namespace KorvaneSoftware {
 namespace PIXMORPH_SIMD {
+namespace {
 
-static inline Vec WeightedStep(Vec over, Vec base, Vec weight) {
+inline Vec WeightedStep(Vec over, Vec base, Vec weight) {
     return ShiftRight16u<8>(Add16(MulLow16(Sub16(over, base), weight), Set16(128)));
 }
 
-static inline Vec Weighted(Vec over, Vec base, Vec weight) {
+inline Vec Weighted(Vec over, Vec base, Vec weight) {
     const Vec low = WeightedStep(UnpackLow8(over, Zero()), UnpackLow8(base, Zero()), weight);
     const Vec high = WeightedStep(UnpackHigh8(over, Zero()), UnpackHigh8(base, Zero()), weight);
     return Add8(base, Pack16To8u(low, high));
 }
 
-static inline std::uint8_t WeightedByte(std::uint32_t over, std::uint32_t base, std::uint32_t weight) {
+inline std::uint8_t WeightedByte(std::uint32_t over, std::uint32_t base, std::uint32_t weight) {
     return static_cast<std::uint8_t>((over * weight + 128 + base * (256 - weight)) >> 8);
 }
 
@@ -45,7 +46,7 @@ struct InterpolateBytes {
 // The last register overlaps the one before it. It is made first and stored last, so that a destination that is one of
 // the sources gives the same bytes.
 template <class Source>
-static inline void BlendLine(std::uint8_t* dst, const Source& source, std::size_t count) {
+inline void BlendLine(std::uint8_t* dst, const Source& source, std::size_t count) {
     if (count < kVecBytes) {
         for (std::size_t i = 0; i < count; ++i) dst[i] = source.ByteAt(i);
         return;
@@ -56,15 +57,16 @@ static inline void BlendLine(std::uint8_t* dst, const Source& source, std::size_
     Store(dst + count - kVecBytes, last);
 }
 
+}  // namespace
 }  // namespace PIXMORPH_SIMD
 
-void PIXMORPH_SIMD_NAME(InterpolateLine)(std::uint8_t* dst, const std::uint8_t* field, const std::uint8_t* above,
-                                         const std::uint8_t* below, std::size_t count, std::uint32_t weight) {
-    PIXMORPH_SIMD::BlendLine(dst, PIXMORPH_SIMD::InterpolateBytes{field, above, below, weight}, count);
+void PIXMORPH_SIMD::InterpolateLine(std::uint8_t* dst, const std::uint8_t* field, const std::uint8_t* above,
+                                    const std::uint8_t* below, std::size_t count, std::uint32_t weight) {
+    BlendLine(dst, InterpolateBytes{field, above, below, weight}, count);
 }
-void PIXMORPH_SIMD_NAME(CombineLine)(std::uint8_t* dst, const std::uint8_t* forward, const std::uint8_t* backward,
-                                     std::size_t count, std::uint32_t weight) {
-    PIXMORPH_SIMD::BlendLine(dst, PIXMORPH_SIMD::CombineBytes{forward, backward, weight}, count);
+void PIXMORPH_SIMD::CombineLine(std::uint8_t* dst, const std::uint8_t* forward, const std::uint8_t* backward,
+                                std::size_t count, std::uint32_t weight) {
+    BlendLine(dst, CombineBytes{forward, backward, weight}, count);
 }
 
 }  // namespace KorvaneSoftware

@@ -1,9 +1,10 @@
 // Field restoration over registers of any width. Each 128-bit lane holds one group, in words: the eight even pixels,
 // the eight odd ones, and the eight samples of each chroma, which lie beside the pixels that they belong to.
-#include "deinterlace/x86/field_restoration_x86.h"
+#include "deinterlace/x86/field_restoration_forms.h"
 
 namespace KorvaneSoftware {
 namespace PIXMORPH_SIMD {
+namespace {
 
 constexpr std::size_t kOutBytes = 4 * kGroupPixels;
 
@@ -11,7 +12,7 @@ struct GroupWords {
     Vec even;
     Vec odd;
 };
-static inline GroupWords PixelWords(const std::uint8_t* p, std::size_t groupBytes) {
+inline GroupWords PixelWords(const std::uint8_t* p, std::size_t groupBytes) {
     const Vec bytes = LoadLanes(p, groupBytes);
     return {And(bytes, Set16(0x00FF)), ShiftRight16u<8>(bytes)};
 }
@@ -20,7 +21,7 @@ struct ChromaWords {
     Vec u;
     Vec v;
 };
-static inline ChromaWords LoadChroma(const std::uint8_t* p, std::size_t groupBytes) {
+inline ChromaWords LoadChroma(const std::uint8_t* p, std::size_t groupBytes) {
     const Vec bytes = LoadLanes(p, groupBytes);
     return {UnpackLow8(bytes, Zero()), UnpackHigh8(bytes, Zero())};
 }
@@ -29,7 +30,7 @@ static inline ChromaWords LoadChroma(const std::uint8_t* p, std::size_t groupByt
 struct PixelHalf {
     Vec b, g, r, a;
 };
-static inline void StorePixels(std::uint8_t* dst, const PixelHalf& even, const PixelHalf& odd) {
+inline void StorePixels(std::uint8_t* dst, const PixelHalf& even, const PixelHalf& odd) {
     const Vec bgEven = Pack16To8u(even.b, even.g);
     const Vec raEven = Pack16To8u(even.r, even.a);
     const Vec bgOdd = Pack16To8u(odd.b, odd.g);
@@ -57,7 +58,7 @@ struct WeightRamp {
     Vec rangeLess1;
     Vec reciprocal;  // 65536 / range, rounded down.
 };
-static inline WeightRamp RampOf(const MotionThresholds& t) {
+inline WeightRamp RampOf(const MotionThresholds& t) {
     const std::uint32_t minimum = t.minimum < 0xFFFF ? t.minimum : 0xFFFF;
     const std::uint32_t ceiling = t.maximum < 256 ? t.maximum : 256;
     const std::uint32_t belowFull = ceiling > minimum + 1 ? ceiling - 1 : minimum;
@@ -69,7 +70,7 @@ static inline WeightRamp RampOf(const MotionThresholds& t) {
 }
 
 // The weight of each motion. `full` is not 0 where the weight is 255 at any motion.
-static inline Vec WeightsOf(Vec motion, const WeightRamp& ramp, Vec full) {
+inline Vec WeightsOf(Vec motion, const WeightRamp& ramp, Vec full) {
     const Vec above = SubSat16u(motion, ramp.minimum);
     const Vec dividend = Sub16(ShiftLeft16<8>(above), above);  // At most 255 * 255 where the ramp decides.
     // With the reciprocal rounded down the quotient is right or one too small; then the remainder reaches the range.
@@ -86,7 +87,7 @@ struct WeightPair {
     Vec present;
     Vec temporal;
 };
-static inline WeightPair PairOf(Vec weight) {
+inline WeightPair PairOf(Vec weight) {
     const Vec high = ShiftLeft16<8>(weight);
     return {high, Sub16(Set16(0xFF00), high)};
 }
@@ -94,20 +95,20 @@ static inline WeightPair PairOf(Vec weight) {
 // ((above + below) * w >> 1) + ((previous + next) * (255 - w) >> 1), divided by 255. Sums are at most 510 and products
 // have 17 bits: as high words of (sum << 7) * (w << 8) they come out halved. The dividend is at most 65025, for which
 // 0x8081 / 2^23 is an exact reciprocal of 255.
-static inline Vec Mix(const WeightPair& w, Vec above, Vec below, Vec previous, Vec next) {
+inline Vec Mix(const WeightPair& w, Vec above, Vec below, Vec previous, Vec next) {
     const Vec present = MulHigh16u(ShiftLeft16<7>(Add16(above, below)), w.present);
     const Vec temporal = MulHigh16u(ShiftLeft16<7>(Add16(previous, next)), w.temporal);
     return ShiftRight16u<7>(MulHigh16u(Add16(present, temporal), Set16(0x8081)));
 }
 
-static inline Vec AbsDiffWords(Vec a, Vec b) { return Abs16(Sub16(a, b)); }
+inline Vec AbsDiffWords(Vec a, Vec b) { return Abs16(Sub16(a, b)); }
 
 // Sums of pairs of words times pairs of coefficients, less their low 16 bits.
-static inline Vec HighOfPairs(Vec lowPairs, Vec highPairs, Vec coefficients, Vec lowAdded, Vec highAdded) {
+inline Vec HighOfPairs(Vec lowPairs, Vec highPairs, Vec coefficients, Vec lowAdded, Vec highAdded) {
     return Pack32To16s(ShiftRight32s<16>(Add32(MulAddPairs16(lowPairs, coefficients), lowAdded)),
                        ShiftRight32s<16>(Add32(MulAddPairs16(highPairs, coefficients), highAdded)));
 }
-static inline Vec Coefficients(int first, int second) {
+inline Vec Coefficients(int first, int second) {
     return Set32(
         static_cast<int>((static_cast<std::uint32_t>(second) << 16) | (static_cast<std::uint32_t>(first) & 0xFFFF)));
 }
@@ -115,7 +116,7 @@ static inline Vec Coefficients(int first, int second) {
 // The coefficients in 1/65536 exceed 16 bits; what lies above is added in whole samples:
 //   76284 = 65536 + 10748, 132252 = 2 * 65536 + 1180, 53281 = 65536 - 12255, 104595 = 2 * 65536 - 26477,
 //   -18116032 = -277 * 65536 + 37440, 8920512 = 136 * 65536 + 7616, -14575936 = -223 * 65536 + 38592.
-static inline PixelHalf ToBgr(Vec y, const ChromaWords& chroma, Vec alpha) {
+inline PixelHalf ToBgr(Vec y, const ChromaWords& chroma, Vec alpha) {
     const Vec u = chroma.u;
     const Vec v = chroma.v;
     const Vec yuLow = UnpackLow16(y, u);
@@ -133,8 +134,8 @@ static inline PixelHalf ToBgr(Vec y, const ChromaWords& chroma, Vec alpha) {
 }
 
 template <bool HasAlpha>
-static inline void RestoreGroups(std::uint8_t* dst, const RestorationLines& lines, std::size_t offset,
-                                 const WeightRamp& ramp) {
+inline void RestoreGroups(std::uint8_t* dst, const RestorationLines& lines, std::size_t offset,
+                          const WeightRamp& ramp) {
     constexpr std::size_t kBytes = HasAlpha ? kY16AGroupBytes : kY16GroupBytes;
     constexpr std::size_t kChroma = kBytes - 16;
     const GroupWords py = PixelWords(lines.previous + offset, kBytes);
@@ -173,10 +174,11 @@ static inline void RestoreGroups(std::uint8_t* dst, const RestorationLines& line
 }
 
 template <bool HasAlpha>
-static void RestoreLine(std::uint8_t* dst, const RestorationLines& lines, std::size_t groups,
-                        const MotionThresholds& thresholds) {
+void RestoreLine(std::uint8_t* dst, const RestorationLines& lines, std::size_t groups,
+                 const MotionThresholds& thresholds, RestoreLineSignature* shortLine) {
     constexpr std::size_t kBytes = HasAlpha ? kY16AGroupBytes : kY16GroupBytes;
     constexpr std::size_t kLanes = static_cast<std::size_t>(kVecLanes);
+    if (groups < kLanes) return shortLine(dst, lines, groups, thresholds);
     const WeightRamp ramp = RampOf(thresholds);
     std::size_t group = 0;
     for (; group + kLanes <= groups; group += kLanes)
@@ -191,19 +193,19 @@ static void RestoreLine(std::uint8_t* dst, const RestorationLines& lines, std::s
 struct Doubles {
     VecDouble part[4];
 };
-static inline Doubles ToDoubles(Vec words) {
+inline Doubles ToDoubles(Vec words) {
     // Each word in the high half of its double word, shifted down with its sign.
     const Vec low = ShiftRight32s<16>(UnpackLow16(Zero(), words));
     const Vec high = ShiftRight32s<16>(UnpackHigh16(Zero(), words));
     return {{LowToDouble(low), HighToDouble(low), LowToDouble(high), HighToDouble(high)}};
 }
-static inline Vec ToWords(const Doubles& d) {
+inline Vec ToWords(const Doubles& d) {
     return Pack32To16s(TruncateDoubles(d.part[0], d.part[1]), TruncateDoubles(d.part[2], d.part[3]));
 }
 
 // `luma` less 16, chroma doubled and less 256: halves of samples are whole numbers then. Halving a factor is exact, so
 // the products are those of the definition. Truncation before the limits gives the same bytes as behind them.
-static inline PixelHalf PresentHalf(Vec luma, Vec doubledU, Vec doubledV, Vec alpha) {
+inline PixelHalf PresentHalf(Vec luma, Vec doubledU, Vec doubledV, Vec alpha) {
     const Doubles y = ToDoubles(luma);
     const Doubles u = ToDoubles(doubledU);
     const Doubles v = ToDoubles(doubledV);
@@ -222,7 +224,7 @@ static inline PixelHalf PresentHalf(Vec luma, Vec doubledU, Vec doubledV, Vec al
 
 // The groups from `src` on; one more group behind them is read for the chroma between groups.
 template <bool HasAlpha>
-static inline void PresentGroups(std::uint8_t* dst, const std::uint8_t* src) {
+inline void PresentGroups(std::uint8_t* dst, const std::uint8_t* src) {
     constexpr std::size_t kBytes = HasAlpha ? kY16AGroupBytes : kY16GroupBytes;
     constexpr std::size_t kChroma = kBytes - 16;
     const GroupWords y = PixelWords(src, kBytes);
@@ -242,9 +244,10 @@ static inline void PresentGroups(std::uint8_t* dst, const std::uint8_t* src) {
 }
 
 template <bool HasAlpha>
-static void PresentLine(std::uint8_t* dst, const std::uint8_t* src, std::size_t groups) {
+void PresentLine(std::uint8_t* dst, const std::uint8_t* src, std::size_t groups, PresentLineSignature* shortLine) {
     constexpr std::size_t kBytes = HasAlpha ? kY16AGroupBytes : kY16GroupBytes;
     constexpr std::size_t kLanes = static_cast<std::size_t>(kVecLanes);
+    if (groups < kLanes) return shortLine(dst, src, groups);
     for (std::size_t group = 0; group + kLanes < groups; group += kLanes)
         PresentGroups<HasAlpha>(dst + group * kOutBytes, src + group * kBytes);
     // The last groups pass through a copy in which one more group repeats the last chroma samples: a sample and itself
@@ -258,33 +261,22 @@ static void PresentLine(std::uint8_t* dst, const std::uint8_t* src, std::size_t 
     PresentGroups<HasAlpha>(dst + (groups - kLanes) * kOutBytes, last);
 }
 
+}  // namespace
 }  // namespace PIXMORPH_SIMD
 
-void PIXMORPH_SIMD_NAME(RestoreLineY16)(std::uint8_t* dst, const RestorationLines& lines, std::size_t groups,
-                                        const MotionThresholds& thresholds) {
-    if (groups < static_cast<std::size_t>(PIXMORPH_SIMD::kVecLanes))
-        RestoreLineY16_Plain(dst, lines, groups, thresholds);
-    else
-        PIXMORPH_SIMD::RestoreLine<false>(dst, lines, groups, thresholds);
+void PIXMORPH_SIMD::RestoreLineY16(std::uint8_t* dst, const RestorationLines& lines, std::size_t groups,
+                                   const MotionThresholds& thresholds) {
+    RestoreLine<false>(dst, lines, groups, thresholds, plain::RestoreLineY16);
 }
-void PIXMORPH_SIMD_NAME(RestoreLineY16A)(std::uint8_t* dst, const RestorationLines& lines, std::size_t groups,
-                                         const MotionThresholds& thresholds) {
-    if (groups < static_cast<std::size_t>(PIXMORPH_SIMD::kVecLanes))
-        RestoreLineY16A_Plain(dst, lines, groups, thresholds);
-    else
-        PIXMORPH_SIMD::RestoreLine<true>(dst, lines, groups, thresholds);
+void PIXMORPH_SIMD::RestoreLineY16A(std::uint8_t* dst, const RestorationLines& lines, std::size_t groups,
+                                    const MotionThresholds& thresholds) {
+    RestoreLine<true>(dst, lines, groups, thresholds, plain::RestoreLineY16A);
 }
-void PIXMORPH_SIMD_NAME(PresentLineY16)(std::uint8_t* dst, const std::uint8_t* src, std::size_t groups) {
-    if (groups < static_cast<std::size_t>(PIXMORPH_SIMD::kVecLanes))
-        PresentLineY16_Plain(dst, src, groups);
-    else
-        PIXMORPH_SIMD::PresentLine<false>(dst, src, groups);
+void PIXMORPH_SIMD::PresentLineY16(std::uint8_t* dst, const std::uint8_t* src, std::size_t groups) {
+    PresentLine<false>(dst, src, groups, plain::PresentLineY16);
 }
-void PIXMORPH_SIMD_NAME(PresentLineY16A)(std::uint8_t* dst, const std::uint8_t* src, std::size_t groups) {
-    if (groups < static_cast<std::size_t>(PIXMORPH_SIMD::kVecLanes))
-        PresentLineY16A_Plain(dst, src, groups);
-    else
-        PIXMORPH_SIMD::PresentLine<true>(dst, src, groups);
+void PIXMORPH_SIMD::PresentLineY16A(std::uint8_t* dst, const std::uint8_t* src, std::size_t groups) {
+    PresentLine<true>(dst, src, groups, plain::PresentLineY16A);
 }
 
 }  // namespace KorvaneSoftware

@@ -1,9 +1,11 @@
 // The line filter over registers of any width. All of it fits unsigned bytes, the bound included, once the signed terms
 // are split into their positive parts: only the scores, sums of three distances, need 16 bits.
-#include "deinterlace/x86/line_filter_x86.h"
+#include "deinterlace/x86/line_filter_forms.h"
+#include "foundation/simd/walk_line.inc.h"
 
 namespace KorvaneSoftware {
 namespace PIXMORPH_SIMD {
+namespace {
 
 // Neighbours in a plane, `J` samples to the right.
 struct PlaneTaps {
@@ -32,32 +34,32 @@ struct Words {
     Vec high;
 };
 
-static inline Words SumOfThree(Vec a, Vec b, Vec c) {
+inline Words SumOfThree(Vec a, Vec b, Vec c) {
     const Vec ones = Set8(1);
     return {Add16(MulAddPairs8(UnpackLow8(a, b), ones), UnpackLow8(c, Zero())),
             Add16(MulAddPairs8(UnpackHigh8(a, b), ones), UnpackHigh8(c, Zero()))};
 }
-static inline Words Minus(Words a, Words b) { return {Sub16(a.low, b.low), Sub16(a.high, b.high)}; }
-static inline Words Lesser(Words a, Words b) { return {Min16s(a.low, b.low), Min16s(a.high, b.high)}; }
+inline Words Minus(Words a, Words b) { return {Sub16(a.low, b.low), Sub16(a.high, b.high)}; }
+inline Words Lesser(Words a, Words b) { return {Min16s(a.low, b.low), Min16s(a.high, b.high)}; }
 // Bytes whose top bit is the sign of each word.
-static inline Vec Signs(Words a) { return Pack16To8s(a.low, a.high); }
+inline Vec Signs(Words a) { return Pack16To8s(a.low, a.high); }
 // `a` where `sign` is negative, more than any score elsewhere.
-static inline Vec OnlyWhereNegative(Vec a, Vec sign) { return Or(a, AndNot(ShiftRight16s<15>(sign), Set16(0x4000))); }
+inline Vec OnlyWhereNegative(Vec a, Vec sign) { return Or(a, AndNot(ShiftRight16s<15>(sign), Set16(0x4000))); }
 
 // Score of direction `J` from the lines above and below, which are given from three samples to the left on.
 template <int J>
-static inline Words Score(const Vec* above, const Vec* below) {
+inline Words Score(const Vec* above, const Vec* below) {
     const Vec* const a = above + 3 + J;
     const Vec* const b = below + 3 - J;
     return SumOfThree(AbsDiff8u(a[-1], b[-1]), AbsDiff8u(a[0], b[0]), AbsDiff8u(a[1], b[1]));
 }
 template <int J>
-static inline Vec MeanAlong(const Vec* above, const Vec* below) {
+inline Vec MeanAlong(const Vec* above, const Vec* below) {
     return Avg8(above[3 + J], below[3 - J]);
 }
 
 template <class Taps>
-static inline Vec SpatialEstimate(const std::uint8_t* above, const std::uint8_t* below) {
+inline Vec SpatialEstimate(const std::uint8_t* above, const std::uint8_t* below) {
     const Vec a[7] = {
         Taps::template At<-3>(above), Taps::template At<-2>(above), Taps::template At<-1>(above), Load(above),
         Taps::template At<1>(above),  Taps::template At<2>(above),  Taps::template At<3>(above)};
@@ -80,11 +82,11 @@ static inline Vec SpatialEstimate(const std::uint8_t* above, const std::uint8_t*
     return Blend8(estimate, rightMean, rightSigns);
 }
 
-static inline Vec Load2Avg(const std::uint8_t* p, const std::uint8_t* q) { return Avg8(Load(p), Load(q)); }
+inline Vec Load2Avg(const std::uint8_t* p, const std::uint8_t* q) { return Avg8(Load(p), Load(q)); }
 
 // The register of samples at byte `x` of the line.
 template <class Taps, bool SpatialCheck>
-static inline Vec FilterAt(const FilterSources& s, std::size_t x) {
+inline Vec FilterAt(const FilterSources& s, std::size_t x) {
     const std::uint8_t* const above = s.current + x - s.stride;
     const std::uint8_t* const below = s.current + x + s.stride;
     const Vec c = Load(above);
@@ -113,22 +115,20 @@ static inline Vec FilterAt(const FilterSources& s, std::size_t x) {
 
 // Bytes `first` to `last` (not included), at least one register of them.
 template <class Taps, bool SpatialCheck>
-static void FilterRun(std::uint8_t* dst, const FilterSources& sources, std::size_t first, std::size_t last) {
-    std::size_t x = first;
-    for (; x + kVecBytes <= last; x += kVecBytes) Store(dst + x, FilterAt<Taps, SpatialCheck>(sources, x));
-    if (x < last) Store(dst + last - kVecBytes, FilterAt<Taps, SpatialCheck>(sources, last - kVecBytes));
+void FilterRun(std::uint8_t* dst, const FilterSources& sources, std::size_t first, std::size_t last) {
+    WalkLine<kVecBytes>(first, last, [&](std::size_t x) { Store(dst + x, FilterAt<Taps, SpatialCheck>(sources, x)); });
 }
 
 template <class Taps>
-static void FilterRun(std::uint8_t* dst, const FilterSources& sources, std::size_t first, std::size_t last,
-                      bool spatialCheck) {
+void FilterRun(std::uint8_t* dst, const FilterSources& sources, std::size_t first, std::size_t last,
+               bool spatialCheck) {
     if (spatialCheck)
         FilterRun<Taps, true>(dst, sources, first, last);
     else
         FilterRun<Taps, false>(dst, sources, first, last);
 }
 
-static void FilterPlane(std::uint8_t* dst, const FilterSources& sources, std::size_t width, bool spatialCheck) {
+void FilterPlane(std::uint8_t* dst, const FilterSources& sources, std::size_t width, bool spatialCheck) {
     if (width < kVecBytes + 2 * kFilterEdge) {
         FilterSamples(dst, sources, 1, width, 0, width, spatialCheck);
         return;
@@ -138,13 +138,13 @@ static void FilterPlane(std::uint8_t* dst, const FilterSources& sources, std::si
     FilterSamples(dst, sources, 1, width, width - kFilterEdge, width, spatialCheck);
 }
 
-static inline FilterSources Advanced(const FilterSources& s, std::size_t bytes) {
+inline FilterSources Advanced(const FilterSources& s, std::size_t bytes) {
     return {s.current + bytes, s.previous + bytes, s.next + bytes, s.earlier + bytes, s.later + bytes, s.stride};
 }
 
 template <class Taps>
-static void FilterPacked(std::uint8_t* dst, const FilterSources& sources, std::size_t width, bool spatialCheck,
-                         std::size_t lumaByte) {
+void FilterPacked(std::uint8_t* dst, const FilterSources& sources, std::size_t width, bool spatialCheck,
+                  std::size_t lumaByte) {
     // Registers serve the bytes at which both luma and chroma have all their neighbours.
     const std::size_t pairs = width / 2;
     const std::size_t first = 4 * kFilterEdge;
@@ -164,19 +164,20 @@ static void FilterPacked(std::uint8_t* dst, const FilterSources& sources, std::s
     }
 }
 
+}  // namespace
 }  // namespace PIXMORPH_SIMD
 
-void PIXMORPH_SIMD_NAME(FilterPlaneLine)(std::uint8_t* dst, const FilterSources& sources, std::size_t width,
-                                         bool spatialCheck) {
-    PIXMORPH_SIMD::FilterPlane(dst, sources, width, spatialCheck);
+void PIXMORPH_SIMD::FilterPlaneLine(std::uint8_t* dst, const FilterSources& sources, std::size_t width,
+                                    bool spatialCheck) {
+    FilterPlane(dst, sources, width, spatialCheck);
 }
-void PIXMORPH_SIMD_NAME(FilterUyvyLine)(std::uint8_t* dst, const FilterSources& sources, std::size_t width,
-                                        bool spatialCheck) {
-    PIXMORPH_SIMD::FilterPacked<PIXMORPH_SIMD::UyvyTaps>(dst, sources, width, spatialCheck, 1);
+void PIXMORPH_SIMD::FilterUyvyLine(std::uint8_t* dst, const FilterSources& sources, std::size_t width,
+                                   bool spatialCheck) {
+    FilterPacked<UyvyTaps>(dst, sources, width, spatialCheck, 1);
 }
-void PIXMORPH_SIMD_NAME(FilterYuy2Line)(std::uint8_t* dst, const FilterSources& sources, std::size_t width,
-                                        bool spatialCheck) {
-    PIXMORPH_SIMD::FilterPacked<PIXMORPH_SIMD::Yuy2Taps>(dst, sources, width, spatialCheck, 0);
+void PIXMORPH_SIMD::FilterYuy2Line(std::uint8_t* dst, const FilterSources& sources, std::size_t width,
+                                   bool spatialCheck) {
+    FilterPacked<Yuy2Taps>(dst, sources, width, spatialCheck, 0);
 }
 
 }  // namespace KorvaneSoftware

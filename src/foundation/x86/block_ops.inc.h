@@ -1,18 +1,19 @@
 // Block copies and fills over registers of any width.
-#include "foundation/sync.h"
-#include "foundation/x86/block_ops_x86.h"
+#include "foundation/store_policy.h"
+#include "foundation/x86/block_ops_forms.h"
 
 namespace KorvaneSoftware {
 namespace PIXMORPH_SIMD {
+namespace {
 
 // Below this a block is not worth aligning for non-temporal stores.
 constexpr std::size_t kSmallestStream = 8 * kVecBytes;
 
-static inline std::size_t BytesToAlignment(const void* p) {
+inline std::size_t BytesToAlignment(const void* p) {
     return (kVecBytes - (reinterpret_cast<std::uintptr_t>(p) & (kVecBytes - 1))) & (kVecBytes - 1);
 }
 
-static void CopyBytes(std::uint8_t* dst, const std::uint8_t* src, std::size_t count) {
+void CopyBytes(std::uint8_t* dst, const std::uint8_t* src, std::size_t count) {
     if (count < kVecBytes) {
         for (std::size_t i = 0; i < count; ++i) dst[i] = src[i];
         return;
@@ -22,7 +23,7 @@ static void CopyBytes(std::uint8_t* dst, const std::uint8_t* src, std::size_t co
     if (i < count) Store(dst + count - kVecBytes, Load(src + count - kVecBytes));
 }
 
-static void CopyStreamed(std::uint8_t* dst, const std::uint8_t* src, std::size_t count) {
+void CopyStreamed(std::uint8_t* dst, const std::uint8_t* src, std::size_t count) {
     if (count < kSmallestStream) {
         CopyBytes(dst, src, count);
         return;
@@ -44,7 +45,7 @@ static void CopyStreamed(std::uint8_t* dst, const std::uint8_t* src, std::size_t
 }
 
 // Fills `bytes` bytes with a pattern of kVecBytes whose phase starts at `dst`; `pattern` repeats every 4 bytes.
-static void FillPattern(std::uint8_t* dst, std::size_t bytes, std::uint32_t pattern) {
+void FillPattern(std::uint8_t* dst, std::size_t bytes, std::uint32_t pattern) {
     const Vec value = Set32(static_cast<int>(pattern));
     if (bytes < kVecBytes) {
         for (std::size_t i = 0; i < bytes; ++i) dst[i] = static_cast<std::uint8_t>(pattern >> (8 * (i & 3)));
@@ -55,13 +56,8 @@ static void FillPattern(std::uint8_t* dst, std::size_t bytes, std::uint32_t patt
     for (; i < bytes; ++i) dst[i] = static_cast<std::uint8_t>(pattern >> (8 * (i & 3)));
 }
 
-// The last part of a streamed fill goes through the cache. Bypassing it for all of a frame is twice as fast as the
-// standard library's fill when the frame is cold, but slower when the same frame is filled again and again; with five
-// eighths of the level-2 cache stored ordinarily it is at least as fast in both (see bench, FillBytesStreaming).
-static inline std::size_t CachedTail() { return GetCacheSize() / 8 * 5; }
-
-static void FillPatternStreamed(std::uint8_t* dst, std::size_t bytes, std::uint32_t pattern) {
-    const std::size_t tail = CachedTail();
+void FillPatternStreamed(std::uint8_t* dst, std::size_t bytes, std::uint32_t pattern) {
+    const std::size_t tail = CachedFillTail();
     if (bytes < kSmallestStream + tail) {
         FillPattern(dst, bytes, pattern);
         return;
@@ -78,22 +74,23 @@ static void FillPatternStreamed(std::uint8_t* dst, std::size_t bytes, std::uint3
     FillPattern(dst + i, bytes - i, rotated);
 }
 
-static inline std::uint32_t Repeat(std::uint8_t value) { return value * 0x01010101u; }
-static inline std::uint32_t Repeat(std::uint16_t value) { return value * 0x00010001u; }
-static inline std::uint32_t Repeat(std::uint32_t value) { return value; }
+inline std::uint32_t Repeat(std::uint8_t value) { return value * 0x01010101u; }
+inline std::uint32_t Repeat(std::uint16_t value) { return value * 0x00010001u; }
+inline std::uint32_t Repeat(std::uint32_t value) { return value; }
 
+}  // namespace
 }  // namespace PIXMORPH_SIMD
 
-void PIXMORPH_SIMD_NAME(CopyStreaming)(std::uint8_t* dst, const std::uint8_t* src, std::size_t count) {
-    PIXMORPH_SIMD::CopyStreamed(dst, src, count);
+void PIXMORPH_SIMD::CopyStreaming(std::uint8_t* dst, const std::uint8_t* src, std::size_t count) {
+    CopyStreamed(dst, src, count);
 }
-void PIXMORPH_SIMD_NAME(FillBytesStreaming)(std::uint8_t* dst, std::size_t count, std::uint8_t value) {
-    PIXMORPH_SIMD::FillPatternStreamed(dst, count, PIXMORPH_SIMD::Repeat(value));
+void PIXMORPH_SIMD::FillBytesStreaming(std::uint8_t* dst, std::size_t count, std::uint8_t value) {
+    FillPatternStreamed(dst, count, Repeat(value));
 }
-void PIXMORPH_SIMD_NAME(FillWordsStreaming)(std::uint16_t* dst, std::size_t count, std::uint16_t value) {
-    PIXMORPH_SIMD::FillPatternStreamed(reinterpret_cast<std::uint8_t*>(dst), count * 2, PIXMORPH_SIMD::Repeat(value));
+void PIXMORPH_SIMD::FillWordsStreaming(std::uint16_t* dst, std::size_t count, std::uint16_t value) {
+    FillPatternStreamed(reinterpret_cast<std::uint8_t*>(dst), count * 2, Repeat(value));
 }
-void PIXMORPH_SIMD_NAME(FillDwordsStreaming)(std::uint32_t* dst, std::size_t count, std::uint32_t value) {
-    PIXMORPH_SIMD::FillPatternStreamed(reinterpret_cast<std::uint8_t*>(dst), count * 4, PIXMORPH_SIMD::Repeat(value));
+void PIXMORPH_SIMD::FillDwordsStreaming(std::uint32_t* dst, std::size_t count, std::uint32_t value) {
+    FillPatternStreamed(reinterpret_cast<std::uint8_t*>(dst), count * 4, Repeat(value));
 }
 }  // namespace KorvaneSoftware

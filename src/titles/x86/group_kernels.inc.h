@@ -3,10 +3,11 @@
 // its stores, and records are shorter than their pixels, so that both may start at the same address.
 #include <cstring>
 
-#include "titles/x86/group_kernels_x86.h"
+#include "titles/x86/group_kernels_forms.h"
 
 namespace KorvaneSoftware {
 namespace PIXMORPH_SIMD {
+namespace {
 
 constexpr std::size_t kBgraBytes = 64;
 constexpr std::size_t kY16ABytes = 48;
@@ -14,13 +15,13 @@ constexpr std::size_t kRecord = 48;
 
 // A group is visible when any of its alphas has a bit above the lowest.
 
-static inline bool BgraVisible(const std::uint8_t* group) {
+inline bool BgraVisible(const std::uint8_t* group) {
     Vec any = Load(group);
     for (std::size_t i = kVecBytes; i < kBgraBytes; i += kVecBytes) any = Or(any, Load(group + i));
     return !AllZero(And(any, Set32(static_cast<int>(0xFE000000u))));
 }
 
-static std::size_t BgraRun(const std::uint8_t* src, std::size_t count, bool visible) {
+std::size_t BgraRun(const std::uint8_t* src, std::size_t count, bool visible) {
     std::size_t group = 0;
     if (!visible) {
         // Clear runs are long: four groups at a time.
@@ -37,13 +38,13 @@ static std::size_t BgraRun(const std::uint8_t* src, std::size_t count, bool visi
     return group;
 }
 
-static inline bool Y16AVisible(const std::uint8_t* group) {
+inline bool Y16AVisible(const std::uint8_t* group) {
     std::uint64_t alpha[2];
     std::memcpy(alpha, group + 16, sizeof(alpha));
     return ((alpha[0] | alpha[1]) & 0xFEFEFEFEFEFEFEFE) != 0;
 }
 
-static std::size_t Y16ARun(const std::uint8_t* src, std::size_t count, bool visible) {
+std::size_t Y16ARun(const std::uint8_t* src, std::size_t count, bool visible) {
     constexpr std::size_t kStep = kVecLanes;
     std::size_t group = 0;
     if (!visible) {
@@ -59,7 +60,7 @@ static std::size_t Y16ARun(const std::uint8_t* src, std::size_t count, bool visi
 }
 
 // Words 0..65534 divided by 255.
-static inline Vec DivideBy255(Vec n) { return ShiftRight16u<8>(Add16(n, Add16(ShiftRight16u<8>(n), Set16(1)))); }
+inline Vec DivideBy255(Vec n) { return ShiftRight16u<8>(Add16(n, Add16(ShiftRight16u<8>(n), Set16(1)))); }
 
 /// Words of the pixels of two registers, packed: luma without offsets, alpha, and the pairs' chroma without offsets, Cb
 /// at the first pixel of a pair and Cr at the second, where the alpha is that each of them goes by.
@@ -67,21 +68,20 @@ struct GroupWords {
     Vec luma, alpha, chroma;
 };
 
-static inline Vec Coefficients(int low, int high) {
+inline Vec Coefficients(int low, int high) {
     return Set32(static_cast<int>(static_cast<std::uint32_t>(high) << 16 | (static_cast<std::uint32_t>(low) & 0xFFFF)));
 }
 
-static inline Vec Luma32(Vec br, Vec ga) {
+inline Vec Luma32(Vec br, Vec ga) {
     // 33030 does not fit into a signed word: its half is taken and the product doubled.
     const Vec g = MulAddPairs16(ga, Coefficients(16515, 0));
     const Vec sum = Add32(Add32(MulAddPairs16(br, Coefficients(6423, 16843)), ShiftLeft32<1>(g)), Set32(32768));
     return ShiftRight32u<16>(sum);
 }
 
-alignas(16) static constexpr std::uint8_t kOddDwords[16] = {0, 0, 0, 0, 255, 255, 255, 255,
-                                                            0, 0, 0, 0, 255, 255, 255, 255};
+alignas(16) constexpr std::uint8_t kOddDwords[16] = {0, 0, 0, 0, 255, 255, 255, 255, 0, 0, 0, 0, 255, 255, 255, 255};
 
-static inline Vec Chroma32(Vec br, Vec ga) {
+inline Vec Chroma32(Vec br, Vec ga) {
     const Vec cb = Add32(MulAddPairs16(br, Coefficients(28770, -9699)), MulAddPairs16(ga, Coefficients(-19071, 0)));
     const Vec cr = Add32(MulAddPairs16(br, Coefficients(-4653, 28770)), MulAddPairs16(ga, Coefficients(-24117, 0)));
     // Sums of neighbours: Cb at even places, Cr at odd ones.
@@ -93,7 +93,7 @@ static inline Vec Chroma32(Vec br, Vec ga) {
     return ShiftRight32s<1>(Sub32(whole, ShiftRight32s<31>(whole)));
 }
 
-static inline GroupWords ReadWords(const std::uint8_t* src) {
+inline GroupWords ReadWords(const std::uint8_t* src) {
     const Vec p = Load(src);
     const Vec q = Load(src + kVecBytes);
     const Vec low = Set16(0x00FF);
@@ -129,7 +129,7 @@ struct Multiplied {
 };
 
 // Even bytes of a lane, then odd ones.
-alignas(16) static constexpr std::uint8_t kEvenThenOdd[16] = {0, 2, 4, 6, 8, 10, 12, 14, 1, 3, 5, 7, 9, 11, 13, 15};
+alignas(16) constexpr std::uint8_t kEvenThenOdd[16] = {0, 2, 4, 6, 8, 10, 12, 14, 1, 3, 5, 7, 9, 11, 13, 15};
 
 template <class Offsets>
 struct BgraGroups {
@@ -166,7 +166,7 @@ struct Y16AGroups {
 };
 
 template <class Groups>
-static void WriteGroups(std::uint8_t* dst, const std::uint8_t* src, std::size_t count) {
+void WriteGroups(std::uint8_t* dst, const std::uint8_t* src, std::size_t count) {
     constexpr std::size_t kStep = kVecLanes;
     std::size_t group = 0;
     for (; group + kStep <= count; group += kStep)
@@ -179,28 +179,25 @@ static void WriteGroups(std::uint8_t* dst, const std::uint8_t* src, std::size_t 
     std::memcpy(dst + group * kRecord, to, (count - group) * kRecord);
 }
 
+}  // namespace
 }  // namespace PIXMORPH_SIMD
 
-std::size_t PIXMORPH_SIMD_NAME(BgraRunLength)(const std::uint8_t* src, std::size_t count, bool visible) {
-    return PIXMORPH_SIMD::BgraRun(src, count, visible);
+std::size_t PIXMORPH_SIMD::BgraRunLength(const std::uint8_t* src, std::size_t count, bool visible) {
+    return BgraRun(src, count, visible);
 }
-std::size_t PIXMORPH_SIMD_NAME(Y16ARunLength)(const std::uint8_t* src, std::size_t count, bool visible) {
-    return PIXMORPH_SIMD::Y16ARun(src, count, visible);
+std::size_t PIXMORPH_SIMD::Y16ARunLength(const std::uint8_t* src, std::size_t count, bool visible) {
+    return Y16ARun(src, count, visible);
 }
-void PIXMORPH_SIMD_NAME(TitleToGroups)(std::uint8_t* dst, const std::uint8_t* src, std::size_t count) {
-    using namespace PIXMORPH_SIMD;
+void PIXMORPH_SIMD::TitleToGroups(std::uint8_t* dst, const std::uint8_t* src, std::size_t count) {
     WriteGroups<BgraGroups<Premultiplied<false>>>(dst, src, count);
 }
-void PIXMORPH_SIMD_NAME(TitleToCableGroups)(std::uint8_t* dst, const std::uint8_t* src, std::size_t count) {
-    using namespace PIXMORPH_SIMD;
+void PIXMORPH_SIMD::TitleToCableGroups(std::uint8_t* dst, const std::uint8_t* src, std::size_t count) {
     WriteGroups<BgraGroups<Premultiplied<true>>>(dst, src, count);
 }
-void PIXMORPH_SIMD_NAME(BgraToGroups)(std::uint8_t* dst, const std::uint8_t* src, std::size_t count) {
-    using namespace PIXMORPH_SIMD;
+void PIXMORPH_SIMD::BgraToGroups(std::uint8_t* dst, const std::uint8_t* src, std::size_t count) {
     WriteGroups<BgraGroups<Multiplied>>(dst, src, count);
 }
-void PIXMORPH_SIMD_NAME(Y16AToGroups)(std::uint8_t* dst, const std::uint8_t* src, std::size_t count) {
-    using namespace PIXMORPH_SIMD;
+void PIXMORPH_SIMD::Y16AToGroups(std::uint8_t* dst, const std::uint8_t* src, std::size_t count) {
     WriteGroups<Y16AGroups>(dst, src, count);
 }
 

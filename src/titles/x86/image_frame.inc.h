@@ -7,6 +7,7 @@
 
 namespace KorvaneSoftware {
 namespace PIXMORPH_SIMD {
+namespace {
 
 /// kPixels pixels in the frame's order: two registers of samples, and of the alphas that weigh them.
 struct FramePixels {
@@ -185,34 +186,73 @@ struct FrameStep {
 };
 
 template <bool kAdd, class Reader, class Order, class Mixing>
-static void LayOntoFrame(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+void LayOntoFrame(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
     const FrameStep<kAdd, Reader, Order, Mixing> step{Reader(dst), Mixing(mix), Order::Black(Reader::BlackLuma(dst))};
     RunPicture(dst, src, mix, Reader::PixelCount(dst.width), step);
 }
 
+}  // namespace
 }  // namespace PIXMORPH_SIMD
 
-#define PIXMORPH_FRAME_FORM(name, add, source, frame, mixing)                                                    \
-    void PIXMORPH_SIMD_NAME(name)(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) { \
-        using namespace PIXMORPH_SIMD;                                                                           \
-        LayOntoFrame<add, source##Reader, frame##Order, mixing>(dst, src, mix);                                  \
-    }
-#define PIXMORPH_FRAME_FORMS(source, frame, mixing)                            \
-    PIXMORPH_FRAME_FORM(Move##source##To##frame, false, source, frame, mixing) \
-    PIXMORPH_FRAME_FORM(Add##source##To##frame, true, source, frame, mixing)
-
-PIXMORPH_FRAME_FORMS(Bgra, Uyvy, Weighted)
-PIXMORPH_FRAME_FORMS(Bgra, Yuy2, Weighted)
-PIXMORPH_FRAME_FORMS(Bgr, Uyvy, Blended)
-PIXMORPH_FRAME_FORMS(Bgr, Yuy2, Blended)
-PIXMORPH_FRAME_FORMS(Uyvy, Uyvy, Blended)
-PIXMORPH_FRAME_FORMS(Uyvy, Yuy2, Blended)
-PIXMORPH_FRAME_FORMS(Yuy2, Uyvy, Blended)
-PIXMORPH_FRAME_FORMS(Yuy2, Yuy2, Blended)
-PIXMORPH_FRAME_FORMS(Yvyu, Uyvy, Blended)
-PIXMORPH_FRAME_FORMS(Yvyu, Yuy2, Blended)
-
-#undef PIXMORPH_FRAME_FORMS
-#undef PIXMORPH_FRAME_FORM
+void PIXMORPH_SIMD::MoveBgraToUyvy(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+    LayOntoFrame<false, BgraReader, UyvyOrder, Weighted>(dst, src, mix);
+}
+void PIXMORPH_SIMD::MoveBgraToYuy2(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+    LayOntoFrame<false, BgraReader, Yuy2Order, Weighted>(dst, src, mix);
+}
+void PIXMORPH_SIMD::MoveBgrToUyvy(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+    LayOntoFrame<false, BgrReader, UyvyOrder, Blended>(dst, src, mix);
+}
+void PIXMORPH_SIMD::MoveBgrToYuy2(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+    LayOntoFrame<false, BgrReader, Yuy2Order, Blended>(dst, src, mix);
+}
+void PIXMORPH_SIMD::MoveUyvyToUyvy(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+    LayOntoFrame<false, UyvyReader, UyvyOrder, Blended>(dst, src, mix);
+}
+void PIXMORPH_SIMD::MoveUyvyToYuy2(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+    LayOntoFrame<false, UyvyReader, Yuy2Order, Blended>(dst, src, mix);
+}
+void PIXMORPH_SIMD::MoveYuy2ToUyvy(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+    LayOntoFrame<false, Yuy2Reader, UyvyOrder, Blended>(dst, src, mix);
+}
+void PIXMORPH_SIMD::MoveYuy2ToYuy2(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+    LayOntoFrame<false, Yuy2Reader, Yuy2Order, Blended>(dst, src, mix);
+}
+void PIXMORPH_SIMD::MoveYvyuToUyvy(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+    LayOntoFrame<false, YvyuReader, UyvyOrder, Blended>(dst, src, mix);
+}
+void PIXMORPH_SIMD::MoveYvyuToYuy2(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+    LayOntoFrame<false, YvyuReader, Yuy2Order, Blended>(dst, src, mix);
+}
+void PIXMORPH_SIMD::AddBgraToUyvy(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+    LayOntoFrame<true, BgraReader, UyvyOrder, Weighted>(dst, src, mix);
+}
+void PIXMORPH_SIMD::AddBgraToYuy2(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+    LayOntoFrame<true, BgraReader, Yuy2Order, Weighted>(dst, src, mix);
+}
+void PIXMORPH_SIMD::AddBgrToUyvy(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+    LayOntoFrame<true, BgrReader, UyvyOrder, Blended>(dst, src, mix);
+}
+void PIXMORPH_SIMD::AddBgrToYuy2(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+    LayOntoFrame<true, BgrReader, Yuy2Order, Blended>(dst, src, mix);
+}
+void PIXMORPH_SIMD::AddUyvyToUyvy(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+    LayOntoFrame<true, UyvyReader, UyvyOrder, Blended>(dst, src, mix);
+}
+void PIXMORPH_SIMD::AddUyvyToYuy2(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+    LayOntoFrame<true, UyvyReader, Yuy2Order, Blended>(dst, src, mix);
+}
+void PIXMORPH_SIMD::AddYuy2ToUyvy(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+    LayOntoFrame<true, Yuy2Reader, UyvyOrder, Blended>(dst, src, mix);
+}
+void PIXMORPH_SIMD::AddYuy2ToYuy2(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+    LayOntoFrame<true, Yuy2Reader, Yuy2Order, Blended>(dst, src, mix);
+}
+void PIXMORPH_SIMD::AddYvyuToUyvy(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+    LayOntoFrame<true, YvyuReader, UyvyOrder, Blended>(dst, src, mix);
+}
+void PIXMORPH_SIMD::AddYvyuToYuy2(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+    LayOntoFrame<true, YvyuReader, Yuy2Order, Blended>(dst, src, mix);
+}
 
 }  // namespace KorvaneSoftware

@@ -7,35 +7,35 @@
 
 namespace KorvaneSoftware {
 namespace PIXMORPH_SIMD {
+namespace {
 
 // Alpha of the lower and of the upper two pixels of a lane, widened to every word of its pixel.
-alignas(16) static constexpr std::uint8_t kAlphaLow[16] = {3, 128, 3, 128, 3, 128, 3, 128,
-                                                           7, 128, 7, 128, 7, 128, 7, 128};
-alignas(16) static constexpr std::uint8_t kAlphaHigh[16] = {11, 128, 11, 128, 11, 128, 11, 128,
-                                                            15, 128, 15, 128, 15, 128, 15, 128};
+alignas(16) constexpr std::uint8_t kAlphaLow[16] = {3, 128, 3, 128, 3, 128, 3, 128, 7, 128, 7, 128, 7, 128, 7, 128};
+alignas(16) constexpr std::uint8_t kAlphaHigh[16] = {11, 128, 11, 128, 11, 128, 11, 128,
+                                                     15, 128, 15, 128, 15, 128, 15, 128};
 
 struct Words {
     Vec low, high;
 };
 
-static inline Words AlphaWords(Vec pixels) {
+inline Words AlphaWords(Vec pixels) {
     return {Shuffle8(pixels, Repeat128(kAlphaLow)), Shuffle8(pixels, Repeat128(kAlphaHigh))};
 }
-static inline Words Widen(Vec bytes) { return {UnpackLow8(bytes, Zero()), UnpackHigh8(bytes, Zero())}; }
+inline Words Widen(Vec bytes) { return {UnpackLow8(bytes, Zero()), UnpackHigh8(bytes, Zero())}; }
 // Colour as it is and 256 in place of alpha: a multiply-high then leaves the upper byte of the other factor there.
-static inline Words ColourAnd256(Vec pixels) {
+inline Words ColourAnd256(Vec pixels) {
     const Vec colour = And(pixels, Set32(0x00FFFFFF));
     const Vec one = Set32(0x01000000);
     return {UnpackLow8(colour, one), UnpackHigh8(colour, one)};
 }
-static inline Words MulLow(Words a, Vec b) { return {MulLow16(a.low, b), MulLow16(a.high, b)}; }
-static inline Words MulLow(Words a, Words b) { return {MulLow16(a.low, b.low), MulLow16(a.high, b.high)}; }
-static inline Words MulHigh(Words a, Words b) { return {MulHigh16u(a.low, b.low), MulHigh16u(a.high, b.high)}; }
-static inline Words UpperBytes(Words a) { return {ShiftRight16u<8>(a.low), ShiftRight16u<8>(a.high)}; }
-static inline Vec Pack(Words a) { return Pack16To8u(a.low, a.high); }
+inline Words MulLow(Words a, Vec b) { return {MulLow16(a.low, b), MulLow16(a.high, b)}; }
+inline Words MulLow(Words a, Words b) { return {MulLow16(a.low, b.low), MulLow16(a.high, b.high)}; }
+inline Words MulHigh(Words a, Words b) { return {MulHigh16u(a.low, b.low), MulHigh16u(a.high, b.high)}; }
+inline Words UpperBytes(Words a) { return {ShiftRight16u<8>(a.low), ShiftRight16u<8>(a.high)}; }
+inline Vec Pack(Words a) { return Pack16To8u(a.low, a.high); }
 
-static inline Vec Factor(const TitleMix& mix) { return Set16(static_cast<int>(mix.regionAlpha) + 1); }
-static inline Vec AlphaByte(const TitleMix& mix) { return Set32(static_cast<int>(mix.regionAlpha << 24)); }
+inline Vec Factor(const TitleMix& mix) { return Set16(static_cast<int>(mix.regionAlpha) + 1); }
+inline Vec AlphaByte(const TitleMix& mix) { return Set32(static_cast<int>(mix.regionAlpha << 24)); }
 
 // Mixings: what the destination `d` becomes by the source pixels `s`.
 
@@ -203,43 +203,66 @@ struct TitleStep {
 };
 
 template <class Reader, class Mixing>
-static void MixIntoTitle(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+void MixIntoTitle(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
     RunPicture(dst, src, mix, dst.width, TitleStep<Reader, Mixing>{Reader(src), Mixing(mix)});
 }
 
 /// An opaque source at full opacity: scaling by 256 / 256 leaves the colour alone.
 template <class Reader>
-static void MoveIntoTitle(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+void MoveIntoTitle(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
     if (mix.regionAlpha == 255)
         MixIntoTitle<Reader, SetAlpha>(dst, src, mix);
     else
         MixIntoTitle<Reader, MoveOpaque>(dst, src, mix);
 }
 
+}  // namespace
 }  // namespace PIXMORPH_SIMD
 
-#define PIXMORPH_TITLE_FORM(name, ...)                                                                           \
-    void PIXMORPH_SIMD_NAME(name)(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) { \
-        using namespace PIXMORPH_SIMD;                                                                           \
-        __VA_ARGS__(dst, src, mix);                                                                              \
-    }
-
-PIXMORPH_TITLE_FORM(MovTitleBgra, MixIntoTitle<BgraReader, MoveLayer>)
-PIXMORPH_TITLE_FORM(MovTitleBgr, MoveIntoTitle<BgrReader>)
-PIXMORPH_TITLE_FORM(MovTitleUyvy, MoveIntoTitle<UyvyReader>)
-PIXMORPH_TITLE_FORM(MovTitleYuy2, MoveIntoTitle<Yuy2Reader>)
-PIXMORPH_TITLE_FORM(MovTitleYvyu, MoveIntoTitle<YvyuReader>)
-PIXMORPH_TITLE_FORM(NPTitleBgra, MixIntoTitle<BgraReader, ScaleAlpha>)
-PIXMORPH_TITLE_FORM(NPTitleUyvy, MixIntoTitle<UyvyReader, SetAlpha>)
-PIXMORPH_TITLE_FORM(NPTitleYuy2, MixIntoTitle<Yuy2Reader, SetAlpha>)
-PIXMORPH_TITLE_FORM(NPTitleYvyu, MixIntoTitle<YvyuReader, SetAlpha>)
-PIXMORPH_TITLE_FORM(AddTitleBgra, MixIntoTitle<BgraReader, AddLayer>)
-PIXMORPH_TITLE_FORM(AddTitleBgr, MixIntoTitle<BgrReader, AddOpaque>)
-PIXMORPH_TITLE_FORM(AddTitleUyvy, MixIntoTitle<UyvyReader, AddOpaque>)
-PIXMORPH_TITLE_FORM(AddTitleYuy2, MixIntoTitle<Yuy2Reader, AddOpaque>)
-PIXMORPH_TITLE_FORM(AddTitleYvyu, MixIntoTitle<YvyuReader, AddOpaque>)
-PIXMORPH_TITLE_FORM(TitleToImage, MixIntoTitle<BgraReader, Straighten>)
-
-#undef PIXMORPH_TITLE_FORM
+void PIXMORPH_SIMD::MovTitleBgra(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+    MixIntoTitle<BgraReader, MoveLayer>(dst, src, mix);
+}
+void PIXMORPH_SIMD::MovTitleBgr(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+    MoveIntoTitle<BgrReader>(dst, src, mix);
+}
+void PIXMORPH_SIMD::MovTitleUyvy(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+    MoveIntoTitle<UyvyReader>(dst, src, mix);
+}
+void PIXMORPH_SIMD::MovTitleYuy2(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+    MoveIntoTitle<Yuy2Reader>(dst, src, mix);
+}
+void PIXMORPH_SIMD::MovTitleYvyu(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+    MoveIntoTitle<YvyuReader>(dst, src, mix);
+}
+void PIXMORPH_SIMD::NPTitleBgra(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+    MixIntoTitle<BgraReader, ScaleAlpha>(dst, src, mix);
+}
+void PIXMORPH_SIMD::NPTitleUyvy(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+    MixIntoTitle<UyvyReader, SetAlpha>(dst, src, mix);
+}
+void PIXMORPH_SIMD::NPTitleYuy2(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+    MixIntoTitle<Yuy2Reader, SetAlpha>(dst, src, mix);
+}
+void PIXMORPH_SIMD::NPTitleYvyu(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+    MixIntoTitle<YvyuReader, SetAlpha>(dst, src, mix);
+}
+void PIXMORPH_SIMD::AddTitleBgra(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+    MixIntoTitle<BgraReader, AddLayer>(dst, src, mix);
+}
+void PIXMORPH_SIMD::AddTitleBgr(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+    MixIntoTitle<BgrReader, AddOpaque>(dst, src, mix);
+}
+void PIXMORPH_SIMD::AddTitleUyvy(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+    MixIntoTitle<UyvyReader, AddOpaque>(dst, src, mix);
+}
+void PIXMORPH_SIMD::AddTitleYuy2(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+    MixIntoTitle<Yuy2Reader, AddOpaque>(dst, src, mix);
+}
+void PIXMORPH_SIMD::AddTitleYvyu(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+    MixIntoTitle<YvyuReader, AddOpaque>(dst, src, mix);
+}
+void PIXMORPH_SIMD::TitleToImage(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+    MixIntoTitle<BgraReader, Straighten>(dst, src, mix);
+}
 
 }  // namespace KorvaneSoftware

@@ -1,48 +1,17 @@
-// Vector forms of the title kernels, one file per instruction set and family. They take region alphas up to 255.
+// The forms of the title kernels. The vector ones take region alphas up to 255.
 #pragma once
 
-#include "titles/title_mix.h"
+#include "titles/title_kernels.h"
 
 namespace KorvaneSoftware {
 
-#define PIXMORPH_TITLE_FORMS(name) TitleSignature name##_Sse41, name##_Avx2, name##_Avx512;
-
-PIXMORPH_TITLE_FORMS(MovTitleBgra)
-PIXMORPH_TITLE_FORMS(MovTitleBgr)
-PIXMORPH_TITLE_FORMS(MovTitleUyvy)
-PIXMORPH_TITLE_FORMS(MovTitleYuy2)
-PIXMORPH_TITLE_FORMS(MovTitleYvyu)
-PIXMORPH_TITLE_FORMS(NPTitleBgra)
-PIXMORPH_TITLE_FORMS(NPTitleUyvy)
-PIXMORPH_TITLE_FORMS(NPTitleYuy2)
-PIXMORPH_TITLE_FORMS(NPTitleYvyu)
-PIXMORPH_TITLE_FORMS(AddTitleBgra)
-PIXMORPH_TITLE_FORMS(AddTitleBgr)
-PIXMORPH_TITLE_FORMS(AddTitleUyvy)
-PIXMORPH_TITLE_FORMS(AddTitleYuy2)
-PIXMORPH_TITLE_FORMS(AddTitleYvyu)
-PIXMORPH_TITLE_FORMS(TitleToImage)
-PIXMORPH_TITLE_FORMS(MoveBgraToUyvy)
-PIXMORPH_TITLE_FORMS(MoveBgraToYuy2)
-PIXMORPH_TITLE_FORMS(MoveBgrToUyvy)
-PIXMORPH_TITLE_FORMS(MoveBgrToYuy2)
-PIXMORPH_TITLE_FORMS(MoveUyvyToUyvy)
-PIXMORPH_TITLE_FORMS(MoveUyvyToYuy2)
-PIXMORPH_TITLE_FORMS(MoveYuy2ToUyvy)
-PIXMORPH_TITLE_FORMS(MoveYuy2ToYuy2)
-PIXMORPH_TITLE_FORMS(MoveYvyuToUyvy)
-PIXMORPH_TITLE_FORMS(MoveYvyuToYuy2)
-PIXMORPH_TITLE_FORMS(AddBgraToUyvy)
-PIXMORPH_TITLE_FORMS(AddBgraToYuy2)
-PIXMORPH_TITLE_FORMS(AddBgrToUyvy)
-PIXMORPH_TITLE_FORMS(AddBgrToYuy2)
-PIXMORPH_TITLE_FORMS(AddUyvyToUyvy)
-PIXMORPH_TITLE_FORMS(AddUyvyToYuy2)
-PIXMORPH_TITLE_FORMS(AddYuy2ToUyvy)
-PIXMORPH_TITLE_FORMS(AddYuy2ToYuy2)
-PIXMORPH_TITLE_FORMS(AddYvyuToUyvy)
-PIXMORPH_TITLE_FORMS(AddYvyuToYuy2)
-
-#undef PIXMORPH_TITLE_FORMS
+PIXMORPH_FORMS(TitleSignature, MovTitleBgra, MovTitleBgr, MovTitleUyvy, MovTitleYuy2, MovTitleYvyu)
+PIXMORPH_FORMS(TitleSignature, NPTitleBgra, NPTitleUyvy, NPTitleYuy2, NPTitleYvyu)
+PIXMORPH_FORMS(TitleSignature, AddTitleBgra, AddTitleBgr, AddTitleUyvy, AddTitleYuy2, AddTitleYvyu)
+PIXMORPH_FORMS(TitleSignature, TitleToImage)
+PIXMORPH_FORMS(TitleSignature, MoveBgraToUyvy, MoveBgraToYuy2, MoveBgrToUyvy, MoveBgrToYuy2, MoveUyvyToUyvy,
+               MoveUyvyToYuy2, MoveYuy2ToUyvy, MoveYuy2ToYuy2, MoveYvyuToUyvy, MoveYvyuToYuy2)
+PIXMORPH_FORMS(TitleSignature, AddBgraToUyvy, AddBgraToYuy2, AddBgrToUyvy, AddBgrToYuy2, AddUyvyToUyvy, AddUyvyToYuy2,
+               AddYuy2ToUyvy, AddYuy2ToYuy2, AddYvyuToUyvy, AddYvyuToYuy2)
 
 }  // namespace KorvaneSoftware

@@ -15,12 +15,13 @@
 #include "titles/title_mix.h"
 
 namespace KorvaneSoftware::PIXMORPH_SIMD {
+namespace {
 
 /// Less than a step, through a copy: a whole step would mix pixels twice where the destination is read, or is the
 /// source. `behind` is the pair that follows.
 template <class Step>
-static void RunPart(std::uint8_t* dst, const std::uint8_t* src, std::size_t pixels, const std::uint8_t* behind,
-                    const Step& step) {
+void RunPart(std::uint8_t* dst, const std::uint8_t* src, std::size_t pixels, const std::uint8_t* behind,
+             const Step& step) {
     alignas(64) std::uint8_t from[kPixels * Step::kSrcBytes + 4] = {};
     alignas(64) std::uint8_t to[kPixels * Step::kDstBytes] = {};
     const std::size_t srcBytes = pixels * Step::kSrcBytes;
@@ -34,8 +35,7 @@ static void RunPart(std::uint8_t* dst, const std::uint8_t* src, std::size_t pixe
 
 /// Pixels `x` to `pixels` of a row.
 template <bool kStreamed, class Step>
-static inline void RunRow(std::uint8_t* dst, const std::uint8_t* src, std::size_t x, std::size_t pixels,
-                          const Step& step) {
+inline void RunRow(std::uint8_t* dst, const std::uint8_t* src, std::size_t x, std::size_t pixels, const Step& step) {
     for (; x + kPixels + Step::kAhead <= pixels; x += kPixels)
         step.template Run<kStreamed>(dst + x * Step::kDstBytes, src + x * Step::kSrcBytes);
     if (x == pixels) return;
@@ -46,7 +46,7 @@ static inline void RunRow(std::uint8_t* dst, const std::uint8_t* src, std::size_
 /// Ordinary stores up to the first whole cache line, and streaming ones from there: lines that get both are slow. Rows
 /// whose pairs do not meet a line's start, and short ones, take ordinary stores.
 template <class Step>
-static inline void RunRowStreamed(std::uint8_t* dst, const std::uint8_t* src, std::size_t pixels, const Step& step) {
+inline void RunRowStreamed(std::uint8_t* dst, const std::uint8_t* src, std::size_t pixels, const Step& step) {
     constexpr std::size_t kLine = 64;
     const std::size_t headBytes = (kLine - reinterpret_cast<std::uintptr_t>(dst) % kLine) % kLine;
     const std::size_t head = headBytes / Step::kDstBytes;
@@ -65,8 +65,8 @@ static inline void RunRowStreamed(std::uint8_t* dst, const std::uint8_t* src, st
 
 /// `pixels` of each row.
 template <class Step>
-static void RunPicture(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix, std::size_t pixels,
-                       const Step& step) {
+void RunPicture(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix, std::size_t pixels,
+                const Step& step) {
     // Where the destination is read its lines are in the cache already: streaming stores would only throw them out.
     const bool streamed = !Step::kMixes && mix.stores == Stores::Streaming && dst.planes[0] != src.planes[0];
     for (std::int64_t row = 0; row < src.height; ++row) {
@@ -84,4 +84,5 @@ static void RunPicture(const ImageDescriptor& dst, const ImageDescriptor& src, c
     if (streamed) StreamFence();
 }
 
+}  // namespace
 }  // namespace KorvaneSoftware::PIXMORPH_SIMD

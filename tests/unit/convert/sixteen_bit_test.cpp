@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "convert/conversion_dispatch.h"
-#include "foundation/block_ops.h"
+#include "foundation/store_policy.h"
 #include "support/features.h"
 #include "support/picture.h"
 
@@ -146,7 +146,7 @@ INSTANTIATE_TEST_SUITE_P(SixteenBit, LeftJustified,
 // Frames that do not fit the cache are written another way where lines start at cache lines.
 TEST(SixteenBit, LargeFramesAreTheSameAtEveryLevel) {
     constexpr std::uint32_t kWide = 1024;
-    const auto height = static_cast<std::uint32_t>(km::CachedCountLimit() / kWide / 2 * 2 + 4);
+    const auto height = static_cast<std::uint32_t>(km::CachedBytes(km::CacheShare::Half) / kWide / 2 * 2 + 4);
     for (const auto& [dstFormat, srcFormat] :
          {DepthPair{km::FMT_UYVY, km::FMT_P216}, DepthPair{km::FMT_YUY2, km::FMT_P016},
           DepthPair{km::FMT_UYVY, km::FMT_S422}, DepthPair{km::FMT_YUY2, km::FMT_S420},
