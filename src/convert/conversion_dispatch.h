@@ -8,12 +8,12 @@ namespace KorvaneSoftware {
 
 /// Converts `src` into the format of `dst`; the sizes must be equal. Neither descriptor is changed; planes not given
 /// are derived from the first.
-/// @return IMG_E_NULL_ARG        a null descriptor
+/// @return IMG_E_NULL_ARG        a null descriptor, or a plane that is missing
 ///         IMG_E_BAD_FORMAT      a format that is none, or one that nothing converts from
 ///         IMG_E_BAD_SIZE        the sizes differ
 ///         IMG_E_BAD_ALIGNMENT   a width or height that is no multiple of what the pair needs
 ///         IMG_E_NO_PATH, IMG_E_UNSUPPORTED  the pair has no path
-///         IMG_E_EXCEPTION       a plane is missing, or something was thrown
+///         IMG_E_EXCEPTION       something was thrown
 Status ImageConversionDispatch(const ImageDescriptor* dst, const ImageDescriptor* src);
 
 /// The same for a UYVY destination: any source that has a path there.

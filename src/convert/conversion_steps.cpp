@@ -20,7 +20,7 @@ Status CopyLuma(const ImageDescriptor& dst, const ImageDescriptor& src) { return
 
 Status CopySecondPicture(const ImageDescriptor& dst, const ImageDescriptor& src) {
     if (IsEmpty(src)) return IMG_OK;
-    if (!HasPlanes(dst, 1) || !HasPlanes(src, 1)) return IMG_E_EXCEPTION;
+    if (!HasPlanes(dst, 1) || !HasPlanes(src, 1)) return IMG_E_NULL_ARG;
     const auto rowBytes = static_cast<std::int64_t>(ImagePlaneRowBytes(&src, 0));
     const std::int64_t stride = src.strides[0];
     const std::int64_t pitch = stride < 0 ? -stride : stride;

@@ -26,7 +26,7 @@ inline void ExchangeChroma(ImageDescriptor& desc) {
 template <const ConvertSlot& Slot>
 Status Run(const ImageDescriptor& dst, const ImageDescriptor& src) {
     if (IsEmpty(src)) return IMG_OK;
-    if (!HasAllPlanes(dst) || !HasAllPlanes(src)) return IMG_E_EXCEPTION;
+    if (!HasAllPlanes(dst) || !HasAllPlanes(src)) return IMG_E_NULL_ARG;
     Slot(dst, src);
     return IMG_OK;
 }
@@ -50,7 +50,7 @@ Status RunFromExchangedChroma(const ImageDescriptor& dst, const ImageDescriptor&
 /// A kernel that writes three planes, whatever the destination's format has.
 template <const ConvertSlot& Slot>
 Status RunToThreePlanes(const ImageDescriptor& dst, const ImageDescriptor& src) {
-    if (!IsEmpty(src) && !HasPlanes(dst, 3)) return IMG_E_EXCEPTION;
+    if (!IsEmpty(src) && !HasPlanes(dst, 3)) return IMG_E_NULL_ARG;
     return Run<Slot>(dst, src);
 }
 

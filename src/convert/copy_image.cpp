@@ -9,7 +9,7 @@ Status CopyPlane(const ImageDescriptor& dst, const ImageDescriptor& src, std::ui
     const std::uint64_t rowBytes = ImagePlaneRowBytes(&src, plane);
     const std::uint64_t rows = ImagePlaneHeight(&src, plane);
     if (rowBytes == 0 || rows == 0) return IMG_OK;
-    if (src.planes[plane] == nullptr || dst.planes[plane] == nullptr) return IMG_E_EXCEPTION;
+    if (src.planes[plane] == nullptr || dst.planes[plane] == nullptr) return IMG_E_NULL_ARG;
     const auto contiguous = static_cast<std::int64_t>(rowBytes);
     if (src.strides[plane] == contiguous && dst.strides[plane] == contiguous)
         return CopySized(dst.planes[plane], src.planes[plane], rowBytes * rows);
@@ -27,7 +27,7 @@ Status CopyPlanes(const ImageDescriptor& dst, const ImageDescriptor& src) {
     if (src.width == 0 || src.height == 0) return IMG_OK;
     // A missing plane is found before the first is written.
     for (std::uint32_t plane = 0; plane < planes; ++plane)
-        if (src.planes[plane] == nullptr || dst.planes[plane] == nullptr) return IMG_E_EXCEPTION;
+        if (src.planes[plane] == nullptr || dst.planes[plane] == nullptr) return IMG_E_NULL_ARG;
     for (std::uint32_t plane = 0; plane < planes; ++plane)
         if (const Status status = CopyPlane(dst, src, plane); status != IMG_OK) return status;
     return IMG_OK;

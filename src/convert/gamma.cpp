@@ -56,7 +56,7 @@ std::uint8_t GammaValue(std::uint8_t index) { return Table().Get(index); }
 
 Status ConvertWithGamma(const ImageDescriptor& dst, const ImageDescriptor& src) {
     if (src.width == 0 || src.height == 0) return IMG_OK;
-    if (dst.planes[0] == nullptr || src.planes[0] == nullptr) return IMG_E_EXCEPTION;
+    if (dst.planes[0] == nullptr || src.planes[0] == nullptr) return IMG_E_NULL_ARG;
     for (std::int64_t row = 0; row < src.height; ++row) {
         const auto from = LineAt<ReadLine>(src, row, row);
         std::uint8_t* to = BottomUpLine(dst, row);

@@ -18,7 +18,7 @@ std::uint8_t GammaValue(std::uint8_t index);
 
 /// Y16A to BGRA by the rounded BT.601 numbers in double precision, each chroma pair serving both its pixels; the table
 /// is applied to blue, green and red, alpha is copied. Widths are multiples of 16.
-/// @return IMG_E_EXCEPTION when a plane is missing.
+/// @return IMG_E_NULL_ARG when a plane is missing.
 Status ConvertWithGamma(const ImageDescriptor& dst, const ImageDescriptor& src);
 
 }  // namespace KorvaneSoftware

@@ -125,7 +125,7 @@ Status CDeinterlaceFilterYADIF::Initialize(const DeinterlacerSettings& settings)
 }
 
 Status CDeinterlaceFilterYADIF::SetSourceFrame(const ImageDescriptor& source, std::uint32_t structure) {
-    if (!IsStructure(structure)) return IMG_E_NO_HANDLE;
+    if (!IsStructure(structure)) return IMG_E_BAD_STRUCTURE;
     return Guarded([&]() -> Status {
         structure_ = structure;
         ImageDescriptor image = source;
@@ -178,7 +178,7 @@ Status CDeinterlaceFilterYADIF::MakePlaneJobs(const ImageDescriptor& image, std:
     const std::uint64_t bottom =
         std::uint64_t{static_cast<std::uint32_t>(band.y)} + static_cast<std::uint32_t>(band.height);
     if (right > image.width || bottom > image.height) return IMG_E_BAD_SIZE;
-    if (!IsStructure(structure_)) return IMG_E_NO_HANDLE;
+    if (!IsStructure(structure_)) return IMG_E_BAD_STRUCTURE;
     const FilterLineSlot* const filterLine = FilterOf(image.format);
     if (filterLine == nullptr) return IMG_E_UNSUPPORTED;
     const FormatInfo& info = *FormatInfoOf(image);

@@ -20,7 +20,7 @@ Status Restore(const FieldRestorationJob& job, Missing missing, const PresentLin
     const std::size_t groups = job.width / kGroupPixels;
     const std::int64_t height = job.height;
     if (groups == 0 || height == 0) return IMG_OK;
-    if (LacksMemory(job)) return IMG_E_EXCEPTION;
+    if (LacksMemory(job)) return IMG_E_NULL_ARG;
     const std::int64_t present = missing == Missing::Lower ? 0 : 1;
     const auto pictureLine = [&job, height](std::int64_t line) {
         return job.destination + (2 * height - 1 - line) * job.destinationStride;

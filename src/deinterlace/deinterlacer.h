@@ -25,7 +25,7 @@ struct FieldRestorationJob {
 /// Keeps no state: any number of threads may use one object.
 class CDeinterlacer {
 public:
-    /// The present field has the even lines. @return 0; IMG_E_EXCEPTION when a line that is needed does not exist.
+    /// The present field has the even lines. @return 0; IMG_E_NULL_ARG when a line that is needed does not exist.
     static Status RestoreLowerField(const FieldRestorationJob& job) noexcept;
     /// The present field has the odd lines.
     static Status RestoreUpperField(const FieldRestorationJob& job) noexcept;

@@ -39,7 +39,7 @@ std::size_t BytesPerPixel(const ImageDescriptor& dst, const ImageDescriptor& src
 
 // Called where pixels are touched: only then are the planes needed.
 Status Run(const TitleSlot& slot, const ImageDescriptor& dst, const ImageDescriptor& src, std::uint32_t regionAlpha) {
-    if (dst.planes[0] == nullptr || src.planes[0] == nullptr) return IMG_E_EXCEPTION;
+    if (dst.planes[0] == nullptr || src.planes[0] == nullptr) return IMG_E_NULL_ARG;
     const TitleMix mix{regionAlpha, StoresBetween(dst, src, BytesPerPixel(dst, src))};
     // Products of a region alpha above 255 wrap 32 bits, which only the plain forms follow.
     if (regionAlpha <= 255)
@@ -112,7 +112,7 @@ Status RunOnFrame(const SlotsBySource& toUyvy, const SlotsBySource& toYuy2, cons
 
 // Row by row, so that the gaps between rows stay as they are.
 Status CopyRows(const ImageDescriptor& dst, const ImageDescriptor& src) {
-    if (dst.planes[0] == nullptr || src.planes[0] == nullptr) return IMG_E_EXCEPTION;
+    if (dst.planes[0] == nullptr || src.planes[0] == nullptr) return IMG_E_NULL_ARG;
     const std::size_t bytes = std::size_t{dst.width} * 4;
     for (std::int64_t row = 0; row < dst.height; ++row) {
         const Status status =

@@ -7,7 +7,7 @@
 //
 // Statuses: IMG_E_NULL_ARG for a null descriptor, IMG_E_BAD_FORMAT for a format that the operation does not take,
 // IMG_E_BAD_SIZE for pictures of different sizes, IMG_E_BAD_ALIGNMENT for a 4:2:2 source of odd width, and
-// IMG_E_EXCEPTION where a pixel would be touched through a null plane. A failure has written nothing.
+// IMG_E_NULL_ARG where a pixel would be touched through a null plane. A failure has written nothing.
 #pragma once
 
 #include <cstdint>

@@ -60,7 +60,7 @@ private:
 Status Compress(RunCursor& cursor, const GroupRows& source, std::size_t groupBytes, const RunLengthSlot& runLength,
                 const GroupSlot& write) noexcept {
     if (source.groups == 0 || source.rows == 0) return IMG_OK;
-    if (source.first == nullptr || cursor.cell == nullptr) return IMG_E_EXCEPTION;
+    if (source.first == nullptr || cursor.cell == nullptr) return IMG_E_NULL_ARG;
     return Guarded([&]() -> Status {
         CRunWriter writer(cursor);
         const std::uint8_t* row = source.first;
@@ -69,12 +69,12 @@ Status Compress(RunCursor& cursor, const GroupRows& source, std::size_t groupByt
             std::size_t left = source.groups;
             while (left > 0) {
                 const std::size_t clear = runLength(group, left, false);
-                if (clear > 0 && !writer.AddClear(clear)) return IMG_E_EXCEPTION;
+                if (clear > 0 && !writer.AddClear(clear)) return IMG_E_NULL_ARG;
                 group += clear * groupBytes;
                 left -= clear;
                 if (left == 0) break;
                 const std::size_t visible = runLength(group, left, true);
-                if (!writer.AddVisible(write, group, visible)) return IMG_E_EXCEPTION;
+                if (!writer.AddVisible(write, group, visible)) return IMG_E_NULL_ARG;
                 group += visible * groupBytes;
                 left -= visible;
             }
@@ -100,7 +100,7 @@ Status CompressY16ARuns(RunCursor& cursor, const GroupRows& source) noexcept {
 
 Status WriteTitleGroups(std::uint8_t* dst, std::int64_t dstStep, const GroupRows& source) noexcept {
     if (source.groups == 0 || source.rows == 0) return IMG_OK;
-    if (dst == nullptr || source.first == nullptr) return IMG_E_EXCEPTION;
+    if (dst == nullptr || source.first == nullptr) return IMG_E_NULL_ARG;
     return Guarded([&]() -> Status {
         for (std::uint64_t i = 0; i < source.rows; ++i)
             TitleToCableGroups(dst + static_cast<std::int64_t>(i) * dstStep,

@@ -33,7 +33,7 @@ struct GroupRows {
 
 // Compression of a premultiplied BGRA title, of a BGRA picture whose colour is not premultiplied, and of such a picture
 // in Y16A. Groups whose largest alpha is below 2 count as clear, whatever colour they hold.
-// @return 0; IMG_E_EXCEPTION where something would be written or read through a null pointer: then nothing is written.
+// @return 0; IMG_E_NULL_ARG where something would be written or read through a null pointer: then nothing is written.
 Status CompressTitleRuns(RunCursor& cursor, const GroupRows& source) noexcept;
 Status CompressBgraRuns(RunCursor& cursor, const GroupRows& source) noexcept;
 Status CompressY16ARuns(RunCursor& cursor, const GroupRows& source) noexcept;

@@ -82,7 +82,7 @@ TEST(CopyPlanes, FindsAMissingPlaneBeforeTheFirstIsWritten) {
     const TestPicture before = dst;
     km::ImageDescriptor lacking = src.Desc();
     lacking.planes[2] = nullptr;
-    EXPECT_EQ(km::CopyPlanes(dst.Desc(), lacking), km::IMG_E_EXCEPTION);
+    EXPECT_EQ(km::CopyPlanes(dst.Desc(), lacking), km::IMG_E_NULL_ARG);
     EXPECT_EQ(dst.FirstDifference(before), "");
     lacking.height = 0;
     EXPECT_EQ(km::CopyPlanes(dst.Desc(), lacking), km::IMG_OK);

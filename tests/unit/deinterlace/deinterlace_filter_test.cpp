@@ -401,7 +401,7 @@ TEST(DeinterlaceFilter, RefusedFrames) {
     TestPicture output(km::FMT_UYVY, 64, 32);
     Filter filter;
     for (const std::uint32_t structure : {0u, 4u, 7u, 0xFFFFFFFFu})
-        EXPECT_EQ(filter->SetSourceFrame(frame.Desc(), structure), km::IMG_E_NO_HANDLE);
+        EXPECT_EQ(filter->SetSourceFrame(frame.Desc(), structure), km::IMG_E_BAD_STRUCTURE);
     for (int i = 0; i < 3; ++i) ASSERT_EQ(filter->SetSourceFrame(frame.Desc(), 5), km::IMG_OK);
     ASSERT_EQ(filter->GetFrame(output.Desc(), 0), km::IMG_OK);
     const TestPicture before = output;

@@ -356,10 +356,10 @@ TEST(FieldRestoration, MissingMemory) {
         EXPECT_EQ(km::CDeinterlacer::RestoreLowerFieldAlpha(job), status);
         return status;
     };
-    EXPECT_EQ(run([](auto& job) { job.destination = nullptr; }), km::IMG_E_EXCEPTION);
-    EXPECT_EQ(run([](auto& job) { job.present = nullptr; }), km::IMG_E_EXCEPTION);
-    EXPECT_EQ(run([](auto& job) { job.previous = nullptr; }), km::IMG_E_EXCEPTION);
-    EXPECT_EQ(run([](auto& job) { job.next = nullptr; }), km::IMG_E_EXCEPTION);
+    EXPECT_EQ(run([](auto& job) { job.destination = nullptr; }), km::IMG_E_NULL_ARG);
+    EXPECT_EQ(run([](auto& job) { job.present = nullptr; }), km::IMG_E_NULL_ARG);
+    EXPECT_EQ(run([](auto& job) { job.previous = nullptr; }), km::IMG_E_NULL_ARG);
+    EXPECT_EQ(run([](auto& job) { job.next = nullptr; }), km::IMG_E_NULL_ARG);
     EXPECT_TRUE(frame.Untouched());
     // Nothing to do needs no memory, and fields of one line need no neighbours in time.
     EXPECT_EQ(run([](auto& job) { job = {}; }), km::IMG_OK);

@@ -358,9 +358,9 @@ TEST(TitleMixerStatus, NullPlanesFailOnlyWherePixelsAreTouched) {
     title.Fill(Fill::Ramp, 0);
     const TestPicture before = title;
     km::ImageDescriptor none{{km::FMT_BGRA, 4, 2}};
-    EXPECT_EQ(km::PutImageIntoTitle(&title.Desc(), &none, 1), km::IMG_E_EXCEPTION);
-    EXPECT_EQ(km::PutImageIntoTitle(&none, &title.Desc(), 1), km::IMG_E_EXCEPTION);
-    EXPECT_EQ(km::PutImageIntoNPTitle(&none, &title.Desc(), 255), km::IMG_E_EXCEPTION);
+    EXPECT_EQ(km::PutImageIntoTitle(&title.Desc(), &none, 1), km::IMG_E_NULL_ARG);
+    EXPECT_EQ(km::PutImageIntoTitle(&none, &title.Desc(), 1), km::IMG_E_NULL_ARG);
+    EXPECT_EQ(km::PutImageIntoNPTitle(&none, &title.Desc(), 255), km::IMG_E_NULL_ARG);
     EXPECT_EQ(km::PutImageIntoNPTitle(&none, &none, 255), km::IMG_OK);
     EXPECT_EQ(title.FirstDifference(before), "");
     none.height = 0;
@@ -372,7 +372,7 @@ TEST(TitleMixerStatus, NullPlanesFailOnlyWherePixelsAreTouched) {
     km::ImageDescriptor frame{{km::FMT_UYVY, 2, 2}};
     EXPECT_EQ(km::AddImageOntoFrame(&frame, &bgr, 1), km::IMG_OK);
     bgr.width = frame.width = 3;
-    EXPECT_EQ(km::AddImageOntoFrame(&frame, &bgr, 1), km::IMG_E_EXCEPTION);
+    EXPECT_EQ(km::AddImageOntoFrame(&frame, &bgr, 1), km::IMG_E_NULL_ARG);
     km::ImageDescriptor bgra{{km::FMT_BGRA, 1, 2}};
     frame.width = 1;
     EXPECT_EQ(km::MoveImageOntoFrame(&frame, &bgra, 1), km::IMG_OK);

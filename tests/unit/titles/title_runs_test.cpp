@@ -226,18 +226,18 @@ TEST(TitleRuns, NullPointers) {
     // Clear groups take no room.
     EXPECT_EQ(km::CompressTitleRuns(noRoom, {clear.data(), 0, 1, 1}), km::IMG_OK);
     EXPECT_EQ(cell, -1);
-    EXPECT_EQ(km::CompressTitleRuns(noRoom, {visible.data(), 0, 1, 1}), km::IMG_E_EXCEPTION);
+    EXPECT_EQ(km::CompressTitleRuns(noRoom, {visible.data(), 0, 1, 1}), km::IMG_E_NULL_ARG);
     EXPECT_EQ(cell, -1);
     cell = 4;
-    EXPECT_EQ(km::CompressTitleRuns(noRoom, {clear.data(), 0, 1, 1}), km::IMG_E_EXCEPTION);
+    EXPECT_EQ(km::CompressTitleRuns(noRoom, {clear.data(), 0, 1, 1}), km::IMG_E_NULL_ARG);
     EXPECT_EQ(cell, 4);
     Bytes room(128, 7);
     km::RunCursor cursor{room.data(), &cell};
-    EXPECT_EQ(km::CompressTitleRuns(cursor, {nullptr, 0, 1, 1}), km::IMG_E_EXCEPTION);
+    EXPECT_EQ(km::CompressTitleRuns(cursor, {nullptr, 0, 1, 1}), km::IMG_E_NULL_ARG);
     km::RunCursor noCell{room.data(), nullptr};
-    EXPECT_EQ(km::CompressTitleRuns(noCell, {visible.data(), 0, 1, 1}), km::IMG_E_EXCEPTION);
-    EXPECT_EQ(km::WriteTitleGroups(nullptr, 0, {visible.data(), 0, 1, 1}), km::IMG_E_EXCEPTION);
-    EXPECT_EQ(km::WriteTitleGroups(room.data(), 0, {nullptr, 0, 1, 1}), km::IMG_E_EXCEPTION);
+    EXPECT_EQ(km::CompressTitleRuns(noCell, {visible.data(), 0, 1, 1}), km::IMG_E_NULL_ARG);
+    EXPECT_EQ(km::WriteTitleGroups(nullptr, 0, {visible.data(), 0, 1, 1}), km::IMG_E_NULL_ARG);
+    EXPECT_EQ(km::WriteTitleGroups(room.data(), 0, {nullptr, 0, 1, 1}), km::IMG_E_NULL_ARG);
     EXPECT_EQ(room, Bytes(128, 7));
     EXPECT_EQ(cell, 4);
     // Without groups nothing is needed.
