@@ -5,9 +5,9 @@
 
 #include "bench.h"
 #include "convert/conversion_dispatch.h"
-#include "convert/image_converter.h"
-#include "convert/resample.h"
-#include "convert/resample_plan.h"
+#include "resize/image_converter.h"
+#include "resize/resample.h"
+#include "resize/resample_plan.h"
 
 #ifdef PIXMORPH_HAVE_LIBYUV
 #include <libyuv.h>

@@ -1,7 +1,7 @@
 #include "component/stretch_image.h"
 
 #include "convert/conversion_dispatch.h"
-#include "convert/resample.h"
+#include "resize/resample.h"
 
 namespace KorvaneSoftware {
 

@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "convert/resample_plan.h"
-#include "convert/resample_rows.h"
+#include "resize/resample_plan.h"
+#include "resize/resample_rows.h"
 #include "kernels/kernel_check.h"
 #include "support/picture.h"
 

@@ -1,5 +1,5 @@
 // Horizontal resampling over registers of any width, driven by the tables of a plan.
-#include "convert/x86/resample_forms.h"
+#include "resize/x86/resample_forms.h"
 
 namespace KorvaneSoftware {
 namespace PIXMORPH_SIMD {

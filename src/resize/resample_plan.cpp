@@ -1,4 +1,4 @@
-#include "convert/resample_plan.h"
+#include "resize/resample_plan.h"
 
 #include <algorithm>
 #include <array>

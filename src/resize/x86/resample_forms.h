@@ -2,7 +2,7 @@
 // set for each instruction set.
 #pragma once
 
-#include "convert/resample_rows.h"
+#include "resize/resample_rows.h"
 
 namespace KorvaneSoftware {
 

@@ -1,11 +1,11 @@
-#include "convert/resample.h"
+#include "resize/resample.h"
 
 #include <cstring>
 #include <memory>
 
 #include "convert/copy_image.h"
-#include "convert/resample_plan.h"
-#include "convert/resample_rows.h"
+#include "resize/resample_plan.h"
+#include "resize/resample_rows.h"
 
 namespace KorvaneSoftware {
 

@@ -3,7 +3,7 @@
 
 #include <memory>
 
-#include "convert/resample_rows.h"
+#include "resize/resample_rows.h"
 
 namespace KorvaneSoftware {
 

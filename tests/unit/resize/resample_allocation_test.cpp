@@ -6,7 +6,7 @@
 #include <new>
 
 #include "convert/conversion_dispatch.h"
-#include "convert/image_converter.h"
+#include "resize/image_converter.h"
 #include "support/features.h"
 #include "support/picture.h"
 

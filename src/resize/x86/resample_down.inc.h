@@ -1,5 +1,5 @@
 // Vertical resampling over registers of any width: whole lines at once.
-#include "convert/x86/resample_forms.h"
+#include "resize/x86/resample_forms.h"
 
 namespace KorvaneSoftware {
 namespace PIXMORPH_SIMD {

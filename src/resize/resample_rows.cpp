@@ -1,9 +1,9 @@
-#include "convert/resample_rows.h"
+#include "resize/resample_rows.h"
 
 #include <cstring>
 #include <numeric>
 
-#include "convert/x86/resample_forms.h"
+#include "resize/x86/resample_forms.h"
 
 namespace KorvaneSoftware {
 

@@ -1,4 +1,4 @@
-#include "convert/resample.h"
+#include "resize/resample.h"
 
 #include <gtest/gtest.h>
 
@@ -7,8 +7,8 @@
 #include <thread>
 #include <vector>
 
-#include "convert/resample_plan.h"
-#include "convert/resample_rows.h"
+#include "resize/resample_plan.h"
+#include "resize/resample_rows.h"
 #include "support/features.h"
 #include "support/guard_page.h"
 #include "support/picture.h"

@@ -1,4 +1,4 @@
-#include "convert/image_converter.h"
+#include "resize/image_converter.h"
 
 #include <gtest/gtest.h>
 
@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "convert/conversion_dispatch.h"
-#include "convert/resample.h"
+#include "resize/resample.h"
 #include "support/picture.h"
 
 namespace pixmorph_test {

@@ -1,10 +1,10 @@
-#include "convert/image_converter.h"
+#include "resize/image_converter.h"
 
 #include <new>
 #include <utility>
 
 #include "convert/copy_image.h"
-#include "convert/resample.h"
+#include "resize/resample.h"
 
 namespace KorvaneSoftware {
 
