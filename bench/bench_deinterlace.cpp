@@ -6,7 +6,7 @@
 #include "bench.h"
 #include "deinterlace/blend_lines.h"
 #include "deinterlace/deinterlace_filter_yadif.h"
-#include "deinterlace/deinterlacer.h"
+#include "deinterlace/field_restorer.h"
 #include "deinterlace/field_restoration.h"
 #include "deinterlace/line_filter.h"
 

@@ -5,9 +5,8 @@
 
 #include "bench.h"
 #include "convert/conversion_dispatch.h"
-#include "convert/image_converter.h"
-#include "convert/resample.h"
-#include "convert/resample_plan.h"
+#include "resize/image_converter.h"
+#include "resize/row_plans.h"
 
 #ifdef PIXMORPH_HAVE_LIBYUV
 #include <libyuv.h>
@@ -134,9 +133,10 @@ void AddSlot(const Slot& slot, const std::string& what, std::size_t pixels, std:
 }
 
 void AddRow(const RowSlot& slot, const char* what, LineKind kind, std::uint32_t srcWidth, std::uint32_t dstWidth) {
-    const std::shared_ptr<const RowPlan> plan = MakeRowPlan(kind, srcWidth, dstWidth);
+    const auto rowPlans = std::make_shared<RowPlans>();
+    const RowPlan plan = rowPlans->Find(kind, srcWidth, dstWidth);
     AddSlot(slot, what, dstWidth, LineBytes(kind, srcWidth) + LineBytes(kind, dstWidth),
-            [plan](auto* function, std::uint8_t* dst, const std::uint8_t* src) { function(dst, src, *plan); });
+            [rowPlans, plan](auto* function, std::uint8_t* dst, const std::uint8_t* src) { function(dst, src, plan); });
 }
 
 void AddRows() {
@@ -152,10 +152,11 @@ void AddRows() {
     AddRow(AreaRow8, "Planar1000To960Wide", LineKind::Planar, 1998, 1996);
     AddRow(AreaRow16, "_1920To1280", LineKind::Words, 1920, 1280);
     constexpr std::size_t kLine = 3840;
-    const std::shared_ptr<const RowPlan> half = MakeRowPlan(LineKind::Planar, kLine, kLine / 2);
+    RowPlans rowPlans;
+    const RowPlan half = rowPlans.Find(LineKind::Planar, kLine, kLine / 2);  // Halving bytes goes without tables.
     AddSlot(
         HalveRows8, "", kLine / 2, 5 * kLine / 2,
-        [half](auto* function, std::uint8_t* dst, const std::uint8_t* src) { function(dst, src, src + kLine, *half); });
+        [half](auto* function, std::uint8_t* dst, const std::uint8_t* src) { function(dst, src, src + kLine, half); });
     const auto mean = [](auto* function, std::uint8_t* dst, const std::uint8_t* src) {
         function(dst, src, src + kLine, kLine / 2);
     };

@@ -5,7 +5,7 @@ target_compile_options(pixmorph_options INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wimplicit-fallthrough
   # Floating-point results are part of the contract: no fused multiply-add behind the code's back.
   -ffp-contract=off)
-target_include_directories(pixmorph_options INTERFACE ${PROJECT_SOURCE_DIR}/src ${PROJECT_SOURCE_DIR}/include)
+target_include_directories(pixmorph_options INTERFACE ${PROJECT_SOURCE_DIR}/include)
 target_link_libraries(pixmorph_options INTERFACE Threads::Threads)
 
 # Sanitizers, for everything that is built: a program must bring the runtime that the library expects.
@@ -24,11 +24,42 @@ set(PIXMORPH_FLAGS_avx2 -mavx2)
 set(PIXMORPH_FLAGS_avx512 -mavx2 -mavx512f -mavx512bw -mavx512dq
   $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized -Wno-uninitialized>)
 
-# pixmorph_engine(NAME files...): the objects of one engine. They become part of the shared library and of every test.
+# pixmorph_room(NAME [USES engines...] [OFFERS headers...]): where the sources of an engine in folder NAME find headers.
+# Two include roots are staged for each engine: `inside` leads to its whole folder and is for the engine alone, `offers`
+# leads to the headers that others may include.
+function(pixmorph_room name)
+  cmake_parse_arguments(PARSE_ARGV 1 room "" "" "USES;OFFERS")
+  set(folder ${CMAKE_CURRENT_SOURCE_DIR}/${name})
+  set(stage ${PROJECT_BINARY_DIR}/rooms/${name})
+  if(NOT room_OFFERS)
+    file(GLOB_RECURSE room_OFFERS CONFIGURE_DEPENDS RELATIVE ${folder} ${folder}/*.h)
+    list(FILTER room_OFFERS EXCLUDE REGEX "(^|/)x86/")
+  endif()
+  file(REMOVE_RECURSE ${stage})
+  file(MAKE_DIRECTORY ${stage}/inside)
+  file(CREATE_LINK ${folder} ${stage}/inside/${name} SYMBOLIC)
+  foreach(header IN LISTS room_OFFERS)
+    get_filename_component(parent ${stage}/offers/${name}/${header} DIRECTORY)
+    file(MAKE_DIRECTORY ${parent})
+    file(CREATE_LINK ${folder}/${header} ${stage}/offers/${name}/${header} SYMBOLIC)
+  endforeach()
+  set(roots ${stage}/inside)
+  foreach(used IN LISTS room_USES)
+    list(APPEND roots ${PROJECT_BINARY_DIR}/rooms/${used}/offers)
+  endforeach()
+  set_property(GLOBAL PROPERTY PIXMORPH_ROOTS_${name} "${roots}")
+endfunction()
+
+# pixmorph_engine(NAME files...): the objects of one engine, which has a room of the same name. They become part of the shared library and of every test.
 set_property(GLOBAL PROPERTY PIXMORPH_ENGINES "")
 function(pixmorph_engine name)
   add_library(pixmorph_${name} OBJECT ${ARGN})
   target_link_libraries(pixmorph_${name} PUBLIC pixmorph_options)
+  get_property(roots GLOBAL PROPERTY PIXMORPH_ROOTS_${name})
+  if(NOT roots)
+    message(FATAL_ERROR "engine ${name}: src/CMakeLists.txt does not say what it may use (pixmorph_room)")
+  endif()
+  target_include_directories(pixmorph_${name} PRIVATE ${roots})
   foreach(file IN LISTS ARGN)
     if(file MATCHES "_(sse41|avx2|avx512)\\.cpp$")
       set_source_files_properties(${file} PROPERTIES COMPILE_OPTIONS "${PIXMORPH_FLAGS_${CMAKE_MATCH_1}}")
@@ -38,10 +69,11 @@ function(pixmorph_engine name)
 endfunction()
 
 # pixmorph_link_engines(TARGET): links the library's objects into a test or benchmark, so that it reaches what the shared
-# library hides.
+# library hides, and every header under src/.
 function(pixmorph_link_engines target)
   get_property(engines GLOBAL PROPERTY PIXMORPH_ENGINES)
   target_link_libraries(${target} PRIVATE pixmorph_options)
+  target_include_directories(${target} PRIVATE ${PROJECT_SOURCE_DIR}/src)
   foreach(engine IN LISTS engines)
     target_link_libraries(${target} PRIVATE ${engine})
   endforeach()

@@ -1,6 +1,6 @@
 #include "component/deinterlace_maker.h"
 
-#include "deinterlace/deinterlacer.h"
+#include "deinterlace/field_restorer.h"
 #include "foundation/debug_output.h"
 
 namespace KorvaneSoftware {

@@ -91,12 +91,10 @@ HRESULT CPixmorph::GetFormatId(std::uint32_t* pFormatId, std::uint32_t fourCC) {
 }
 
 HRESULT CPixmorph::CheckConversion(std::uint32_t dstFormat, std::uint32_t srcFormat) {
-    // The real path at size zero: no plane is touched, so an address that is merely not null will do.
-    std::uint8_t* const plane = reinterpret_cast<std::uint8_t*>(std::uintptr_t{1});
-    std::uint8_t* const dst[4] = {plane};
-    const std::uint8_t* const src[4] = {plane};
-    const std::int32_t strides[4] = {};
-    return static_cast<IColorConversion*>(this)->Pixmorph(dst, strides, src, strides, 0, 0, dstFormat, srcFormat);
+    const PublicFormatRecord* const dst = FindPublicFormat(PublicIdFromFourCC(dstFormat));
+    const PublicFormatRecord* const src = FindPublicFormat(PublicIdFromFourCC(srcFormat));
+    if (dst == nullptr || src == nullptr) return E_INVALIDARG;
+    return HasConversion(dst->format, src->format) ? S_OK : E_FAIL;
 }
 
 HRESULT CPixmorph::PixmorphMethod0() { return E_NOTIMPL; }

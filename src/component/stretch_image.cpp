@@ -1,7 +1,6 @@
 #include "component/stretch_image.h"
 
 #include "convert/conversion_dispatch.h"
-#include "convert/resample.h"
 
 namespace KorvaneSoftware {
 
@@ -37,7 +36,6 @@ HRESULT CStretchImage::StretchImage(void* lpvDst, const void* lpvSrc, std::uint3
         ImageDescriptor dst = HeadOf(format, nWidthDst, nHeightDst);
         if (ImageSetPlanes(&src, Writable(lpvSrc), iStrideSrc) != IMG_OK) return E_FAIL;
         if (ImageSetPlanes(&dst, Writable(lpvDst), iStrideDst) != IMG_OK) return E_FAIL;
-        if (ResizeImageDirect(&dst, &src) == IMG_OK) return S_OK;
         return ResultOf(converter_->Convert(&dst, &src));
     });
 }

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "component/com_object.h"
-#include "convert/image_converter.h"
+#include "resize/image_converter.h"
 
 namespace KorvaneSoftware {
 

@@ -55,6 +55,18 @@ Status ImageConversionDispatch(const ImageDescriptor* dst, const ImageDescriptor
     });
 }
 
+bool HasConversion(std::uint32_t dstFormat, std::uint32_t srcFormat) {
+    const ConversionSource* const row = FindConversionSource(srcFormat);
+    if (row == nullptr) return false;
+    for (const ConversionPath& path : row->paths) {
+        if (!Contains(path.destinations, dstFormat)) continue;
+        // Copies go by the rows and lines of the source's format, which P016 has none of.
+        const bool isCopy = path.step == static_cast<ConversionStep>(CopyPlanes);
+        return !isCopy || FormatInfoOf({{row->as}}) != nullptr;
+    }
+    return false;
+}
+
 Status ConvertToUYVY(const ImageDescriptor* dst, const ImageDescriptor* src) {
     if (dst == nullptr || src == nullptr) return IMG_E_NULL_ARG;
     if (dst->format != FMT_UYVY) return IMG_E_BAD_FORMAT;

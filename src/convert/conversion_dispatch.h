@@ -16,7 +16,10 @@ namespace KorvaneSoftware {
 ///         IMG_E_EXCEPTION       something was thrown
 Status ImageConversionDispatch(const ImageDescriptor* dst, const ImageDescriptor* src);
 
-/// The same for a UYVY destination: any source that has a path there.
+/// Whether pictures of `srcFormat` can be converted into `dstFormat`, at the sizes that the pair allows.
+bool HasConversion(std::uint32_t dstFormat, std::uint32_t srcFormat);
+
+/// The same as ImageConversionDispatch for a UYVY destination: any source that has a path there.
 /// @return IMG_E_BAD_FORMAT when `dst` is not UYVY; otherwise as ImageConversionDispatch.
 Status ConvertToUYVY(const ImageDescriptor* dst, const ImageDescriptor* src);
 

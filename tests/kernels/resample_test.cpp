@@ -5,9 +5,9 @@
 #include <string>
 #include <vector>
 
-#include "convert/resample_plan.h"
-#include "convert/resample_rows.h"
 #include "kernels/kernel_check.h"
+#include "resize/resample_rows.h"
+#include "resize/row_plans.h"
 #include "support/picture.h"
 
 namespace pixmorph_test {
@@ -45,7 +45,8 @@ void CheckRowSlot(const RowSlot& slot, const LineKind (&kinds)[KindCount],
         for (const auto& sizes : widths) {
             const std::uint32_t from = sizes[0];
             const std::uint32_t to = sizes[1];
-            const std::shared_ptr<const RowPlan> plan = MakeRowPlan(kind, from, to);
+            RowPlans rowPlans;
+            const RowPlan plan = rowPlans.Find(kind, from, to);
             for (const Fill fill : kFills) {
                 TestPlane src(LineBytes(kind, from), 1, {0, false, static_cast<int>(generator.Below(64))});
                 src.Fill(fill, generator.Below(1u << 30));
@@ -55,7 +56,7 @@ void CheckRowSlot(const RowSlot& slot, const LineKind (&kinds)[KindCount],
                 ForEachVariant(slot, [&](auto* variant, auto* plain) {
                     ExpectEqualOutput(
                         variant, plain, LineBytes(kind, to), offset,
-                        [&](auto* form, std::uint8_t* dst) { form(dst, src.Row(0), *plan); }, context);
+                        [&](auto* form, std::uint8_t* dst) { form(dst, src.Row(0), plan); }, context);
                 });
             }
         }
@@ -89,14 +90,15 @@ TEST(ResampleKernels, HalveRows8) {
         for (const auto& sizes : kMeanWidths) {
             const std::uint32_t from = sizes[0];
             const std::uint32_t to = sizes[1];
-            const std::shared_ptr<const RowPlan> plan = MakeRowPlan(kind, from, to);
+            RowPlans rowPlans;
+            const RowPlan plan = rowPlans.Find(kind, from, to);
             for (const Fill fill : kFills) {
                 TestPlane src(LineBytes(kind, from), 2, {static_cast<int>(generator.Below(40)), false, 3});
                 src.Fill(fill, generator.Below(1u << 30));
                 ForEachVariant(HalveRows8, [&](auto* variant, auto* plain) {
                     ExpectEqualOutput(
                         variant, plain, LineBytes(kind, to), 5,
-                        [&](auto* form, std::uint8_t* dst) { form(dst, src.Row(0), src.Row(1), *plan); },
+                        [&](auto* form, std::uint8_t* dst) { form(dst, src.Row(0), src.Row(1), plan); },
                         "kind " + std::to_string(static_cast<int>(kind)) + " from " + std::to_string(from));
                 });
             }

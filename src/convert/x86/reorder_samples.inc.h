@@ -6,7 +6,7 @@
 // plane.
 #pragma once
 
-#include "convert/x86/lines.inc.h"
+#include "convert/simd/lines.inc.h"
 
 namespace KorvaneSoftware::PIXMORPH_SIMD {
 // Members of types are external whatever they are declared: without a name around them, no other family's type of the

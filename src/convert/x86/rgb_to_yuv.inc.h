@@ -2,10 +2,10 @@
 // line is moved back so that it ends with the line.
 #pragma once
 
-#include "convert/x86/colour.inc.h"
+#include "convert/simd/colour.inc.h"
+#include "convert/simd/rgb_lines.inc.h"
+#include "convert/simd/rgb_pixels.inc.h"
 #include "convert/x86/rgb_forms.h"
-#include "convert/x86/rgb_lines.inc.h"
-#include "convert/x86/rgb_pixels.inc.h"
 
 namespace KorvaneSoftware {
 namespace PIXMORPH_SIMD {

@@ -1,3 +1,3 @@
-#include "convert/x86/rgb_lanes_sse41.h"
+#include "convert/simd/rgb_lanes_sse41.h"
 
 #include "convert/x86/rgb_to_yuv.inc.h"

@@ -1,6 +1,6 @@
 // Samples in 16-bit words to bytes, over registers of any width. Words stay in 16-bit lanes until they are stored: a
 // packed picture is then a luma word and a chroma word joined, with no bytes to interleave.
-#include "convert/x86/lines.inc.h"
+#include "convert/simd/lines.inc.h"
 #include "convert/x86/sixteen_bit_forms.h"
 #include "foundation/simd/walk_line.inc.h"
 #include "foundation/store_policy.h"

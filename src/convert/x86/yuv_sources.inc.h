@@ -2,7 +2,7 @@
 // chroma is interpolated along the line here, and between lines where two lines share it.
 #pragma once
 
-#include "convert/x86/rgb_lines.inc.h"
+#include "convert/simd/rgb_lines.inc.h"
 
 namespace KorvaneSoftware::PIXMORPH_SIMD {
 namespace {

@@ -2,10 +2,10 @@
 // that it ends with the line; only there is the chroma sample behind the last one missing.
 #pragma once
 
-#include "convert/x86/colour.inc.h"
+#include "convert/simd/colour.inc.h"
+#include "convert/simd/rgb_lines.inc.h"
+#include "convert/simd/rgb_pixels.inc.h"
 #include "convert/x86/rgb_forms.h"
-#include "convert/x86/rgb_lines.inc.h"
-#include "convert/x86/rgb_pixels.inc.h"
 #include "convert/x86/yuv_sources.inc.h"
 
 namespace KorvaneSoftware {

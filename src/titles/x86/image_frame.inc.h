@@ -1,7 +1,7 @@
 // Kernels whose destination is a UYVY or YUY2 frame: a reader brings kPixels source pixels into the frame's order, and
 // a mixing takes the frame's bytes, or black in their place, towards them. Region alphas are at most 255, so that the
 // factor is 256 at most.
-#include "convert/x86/colour.inc.h"
+#include "convert/simd/colour.inc.h"
 #include "titles/x86/title_forms.h"
 #include "titles/x86/title_rows.inc.h"
 

@@ -1,3 +1,3 @@
-#include "convert/x86/rgb_lanes_avx512.h"
+#include "convert/simd/rgb_lanes_avx512.h"
 
 #include "titles/x86/image_frame.inc.h"

@@ -1,7 +1,7 @@
 // Kernels whose destination is BGRA: a reader brings kPixels source pixels into BGRA order, and a mixing works on one
 // register of them at a time. Region alphas are at most 255, so that the factor is 256 at most and every first product
 // of two bytes, or of a byte and the factor, stays within an unsigned word.
-#include "convert/x86/colour.inc.h"
+#include "convert/simd/colour.inc.h"
 #include "titles/x86/title_forms.h"
 #include "titles/x86/title_rows.inc.h"
 

@@ -11,7 +11,7 @@
 
 #include <cstring>
 
-#include "convert/x86/rgb_pixels.inc.h"
+#include "convert/simd/rgb_pixels.inc.h"
 #include "titles/title_mix.h"
 
 namespace KorvaneSoftware::PIXMORPH_SIMD {

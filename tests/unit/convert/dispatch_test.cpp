@@ -91,6 +91,20 @@ TEST(ConversionDispatch, NullsAndSizesAreTestedInOrder) {
     EXPECT_EQ(km::ImageConversionDispatch(nullptr, &ayuv), km::IMG_E_UNSUPPORTED);
 }
 
+// The table answers for every pair as the conversion of a picture of no size does.
+TEST(ConversionDispatch, SaysWhichPairsHaveAConversion) {
+    int pairs = 0;
+    for (std::uint32_t src = 0; src < 70; ++src) {
+        for (std::uint32_t dst = 0; dst < 70; ++dst) {
+            const km::ImageDescriptor from = EmptyPicture(src), to = EmptyPicture(dst);
+            const bool converts = km::ImageConversionDispatch(&to, &from) == km::IMG_OK;
+            EXPECT_EQ(km::HasConversion(dst, src), converts) << dst << " from " << src;
+            pairs += converts;
+        }
+    }
+    EXPECT_GT(pairs, 200);
+}
+
 // Every path at sizes around what it asks for: the status, and not a byte beside the rows.
 TEST(ConversionDispatch, EveryPathAsksForItsMultiples) {
     for (const auto& [from, destinations] : ReadConversionTable()) {

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "deinterlace/deinterlacer.h"
+#include "deinterlace/field_restorer.h"
 #include "deinterlace/field_restoration.h"
 #include "support/features.h"
 #include "support/random.h"

@@ -1,4 +1,4 @@
-#include "convert/image_converter.h"
+#include "resize/image_converter.h"
 
 #include <gtest/gtest.h>
 
@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "convert/conversion_dispatch.h"
-#include "convert/resample.h"
 #include "support/picture.h"
+#include "support/resize.h"
 
 namespace pixmorph_test {
 namespace {
@@ -163,8 +163,8 @@ TEST_F(ImageConverter, FormatAndSizeGiveThePictureOfBothSteps) {
     ASSERT_EQ(converter_->Convert(&dst.Desc(), &src.Desc()), km::IMG_OK);
     TestPicture converted(km::FMT_UYVY, 40, 24), wide(km::FMT_UYVY, 64, 24), expected(km::FMT_UYVY, 64, 48);
     ASSERT_EQ(km::ImageConversionDispatch(&converted.Desc(), &src.Desc()), km::IMG_OK);
-    ASSERT_EQ(km::ResizeHorizontal(&wide.Desc(), &converted.Desc()), km::IMG_OK);
-    ASSERT_EQ(km::ResizeVertical(&expected.Desc(), &wide.Desc()), km::IMG_OK);
+    ASSERT_EQ(Resize(&wide.Desc(), &converted.Desc()), km::IMG_OK);
+    ASSERT_EQ(Resize(&expected.Desc(), &wide.Desc()), km::IMG_OK);
     EXPECT_EQ(dst.FirstDifference(expected), "");
     EXPECT_TRUE(dst.GuardsIntact());
 }
@@ -192,10 +192,10 @@ TEST_F(ImageConverter, PassesRunInTheOrderThatPays) {
         TestPicture lower(c.format, c.srcWidth, c.dstHeight), wider(c.format, c.dstWidth, c.srcHeight);
         TestPicture verticalFirst(c.format, c.dstWidth, c.dstHeight),
             horizontalFirst(c.format, c.dstWidth, c.dstHeight);
-        ASSERT_EQ(km::ResizeVertical(&lower.Desc(), &src.Desc()), km::IMG_OK);
-        ASSERT_EQ(km::ResizeHorizontal(&verticalFirst.Desc(), &lower.Desc()), km::IMG_OK);
-        ASSERT_EQ(km::ResizeHorizontal(&wider.Desc(), &src.Desc()), km::IMG_OK);
-        ASSERT_EQ(km::ResizeVertical(&horizontalFirst.Desc(), &wider.Desc()), km::IMG_OK);
+        ASSERT_EQ(Resize(&lower.Desc(), &src.Desc()), km::IMG_OK);
+        ASSERT_EQ(Resize(&verticalFirst.Desc(), &lower.Desc()), km::IMG_OK);
+        ASSERT_EQ(Resize(&wider.Desc(), &src.Desc()), km::IMG_OK);
+        ASSERT_EQ(Resize(&horizontalFirst.Desc(), &wider.Desc()), km::IMG_OK);
         EXPECT_NE(verticalFirst.FirstDifference(horizontalFirst), "") << "the orders cannot be told apart";
         EXPECT_EQ(dst.FirstDifference(c.verticalFirst ? verticalFirst : horizontalFirst), "");
         EXPECT_TRUE(dst.GuardsIntact());

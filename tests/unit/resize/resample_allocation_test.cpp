@@ -6,19 +6,23 @@
 #include <new>
 
 #include "convert/conversion_dispatch.h"
-#include "convert/image_converter.h"
+#include "resize/image_converter.h"
 #include "support/features.h"
 #include "support/picture.h"
 
 namespace {
 
 std::atomic<int> g_allocations{0};
+// Allocations that still succeed; below 0, all do.
+std::atomic<int> g_granted{-1};
 
 }  // namespace
 
 extern "C" void* __real_malloc(std::size_t size);
 extern "C" void* __wrap_malloc(std::size_t size) {
     g_allocations.fetch_add(1, std::memory_order_relaxed);
+    if (g_granted == 0) return nullptr;
+    if (g_granted > 0) --g_granted;
     return __real_malloc(size);
 }
 
@@ -71,6 +75,61 @@ TEST(ResampleAllocation, NothingIsAllocatedInTheSteadyState) {
         const int before = g_allocations;
         ASSERT_EQ(converter->Convert(&dst.Desc(), &src.Desc()), IMG_OK);
         EXPECT_GT(g_allocations, before);
+    }
+}
+
+// Enlarges and reduces to `count` sizes in turn, and counts the allocations of rounds 3 and 4.
+int AllocationsInRotation(std::uint32_t format, std::uint32_t count) {
+    ImageConverterPtr converter(CreateImageConverter());
+    TestPicture src(format, 320, 16);
+    src.Fill(Fill::Random, 1);
+    TestPicture room(format, 320 + 2 * count, 24);
+    int before = 0;
+    for (int round = 0; round < 4; ++round) {
+        if (round == 2) before = g_allocations;
+        for (std::uint32_t i = 0; i < count; ++i) {
+            ImageDescriptor dst = room.Desc();
+            dst.width = 160 + 4 * i + 2;
+            if (dst.width > room.Desc().width) dst.width = room.Desc().width - 2 * (i % 16);
+            EXPECT_EQ(converter->Convert(&dst, &src.Desc()), IMG_OK);
+        }
+    }
+    return g_allocations - before;
+}
+
+TEST(ResampleAllocation, FortySizesInRotationAllocateNothing) {
+    EXPECT_EQ(AllocationsInRotation(FMT_I420, 40), 0);
+    EXPECT_EQ(AllocationsInRotation(FMT_UYVY, 40), 0);
+    EXPECT_EQ(AllocationsInRotation(FMT_BGR, 40), 0);
+}
+
+TEST(ResampleAllocation, NorDoMoreSizesThanAreKept) { EXPECT_EQ(AllocationsInRotation(FMT_Y444, 400), 0); }
+
+// Without memory for tables the plain forms make the picture; with memory again the tables are made.
+TEST(ResampleAllocation, TablesThatCannotBeHadAreDoneWithout) {
+    for (const std::uint32_t format : {FMT_Y400, FMT_UYVY, FMT_BGR, FMT_NV12, FMT_S420}) {
+        for (const std::uint32_t width : {222u, 428u}) {
+            const TestPicture src = [&] {
+                TestPicture picture(format, 300, 8);
+                picture.Fill(Fill::Random, 2);
+                return picture;
+            }();
+            TestPicture expected(format, width, 8);
+            ASSERT_EQ(ImageConverterPtr(CreateImageConverter())->Convert(&expected.Desc(), &src.Desc()), IMG_OK);
+            for (const int granted : {0, 1}) {
+                ImageConverterPtr converter(CreateImageConverter());
+                TestPicture dst(format, width, 8);
+                g_granted = granted;
+                const Status status = converter->Convert(&dst.Desc(), &src.Desc());
+                g_granted = -1;
+                ASSERT_EQ(status, IMG_OK) << format;
+                EXPECT_EQ(dst.FirstDifference(expected), "") << format << " " << granted;
+                const int before = g_allocations;
+                ASSERT_EQ(converter->Convert(&dst.Desc(), &src.Desc()), IMG_OK);
+                EXPECT_GT(g_allocations, before) << "the tables are tried again";
+                EXPECT_EQ(dst.FirstDifference(expected), "") << format;
+            }
+        }
     }
 }
 

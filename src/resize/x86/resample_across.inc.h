@@ -1,8 +1,9 @@
 // Horizontal resampling over registers of any width, driven by the tables of a plan.
-#include "convert/x86/resample_forms.h"
+#include "resize/x86/resample_forms.h"
 
 namespace KorvaneSoftware {
 namespace PIXMORPH_SIMD {
+namespace {
 
 // A group of four blocks fills this many registers of samples that are twice or four times as wide as stored ones.
 constexpr int kParts = 4 / kVecLanes;
@@ -52,8 +53,8 @@ struct HeldTables {
 
 /// Calls body(output, source, tables) for each group of `groupBytes` output bytes.
 template <bool OneStep, class Body>
-static inline void ForEachGroup(std::uint8_t* dst, const std::uint8_t* src, const RowPlan& plan, std::size_t groupBytes,
-                                Body body) {
+inline void ForEachGroup(std::uint8_t* dst, const std::uint8_t* src, const RowPlan& plan, std::size_t groupBytes,
+                         Body body) {
     const std::uint32_t count = plan.groupCount;
     const std::uint32_t steps = OneStep ? 1 : plan.stepCount;
     std::uint8_t* const lastOutput = dst + plan.dstBytes - groupBytes;
@@ -80,7 +81,7 @@ static inline void ForEachGroup(std::uint8_t* dst, const std::uint8_t* src, cons
 }
 
 /// 32 words as bytes.
-static inline void StoreWordsAsBytes(std::uint8_t* dst, const Vec (&words)[kParts]) {
+inline void StoreWordsAsBytes(std::uint8_t* dst, const Vec (&words)[kParts]) {
     if constexpr (kParts == 1) {
         StoreNarrow16To8(dst, words[0]);
     } else {
@@ -93,7 +94,7 @@ static inline void StoreWordsAsBytes(std::uint8_t* dst, const Vec (&words)[kPart
 // later + ((later - earlier) * -weight + 0x4000 >> 15): differences of bytes times weights from -32768 to 0 fit the
 // rounding product of 16 bits.
 template <bool OneStep>
-static void LinearBytes(std::uint8_t* dst, const std::uint8_t* src, const RowPlan& plan) {
+void LinearBytes(std::uint8_t* dst, const std::uint8_t* src, const RowPlan& plan) {
     const Vec laterMinusEarlier = Set16(0x01FF);
     const std::uint32_t steps = plan.stepCount;
     ForEachGroup<OneStep>(dst, src, plan, 32, [&](std::uint8_t* output, const std::uint8_t* from, const auto& tables) {
@@ -109,7 +110,7 @@ static void LinearBytes(std::uint8_t* dst, const std::uint8_t* src, const RowPla
     });
 }
 
-static void LinearWords(std::uint8_t* dst, const std::uint8_t* src, const RowPlan& plan) {
+void LinearWords(std::uint8_t* dst, const std::uint8_t* src, const RowPlan& plan) {
     const Vec low = Set32(0xFFFF);
     const Vec half = Set32(0x4000);
     const std::uint32_t steps = plan.stepCount;
@@ -127,7 +128,7 @@ static void LinearWords(std::uint8_t* dst, const std::uint8_t* src, const RowPla
 
 // Sums below 2^15: a plan is narrow only then.
 template <bool OneStep, bool Shifted>
-static void AreaNarrow(std::uint8_t* dst, const std::uint8_t* src, const RowPlan& plan) {
+void AreaNarrow(std::uint8_t* dst, const std::uint8_t* src, const RowPlan& plan) {
     const Vec bias = Set16(plan.area.bias);
     const Vec multiplier = Set16(plan.area.multiplier);
     const int shift = plan.area.shift;
@@ -146,7 +147,7 @@ static void AreaNarrow(std::uint8_t* dst, const std::uint8_t* src, const RowPlan
     });
 }
 
-static void AreaNarrowAny(std::uint8_t* dst, const std::uint8_t* src, const RowPlan& plan) {
+void AreaNarrowAny(std::uint8_t* dst, const std::uint8_t* src, const RowPlan& plan) {
     if (plan.stepCount == 1)
         (plan.area.shift == 0 ? AreaNarrow<true, false> : AreaNarrow<true, true>)(dst, src, plan);
     else
@@ -156,7 +157,7 @@ static void AreaNarrowAny(std::uint8_t* dst, const std::uint8_t* src, const RowP
 // Sums of 32 bits. Words are moved to the signed range for the product; with weights that add up to the source's size
 // that takes 32768 times the size off the sum, which the start value puts back.
 template <bool Words>
-static void AreaWide(std::uint8_t* dst, const std::uint8_t* src, const RowPlan& plan) {
+void AreaWide(std::uint8_t* dst, const std::uint8_t* src, const RowPlan& plan) {
     const Vec start = Words ? Set32(static_cast<int>(plan.srcWidth << 15)) : Zero();
     const Vec flip = Words ? Set16(-0x8000) : Zero();
     const float reciprocal = plan.area.reciprocal;
@@ -179,7 +180,7 @@ static void AreaWide(std::uint8_t* dst, const std::uint8_t* src, const RowPlan& 
 }
 
 /// Means of neighbours, which `order` brings together: two registers become one.
-static inline Vec MeanOfPairs(Vec first, Vec second, Vec order) {
+inline Vec MeanOfPairs(Vec first, Vec second, Vec order) {
     const Vec ones = Set8(1);
     const Vec low = Avg16(MulAddPairs8(Shuffle8(first, order), ones), Zero());
     const Vec high = Avg16(MulAddPairs8(Shuffle8(second, order), ones), Zero());
@@ -189,42 +190,42 @@ static inline Vec MeanOfPairs(Vec first, Vec second, Vec order) {
 /// Calls body(output byte) for each full register, the last one moved back to end with the line. The line is at least
 /// one register long and a multiple of the order's unit, so that the order holds there as well.
 template <class Body>
-static inline void ForEachRegister(std::size_t bytes, Body body) {
+inline void ForEachRegister(std::size_t bytes, Body body) {
     std::size_t i = 0;
     for (; i + kVecBytes <= bytes; i += kVecBytes) body(i);
     if (i < bytes) body(bytes - kVecBytes);
 }
 
+}  // namespace
 }  // namespace PIXMORPH_SIMD
 
-void PIXMORPH_SIMD_NAME(LinearRow8)(std::uint8_t* dst, const std::uint8_t* src, const RowPlan& plan) {
+void PIXMORPH_SIMD::LinearRow8(std::uint8_t* dst, const std::uint8_t* src, const RowPlan& plan) {
     if (plan.groupCount == 0)
-        LinearRow8_Plain(dst, src, plan);
+        plain::LinearRow8(dst, src, plan);
     else
-        (plan.stepCount == 1 ? PIXMORPH_SIMD::LinearBytes<true> : PIXMORPH_SIMD::LinearBytes<false>)(dst, src, plan);
+        (plan.stepCount == 1 ? LinearBytes<true> : LinearBytes<false>)(dst, src, plan);
 }
 
-void PIXMORPH_SIMD_NAME(LinearRow16)(std::uint8_t* dst, const std::uint8_t* src, const RowPlan& plan) {
-    (plan.groupCount == 0 ? LinearRow16_Plain : PIXMORPH_SIMD::LinearWords)(dst, src, plan);
+void PIXMORPH_SIMD::LinearRow16(std::uint8_t* dst, const std::uint8_t* src, const RowPlan& plan) {
+    (plan.groupCount == 0 ? plain::LinearRow16 : LinearWords)(dst, src, plan);
 }
 
-void PIXMORPH_SIMD_NAME(AreaRow8)(std::uint8_t* dst, const std::uint8_t* src, const RowPlan& plan) {
+void PIXMORPH_SIMD::AreaRow8(std::uint8_t* dst, const std::uint8_t* src, const RowPlan& plan) {
     if (plan.groupCount == 0)
-        AreaRow8_Plain(dst, src, plan);
+        plain::AreaRow8(dst, src, plan);
     else
-        (plan.wide ? PIXMORPH_SIMD::AreaWide<false> : PIXMORPH_SIMD::AreaNarrowAny)(dst, src, plan);
+        (plan.wide ? AreaWide<false> : AreaNarrowAny)(dst, src, plan);
 }
 
-void PIXMORPH_SIMD_NAME(AreaRow16)(std::uint8_t* dst, const std::uint8_t* src, const RowPlan& plan) {
-    (plan.groupCount == 0 ? AreaRow16_Plain : PIXMORPH_SIMD::AreaWide<true>)(dst, src, plan);
+void PIXMORPH_SIMD::AreaRow16(std::uint8_t* dst, const std::uint8_t* src, const RowPlan& plan) {
+    (plan.groupCount == 0 ? plain::AreaRow16 : AreaWide<true>)(dst, src, plan);
 }
 
-void PIXMORPH_SIMD_NAME(MeanRow8)(std::uint8_t* dst, const std::uint8_t* src, const RowPlan& plan) {
-    using namespace PIXMORPH_SIMD;
+void PIXMORPH_SIMD::MeanRow8(std::uint8_t* dst, const std::uint8_t* src, const RowPlan& plan) {
     if (plan.groupCount != 0) {
         AreaNarrowAny(dst, src, plan);
     } else if (plan.pairOrder[0] == 255 || plan.dstBytes < kVecBytes) {
-        MeanRow8_Plain(dst, src, plan);
+        plain::MeanRow8(dst, src, plan);
     } else {
         const Vec order = Repeat128(plan.pairOrder);
         ForEachRegister(plan.dstBytes, [&](std::size_t i) {
@@ -233,11 +234,9 @@ void PIXMORPH_SIMD_NAME(MeanRow8)(std::uint8_t* dst, const std::uint8_t* src, co
     }
 }
 
-void PIXMORPH_SIMD_NAME(HalveRows8)(std::uint8_t* dst, const std::uint8_t* a, const std::uint8_t* b,
-                                    const RowPlan& plan) {
-    using namespace PIXMORPH_SIMD;
+void PIXMORPH_SIMD::HalveRows8(std::uint8_t* dst, const std::uint8_t* a, const std::uint8_t* b, const RowPlan& plan) {
     if (plan.pairOrder[0] == 255 || plan.dstBytes < kVecBytes) {
-        HalveRows8_Plain(dst, a, b, plan);
+        plain::HalveRows8(dst, a, b, plan);
         return;
     }
     const Vec order = Repeat128(plan.pairOrder);
@@ -248,10 +247,9 @@ void PIXMORPH_SIMD_NAME(HalveRows8)(std::uint8_t* dst, const std::uint8_t* a, co
     });
 }
 
-void PIXMORPH_SIMD_NAME(MeanRow16)(std::uint8_t* dst, const std::uint8_t* src, const RowPlan& plan) {
-    using namespace PIXMORPH_SIMD;
+void PIXMORPH_SIMD::MeanRow16(std::uint8_t* dst, const std::uint8_t* src, const RowPlan& plan) {
     if (plan.dstBytes < kVecBytes) {
-        MeanRow16_Plain(dst, src, plan);
+        plain::MeanRow16(dst, src, plan);
         return;
     }
     const Vec low = Set32(0xFFFF);

@@ -1,4 +1,4 @@
-#include "deinterlace/deinterlacer.h"
+#include "deinterlace/field_restorer.h"
 
 #include "deinterlace/field_restoration.h"
 

@@ -1,9 +1,10 @@
-#include "convert/resample_rows.h"
+#include "resize/resample_rows.h"
 
 #include <cstring>
 #include <numeric>
 
-#include "convert/x86/resample_forms.h"
+#include "foundation/image_descriptor.h"
+#include "resize/x86/resample_forms.h"
 
 namespace KorvaneSoftware {
 
@@ -142,48 +143,48 @@ void MixArea(std::uint8_t* dst, const std::uint8_t* src, std::int64_t stride, st
 
 }  // namespace
 
-void LinearRow8_Plain(std::uint8_t* dst, const std::uint8_t* src, const RowPlan& plan) {
+void plain::LinearRow8(std::uint8_t* dst, const std::uint8_t* src, const RowPlan& plan) {
     RunLinear<std::uint8_t>(dst, src, plan);
 }
-void MeanRow8_Plain(std::uint8_t* dst, const std::uint8_t* src, const RowPlan& plan) {
+void plain::MeanRow8(std::uint8_t* dst, const std::uint8_t* src, const RowPlan& plan) {
     RunMean<std::uint8_t>(dst, src, plan);
 }
-void AreaRow8_Plain(std::uint8_t* dst, const std::uint8_t* src, const RowPlan& plan) {
+void plain::AreaRow8(std::uint8_t* dst, const std::uint8_t* src, const RowPlan& plan) {
     RunArea<std::uint8_t>(dst, src, plan);
 }
-void MeanRows8_Plain(std::uint8_t* dst, const std::uint8_t* a, const std::uint8_t* b, std::size_t samples) {
+void plain::MeanRows8(std::uint8_t* dst, const std::uint8_t* a, const std::uint8_t* b, std::size_t samples) {
     MixMean<std::uint8_t>(dst, a, b, samples);
 }
-void LinearRows8_Plain(std::uint8_t* dst, const std::uint8_t* earlier, const std::uint8_t* later, std::size_t samples,
-                       std::int32_t weight) {
+void plain::LinearRows8(std::uint8_t* dst, const std::uint8_t* earlier, const std::uint8_t* later, std::size_t samples,
+                        std::int32_t weight) {
     MixLinear<std::uint8_t>(dst, earlier, later, samples, weight);
 }
-void AreaRows8_Plain(std::uint8_t* dst, const std::uint8_t* src, std::int64_t stride, std::size_t samples,
-                     const AreaSpan& span, const AreaScale& scale) {
+void plain::AreaRows8(std::uint8_t* dst, const std::uint8_t* src, std::int64_t stride, std::size_t samples,
+                      const AreaSpan& span, const AreaScale& scale) {
     MixArea<std::uint8_t>(dst, src, stride, samples, span, scale);
 }
-void LinearRow16_Plain(std::uint8_t* dst, const std::uint8_t* src, const RowPlan& plan) {
+void plain::LinearRow16(std::uint8_t* dst, const std::uint8_t* src, const RowPlan& plan) {
     RunLinear<std::uint16_t>(dst, src, plan);
 }
-void MeanRow16_Plain(std::uint8_t* dst, const std::uint8_t* src, const RowPlan& plan) {
+void plain::MeanRow16(std::uint8_t* dst, const std::uint8_t* src, const RowPlan& plan) {
     RunMean<std::uint16_t>(dst, src, plan);
 }
-void AreaRow16_Plain(std::uint8_t* dst, const std::uint8_t* src, const RowPlan& plan) {
+void plain::AreaRow16(std::uint8_t* dst, const std::uint8_t* src, const RowPlan& plan) {
     RunArea<std::uint16_t>(dst, src, plan);
 }
-void MeanRows16_Plain(std::uint8_t* dst, const std::uint8_t* a, const std::uint8_t* b, std::size_t samples) {
+void plain::MeanRows16(std::uint8_t* dst, const std::uint8_t* a, const std::uint8_t* b, std::size_t samples) {
     MixMean<std::uint16_t>(dst, a, b, samples);
 }
-void LinearRows16_Plain(std::uint8_t* dst, const std::uint8_t* earlier, const std::uint8_t* later, std::size_t samples,
-                        std::int32_t weight) {
+void plain::LinearRows16(std::uint8_t* dst, const std::uint8_t* earlier, const std::uint8_t* later, std::size_t samples,
+                         std::int32_t weight) {
     MixLinear<std::uint16_t>(dst, earlier, later, samples, weight);
 }
-void AreaRows16_Plain(std::uint8_t* dst, const std::uint8_t* src, std::int64_t stride, std::size_t samples,
-                      const AreaSpan& span, const AreaScale& scale) {
+void plain::AreaRows16(std::uint8_t* dst, const std::uint8_t* src, std::int64_t stride, std::size_t samples,
+                       const AreaSpan& span, const AreaScale& scale) {
     MixArea<std::uint16_t>(dst, src, stride, samples, span, scale);
 }
 
-void HalveRows8_Plain(std::uint8_t* dstLine, const std::uint8_t* a, const std::uint8_t* b, const RowPlan& plan) {
+void plain::HalveRows8(std::uint8_t* dstLine, const std::uint8_t* a, const std::uint8_t* b, const RowPlan& plan) {
     const std::ptrdiff_t toSecond = b - a;
     ForEachChannel(
         dstLine, a, plan,
@@ -196,52 +197,32 @@ void HalveRows8_Plain(std::uint8_t* dstLine, const std::uint8_t* a, const std::u
         });
 }
 
-namespace {
-
-// The forms of a primitive, from plain to most demanding.
-#define PIXMORPH_RESAMPLE_ROWS(Slot, primitive)                                                              \
-    constexpr Slot::Entry k##primitive##Forms[] = {{FEATURES_PLAIN, primitive##_Plain, #primitive "_Plain"}, \
-                                                   {FEATURES_SSE41, primitive##_Sse41, #primitive "_Sse41"}, \
-                                                   {FEATURES_AVX2, primitive##_Avx2, #primitive "_Avx2"},    \
-                                                   {FEATURES_AVX512BW, primitive##_Avx512, #primitive "_Avx512"}};
-
-PIXMORPH_RESAMPLE_ROWS(RowSlot, LinearRow8)
-PIXMORPH_RESAMPLE_ROWS(RowSlot, LinearRow16)
-PIXMORPH_RESAMPLE_ROWS(RowSlot, MeanRow8)
-PIXMORPH_RESAMPLE_ROWS(RowSlot, MeanRow16)
-PIXMORPH_RESAMPLE_ROWS(RowSlot, AreaRow8)
-PIXMORPH_RESAMPLE_ROWS(RowSlot, AreaRow16)
-PIXMORPH_RESAMPLE_ROWS(HalveSlot, HalveRows8)
-PIXMORPH_RESAMPLE_ROWS(MeanRowsSlot, MeanRows8)
-PIXMORPH_RESAMPLE_ROWS(MeanRowsSlot, MeanRows16)
-PIXMORPH_RESAMPLE_ROWS(LinearRowsSlot, LinearRows8)
-PIXMORPH_RESAMPLE_ROWS(LinearRowsSlot, LinearRows16)
-PIXMORPH_RESAMPLE_ROWS(AreaRowsSlot, AreaRows8)
-PIXMORPH_RESAMPLE_ROWS(AreaRowsSlot, AreaRows16)
-
-#undef PIXMORPH_RESAMPLE_ROWS
-
-}  // namespace
-
-constinit RowSlot LinearRow8{"LinearRow8", kLinearRow8Forms, &ResolveOnFirstCall<LinearRow8>::Call};
-constinit RowSlot LinearRow16{"LinearRow16", kLinearRow16Forms, &ResolveOnFirstCall<LinearRow16>::Call};
-constinit RowSlot MeanRow8{"MeanRow8", kMeanRow8Forms, &ResolveOnFirstCall<MeanRow8>::Call};
-constinit RowSlot MeanRow16{"MeanRow16", kMeanRow16Forms, &ResolveOnFirstCall<MeanRow16>::Call};
-constinit RowSlot AreaRow8{"AreaRow8", kAreaRow8Forms, &ResolveOnFirstCall<AreaRow8>::Call};
-constinit RowSlot AreaRow16{"AreaRow16", kAreaRow16Forms, &ResolveOnFirstCall<AreaRow16>::Call};
-constinit HalveSlot HalveRows8{"HalveRows8", kHalveRows8Forms, &ResolveOnFirstCall<HalveRows8>::Call};
-constinit MeanRowsSlot MeanRows8{"MeanRows8", kMeanRows8Forms, &ResolveOnFirstCall<MeanRows8>::Call};
-constinit MeanRowsSlot MeanRows16{"MeanRows16", kMeanRows16Forms, &ResolveOnFirstCall<MeanRows16>::Call};
-constinit LinearRowsSlot LinearRows8{"LinearRows8", kLinearRows8Forms, &ResolveOnFirstCall<LinearRows8>::Call};
-constinit LinearRowsSlot LinearRows16{"LinearRows16", kLinearRows16Forms, &ResolveOnFirstCall<LinearRows16>::Call};
-constinit AreaRowsSlot AreaRows8{"AreaRows8", kAreaRows8Forms, &ResolveOnFirstCall<AreaRows8>::Call};
-constinit AreaRowsSlot AreaRows16{"AreaRows16", kAreaRows16Forms, &ResolveOnFirstCall<AreaRows16>::Call};
+PIXMORPH_SLOT(RowSlot, LinearRow8, plain::LinearRow8, simd_sse41::LinearRow8, simd_avx2::LinearRow8,
+              simd_avx512::LinearRow8);
+PIXMORPH_SLOT(RowSlot, LinearRow16, plain::LinearRow16, simd_sse41::LinearRow16, simd_avx2::LinearRow16,
+              simd_avx512::LinearRow16);
+PIXMORPH_SLOT(RowSlot, MeanRow8, plain::MeanRow8, simd_sse41::MeanRow8, simd_avx2::MeanRow8, simd_avx512::MeanRow8);
+PIXMORPH_SLOT(RowSlot, MeanRow16, plain::MeanRow16, simd_sse41::MeanRow16, simd_avx2::MeanRow16,
+              simd_avx512::MeanRow16);
+PIXMORPH_SLOT(RowSlot, AreaRow8, plain::AreaRow8, simd_sse41::AreaRow8, simd_avx2::AreaRow8, simd_avx512::AreaRow8);
+PIXMORPH_SLOT(RowSlot, AreaRow16, plain::AreaRow16, simd_sse41::AreaRow16, simd_avx2::AreaRow16,
+              simd_avx512::AreaRow16);
+PIXMORPH_SLOT(HalveSlot, HalveRows8, plain::HalveRows8, simd_sse41::HalveRows8, simd_avx2::HalveRows8,
+              simd_avx512::HalveRows8);
+PIXMORPH_SLOT(MeanRowsSlot, MeanRows8, plain::MeanRows8, simd_sse41::MeanRows8, simd_avx2::MeanRows8,
+              simd_avx512::MeanRows8);
+PIXMORPH_SLOT(MeanRowsSlot, MeanRows16, plain::MeanRows16, simd_sse41::MeanRows16, simd_avx2::MeanRows16,
+              simd_avx512::MeanRows16);
+PIXMORPH_SLOT(LinearRowsSlot, LinearRows8, plain::LinearRows8, simd_sse41::LinearRows8, simd_avx2::LinearRows8,
+              simd_avx512::LinearRows8);
+PIXMORPH_SLOT(LinearRowsSlot, LinearRows16, plain::LinearRows16, simd_sse41::LinearRows16, simd_avx2::LinearRows16,
+              simd_avx512::LinearRows16);
+PIXMORPH_SLOT(AreaRowsSlot, AreaRows8, plain::AreaRows8, simd_sse41::AreaRows8, simd_avx2::AreaRows8,
+              simd_avx512::AreaRows8);
+PIXMORPH_SLOT(AreaRowsSlot, AreaRows16, plain::AreaRows16, simd_sse41::AreaRows16, simd_avx2::AreaRows16,
+              simd_avx512::AreaRows16);
 
 namespace {
-
-const SlotRegistration kRegistration{&LinearRow8,   &LinearRow16, &MeanRow8,  &MeanRow16,  &AreaRow8,
-                                     &AreaRow16,    &HalveRows8,  &MeanRows8, &MeanRows16, &LinearRows8,
-                                     &LinearRows16, &AreaRows8,   &AreaRows16};
 
 // Largest width of which 255 times is exact in single precision.
 constexpr std::uint32_t kLargestExactSource = 65536;
@@ -251,6 +232,28 @@ constexpr std::uint32_t kLargestNarrowSource = 128;
 }  // namespace
 
 const LineLayout& LayoutOf(LineKind kind) { return kLayouts[static_cast<int>(kind)]; }
+
+LineKind LineKindOf(std::uint32_t format, std::uint32_t plane) {
+    switch (format) {
+        case FMT_BGR:
+            return LineKind::Bgr;
+        case FMT_BGRA:
+            return LineKind::Bgra;
+        case FMT_UYVY:
+            return LineKind::Uyvy;
+        case FMT_YUY2:
+        case FMT_YVYU:
+            return LineKind::Yuy2;
+        case FMT_S400:
+        case FMT_S420:
+        case FMT_S422:
+            return LineKind::Words;
+        case FMT_NV12:
+            return plane == 0 ? LineKind::Planar : LineKind::Pairs;
+        default:
+            return LineKind::Planar;
+    }
+}
 
 // With both sizes divided by their common divisor, sums are at most 255 * n for the reduced source size n. In single
 // precision the mean of such a sum is off by less than 2^-15, but two neighbouring means differ by 1 / n, so that only

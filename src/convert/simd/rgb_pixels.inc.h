@@ -2,7 +2,7 @@
 // registers are dealt (see rgb_lanes_sse41.h): pixels in groups of four.
 #pragma once
 
-#include "convert/x86/rgb_lines.inc.h"
+#include "convert/simd/rgb_lines.inc.h"
 
 namespace KorvaneSoftware::PIXMORPH_SIMD {
 namespace {

@@ -1,8 +1,9 @@
 // Vertical resampling over registers of any width: whole lines at once.
-#include "convert/x86/resample_forms.h"
+#include "resize/x86/resample_forms.h"
 
 namespace KorvaneSoftware {
 namespace PIXMORPH_SIMD {
+namespace {
 
 /// Weights of an area average, two lines at a time.
 struct RowWeights {
@@ -16,10 +17,10 @@ struct RowWeights {
     std::uint32_t Second(std::uint32_t row) const { return row + 1 < count ? Of(row + 1) : 0; }
 };
 
-static inline Vec BytePair(const RowWeights& weights, std::uint32_t row) {
+inline Vec BytePair(const RowWeights& weights, std::uint32_t row) {
     return Set16(static_cast<int>(weights.Of(row) | weights.Second(row) << 8));
 }
-static inline Vec WordPair(const RowWeights& weights, std::uint32_t row) {
+inline Vec WordPair(const RowWeights& weights, std::uint32_t row) {
     return Set32(static_cast<int>(weights.Of(row) | weights.Second(row) << 16));
 }
 
@@ -31,15 +32,15 @@ struct PairWeights {
 };
 
 template <class MakePair>
-static inline PairWeights WeightsOfPairs(const RowWeights& weights, MakePair pair) {
+inline PairWeights WeightsOfPairs(const RowWeights& weights, MakePair pair) {
     const std::uint32_t lastRow = (weights.count - 1) & ~1u;
     return {pair(weights, 0), pair(weights, lastRow > 2 ? 2 : 0), pair(weights, lastRow)};
 }
 
 /// Calls add(line a, line b, weights) for each pair of lines; Pairs is their number, or 0 for any above 2.
 template <int Pairs, class Add>
-static inline void ForEachPair(const std::uint8_t* src, std::int64_t stride, std::uint32_t count,
-                               const PairWeights& weights, Add add) {
+inline void ForEachPair(const std::uint8_t* src, std::int64_t stride, std::uint32_t count, const PairWeights& weights,
+                        Add add) {
     add(src, src + stride, weights.first);
     if constexpr (Pairs == 1) return;
     std::uint32_t row = 2;
@@ -55,7 +56,7 @@ static inline void ForEachPair(const std::uint8_t* src, std::int64_t stride, std
 
 /// Calls body(byte) for each register of a line that is at least one long.
 template <class Body>
-static inline void ForEachPlace(std::size_t bytes, Body body) {
+inline void ForEachPlace(std::size_t bytes, Body body) {
     std::size_t i = 0;
     for (; i + kVecBytes <= bytes; i += kVecBytes) body(i);
     if (i < bytes) body(bytes - kVecBytes);
@@ -63,8 +64,8 @@ static inline void ForEachPlace(std::size_t bytes, Body body) {
 
 // Sums below 2^15 by the terms of MakeAreaScale.
 template <int Pairs, bool Shifted>
-static void AverageNarrow(std::uint8_t* dst, const std::uint8_t* src, std::int64_t stride, std::size_t bytes,
-                          const RowWeights& weights, const AreaScale& scale) {
+void AverageNarrow(std::uint8_t* dst, const std::uint8_t* src, std::int64_t stride, std::size_t bytes,
+                   const RowWeights& weights, const AreaScale& scale) {
     const PairWeights pairs = WeightsOfPairs(weights, BytePair);
     const Vec bias = Set16(scale.bias);
     const Vec multiplier = Set16(scale.multiplier);
@@ -89,14 +90,14 @@ static void AverageNarrow(std::uint8_t* dst, const std::uint8_t* src, std::int64
 }
 
 template <int Pairs>
-static void AverageNarrowAny(std::uint8_t* dst, const std::uint8_t* src, std::int64_t stride, std::size_t bytes,
-                             const RowWeights& weights, const AreaScale& scale) {
+void AverageNarrowAny(std::uint8_t* dst, const std::uint8_t* src, std::int64_t stride, std::size_t bytes,
+                      const RowWeights& weights, const AreaScale& scale) {
     (scale.shift == 0 ? AverageNarrow<Pairs, false> : AverageNarrow<Pairs, true>)(dst, src, stride, bytes, weights,
                                                                                   scale);
 }
 
-static void AverageWideBytes(std::uint8_t* dst, const std::uint8_t* src, std::int64_t stride, std::size_t bytes,
-                             const RowWeights& weights, float reciprocal) {
+void AverageWideBytes(std::uint8_t* dst, const std::uint8_t* src, std::int64_t stride, std::size_t bytes,
+                      const RowWeights& weights, float reciprocal) {
     const PairWeights pairs = WeightsOfPairs(weights, WordPair);
     ForEachPlace(bytes, [&](std::size_t i) {
         Vec sums[4] = {Zero(), Zero(), Zero(), Zero()};
@@ -121,8 +122,8 @@ static void AverageWideBytes(std::uint8_t* dst, const std::uint8_t* src, std::in
 
 // Words are moved to the signed range for the product; the weights add up to `total`, so that 32768 times as much is
 // missing from the sum and is what it starts with.
-static void AverageWords(std::uint8_t* dst, const std::uint8_t* src, std::int64_t stride, std::size_t bytes,
-                         const RowWeights& weights, float reciprocal, std::uint32_t total) {
+void AverageWords(std::uint8_t* dst, const std::uint8_t* src, std::int64_t stride, std::size_t bytes,
+                  const RowWeights& weights, float reciprocal, std::uint32_t total) {
     const PairWeights pairs = WeightsOfPairs(weights, WordPair);
     const Vec flip = Set16(-0x8000);
     const Vec start = Set32(static_cast<int>(total << 15));
@@ -144,40 +145,36 @@ static void AverageWords(std::uint8_t* dst, const std::uint8_t* src, std::int64_
 }
 
 /// Whether 16-bit weights and 32-bit sums hold an average of samples up to `limit`.
-static inline bool FitsWide(const AreaSpan& span, std::uint64_t total, std::uint32_t limit) {
+inline bool FitsWide(const AreaSpan& span, std::uint64_t total, std::uint32_t limit) {
     return span.innerWeight <= 0x7FFF && total * limit <= 0x7FFFFFFF;
 }
 
-static inline std::uint64_t TotalWeight(const AreaSpan& span) {
+inline std::uint64_t TotalWeight(const AreaSpan& span) {
     return std::uint64_t{span.firstWeight} + std::uint64_t{span.count - 2} * span.innerWeight + span.lastWeight;
 }
 
+}  // namespace
 }  // namespace PIXMORPH_SIMD
 
-void PIXMORPH_SIMD_NAME(MeanRows8)(std::uint8_t* dst, const std::uint8_t* a, const std::uint8_t* b,
-                                   std::size_t samples) {
-    using namespace PIXMORPH_SIMD;
+void PIXMORPH_SIMD::MeanRows8(std::uint8_t* dst, const std::uint8_t* a, const std::uint8_t* b, std::size_t samples) {
     if (samples < kVecBytes)
-        MeanRows8_Plain(dst, a, b, samples);
+        plain::MeanRows8(dst, a, b, samples);
     else
         ForEachPlace(samples, [&](std::size_t i) { Store(dst + i, Avg8(Load(a + i), Load(b + i))); });
 }
 
-void PIXMORPH_SIMD_NAME(MeanRows16)(std::uint8_t* dst, const std::uint8_t* a, const std::uint8_t* b,
-                                    std::size_t samples) {
-    using namespace PIXMORPH_SIMD;
+void PIXMORPH_SIMD::MeanRows16(std::uint8_t* dst, const std::uint8_t* a, const std::uint8_t* b, std::size_t samples) {
     if (2 * samples < kVecBytes)
-        MeanRows16_Plain(dst, a, b, samples);
+        plain::MeanRows16(dst, a, b, samples);
     else
         ForEachPlace(2 * samples, [&](std::size_t i) { Store(dst + i, Avg16(Load(a + i), Load(b + i))); });
 }
 
 // As for lines across: the negated weight times later - earlier fits the rounding product of 16 bits.
-void PIXMORPH_SIMD_NAME(LinearRows8)(std::uint8_t* dst, const std::uint8_t* earlier, const std::uint8_t* later,
-                                     std::size_t samples, std::int32_t weight) {
-    using namespace PIXMORPH_SIMD;
+void PIXMORPH_SIMD::LinearRows8(std::uint8_t* dst, const std::uint8_t* earlier, const std::uint8_t* later,
+                                std::size_t samples, std::int32_t weight) {
     if (samples < kVecBytes) {
-        LinearRows8_Plain(dst, earlier, later, samples, weight);
+        plain::LinearRows8(dst, earlier, later, samples, weight);
         return;
     }
     const Vec laterMinusEarlier = Set16(0x01FF);
@@ -192,11 +189,10 @@ void PIXMORPH_SIMD_NAME(LinearRows8)(std::uint8_t* dst, const std::uint8_t* earl
     });
 }
 
-void PIXMORPH_SIMD_NAME(LinearRows16)(std::uint8_t* dst, const std::uint8_t* earlier, const std::uint8_t* later,
-                                      std::size_t samples, std::int32_t weight) {
-    using namespace PIXMORPH_SIMD;
+void PIXMORPH_SIMD::LinearRows16(std::uint8_t* dst, const std::uint8_t* earlier, const std::uint8_t* later,
+                                 std::size_t samples, std::int32_t weight) {
     if (2 * samples < kVecBytes) {
-        LinearRows16_Plain(dst, earlier, later, samples, weight);
+        plain::LinearRows16(dst, earlier, later, samples, weight);
         return;
     }
     const Vec factor = Set32(weight);
@@ -212,11 +208,10 @@ void PIXMORPH_SIMD_NAME(LinearRows16)(std::uint8_t* dst, const std::uint8_t* ear
     });
 }
 
-void PIXMORPH_SIMD_NAME(AreaRows8)(std::uint8_t* dst, const std::uint8_t* src, std::int64_t stride, std::size_t samples,
-                                   const AreaSpan& span, const AreaScale& scale) {
-    using namespace PIXMORPH_SIMD;
+void PIXMORPH_SIMD::AreaRows8(std::uint8_t* dst, const std::uint8_t* src, std::int64_t stride, std::size_t samples,
+                              const AreaSpan& span, const AreaScale& scale) {
     if (samples < kVecBytes || !(scale.narrow || FitsWide(span, TotalWeight(span), 255))) {
-        AreaRows8_Plain(dst, src, stride, samples, span, scale);
+        plain::AreaRows8(dst, src, stride, samples, span, scale);
         return;
     }
     const std::uint32_t divisor = scale.narrow ? scale.divisor : 1;
@@ -232,12 +227,11 @@ void PIXMORPH_SIMD_NAME(AreaRows8)(std::uint8_t* dst, const std::uint8_t* src, s
         AverageNarrowAny<0>(dst, src, stride, samples, weights, scale);
 }
 
-void PIXMORPH_SIMD_NAME(AreaRows16)(std::uint8_t* dst, const std::uint8_t* src, std::int64_t stride,
-                                    std::size_t samples, const AreaSpan& span, const AreaScale& scale) {
-    using namespace PIXMORPH_SIMD;
+void PIXMORPH_SIMD::AreaRows16(std::uint8_t* dst, const std::uint8_t* src, std::int64_t stride, std::size_t samples,
+                               const AreaSpan& span, const AreaScale& scale) {
     const std::uint64_t total = TotalWeight(span);
     if (2 * samples < kVecBytes || !FitsWide(span, total, 65535)) {
-        AreaRows16_Plain(dst, src, stride, samples, span, scale);
+        plain::AreaRows16(dst, src, stride, samples, span, scale);
         return;
     }
     const RowWeights weights{span.firstWeight, span.innerWeight, span.lastWeight, span.count};

@@ -10,6 +10,7 @@
 #include "foundation/aligned_memory.h"
 #include "foundation/basic_interface.h"
 #include "foundation/image_descriptor.h"
+#include "resize/row_plans.h"
 
 namespace KorvaneSoftware {
 
@@ -37,7 +38,8 @@ protected:
     ~IImageConverter() = default;
 };
 
-/// One converter belongs to one user: neither the count of references nor the lists of buffers are locked.
+/// One converter belongs to one user: neither the count of references nor what it keeps (temporary pictures, tables of
+/// resizing) is locked. Once it has seen the sizes that it is used for, it allocates nothing.
 class CImageConverter final : public IBasicInterface, public IImageConverter {
 public:
     CImageConverter() = default;
@@ -66,18 +68,17 @@ public:
 private:
     ~CImageConverter() override = default;
 
-    // One direction after the other, through one temporary picture.
-    Status ResizeTwoStages(const ImageDescriptor* dst, const ImageDescriptor* src);
-    // In one call where the engine can, otherwise in two stages; the bytes are the same.
-    Status Resize(const ImageDescriptor* dst, const ImageDescriptor* src);
+    // Within one format; a picture between two passes is kept for the next call.
+    Status Resize(const ImageDescriptor& dst, const ImageDescriptor& src);
     // Format and size through one temporary picture, in the order that costs less or keeps more.
-    Status ResizeAndConvert(const ImageDescriptor* dst, const ImageDescriptor* src);
+    Status ResizeAndConvert(const ImageDescriptor& dst, const ImageDescriptor& src);
 
     using ConverterBuffers = std::list<AlignedBuffer>;
 
     std::uint32_t references_ = 1;
     ConverterBuffers freeBuffers_;
     ConverterBuffers usedBuffers_;
+    RowPlans rowPlans_;
     ConversionFunction convert_ = nullptr;
 };
 

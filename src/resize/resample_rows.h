@@ -52,6 +52,9 @@ struct LineLayout {
 
 const LineLayout& LayoutOf(LineKind kind);
 
+/// The kind of the lines of a plane of a format that can be resized.
+LineKind LineKindOf(std::uint32_t format, std::uint32_t plane);
+
 inline std::size_t LineSamples(LineKind kind, std::uint32_t width) {
     return std::size_t{LayoutOf(kind).samplesPerPixel} * width;
 }
@@ -152,17 +155,21 @@ struct RowPlan {
     const std::uint8_t* weights = nullptr;   ///< 16 bytes for each window (linear: for each block, at its first step).
 };
 
-using RowSlot = DispatchSlot<void(std::uint8_t* dst, const std::uint8_t* src, const RowPlan& plan)>;
+using RowSignature = void(std::uint8_t* dst, const std::uint8_t* src, const RowPlan& plan);
 /// Two lines averaged, then the result halved horizontally.
-using HalveSlot =
-    DispatchSlot<void(std::uint8_t* dst, const std::uint8_t* a, const std::uint8_t* b, const RowPlan& plan)>;
-using MeanRowsSlot =
-    DispatchSlot<void(std::uint8_t* dst, const std::uint8_t* a, const std::uint8_t* b, std::size_t samples)>;
-using LinearRowsSlot = DispatchSlot<void(std::uint8_t* dst, const std::uint8_t* earlier, const std::uint8_t* later,
-                                         std::size_t samples, std::int32_t weight)>;
+using HalveSignature = void(std::uint8_t* dst, const std::uint8_t* a, const std::uint8_t* b, const RowPlan& plan);
+using MeanRowsSignature = void(std::uint8_t* dst, const std::uint8_t* a, const std::uint8_t* b, std::size_t samples);
+using LinearRowsSignature = void(std::uint8_t* dst, const std::uint8_t* earlier, const std::uint8_t* later,
+                                 std::size_t samples, std::int32_t weight);
 /// `src` is the first line of the span.
-using AreaRowsSlot = DispatchSlot<void(std::uint8_t* dst, const std::uint8_t* src, std::int64_t stride,
-                                       std::size_t samples, const AreaSpan& span, const AreaScale& scale)>;
+using AreaRowsSignature = void(std::uint8_t* dst, const std::uint8_t* src, std::int64_t stride, std::size_t samples,
+                               const AreaSpan& span, const AreaScale& scale);
+
+using RowSlot = DispatchSlot<RowSignature>;
+using HalveSlot = DispatchSlot<HalveSignature>;
+using MeanRowsSlot = DispatchSlot<MeanRowsSignature>;
+using LinearRowsSlot = DispatchSlot<LinearRowsSignature>;
+using AreaRowsSlot = DispatchSlot<AreaRowsSignature>;
 
 // Destination and source never overlap. Lines of words may lie at any address.
 extern RowSlot LinearRow8;

@@ -1,10 +1,10 @@
-#include "convert/image_converter.h"
+#include "resize/image_converter.h"
 
 #include <new>
 #include <utility>
 
 #include "convert/copy_image.h"
-#include "convert/resample.h"
+#include "resize/resize_passes.h"
 
 namespace KorvaneSoftware {
 
@@ -26,18 +26,6 @@ private:
     CImageConverter& owner_;
     std::uint8_t* data_;
 };
-
-// The format head of a picture at another size, without planes.
-ImageDescriptor HeadOf(const ImageDescriptor& picture, std::uint32_t width, std::uint32_t height) {
-    ImageDescriptor head = picture;
-    head.width = width;
-    head.height = height;
-    for (int plane = 0; plane < 4; ++plane) {
-        head.planes[plane] = nullptr;
-        head.strides[plane] = 0;
-    }
-    return head;
-}
 
 bool IsSameSize(const ImageDescriptor& a, const ImageDescriptor& b) {
     return a.width == b.width && a.height == b.height;
@@ -87,54 +75,44 @@ Status CImageConverter::Convert(ImageDescriptor* dst, const ImageDescriptor* src
         }
         const bool sameFormat = dst->format == src->format;
         if (IsSameSize(*dst, *src)) return sameFormat ? CopyImage(dst, src) : convert_(dst, src);
-        if (ResizeImageDirect(dst, src) == IMG_OK) return IMG_OK;
-        return sameFormat ? ResizeTwoStages(dst, src) : ResizeAndConvert(dst, src);
+        return sameFormat ? Resize(*dst, *src) : ResizeAndConvert(*dst, *src);
     });
 }
 
-Status CImageConverter::ResizeTwoStages(const ImageDescriptor* dst, const ImageDescriptor* src) {
-    return Guarded([&] {
-        ImageDescriptor horizontalFirst = HeadOf(*src, dst->width, src->height);
-        ImageDescriptor verticalFirst = HeadOf(*src, src->width, dst->height);
-        const std::uint64_t horizontalSize = ImageBufferSizeAligned(&horizontalFirst, kTemporaryAlignment);
-        const std::uint64_t verticalSize = ImageBufferSizeAligned(&verticalFirst, kTemporaryAlignment);
-        // Fewer lines early; when enlarging, lines first only where that halves the temporary picture.
-        const bool isVerticalFirst = dst->height < src->height || verticalSize < horizontalSize >> 1;
-        ImageDescriptor& tmp = isVerticalFirst ? verticalFirst : horizontalFirst;
-        const ScopedBuffer buffer(*this, tmp);
-        if (!buffer) return IMG_E_NO_MEMORY;
-        if (const Status status = buffer.Describe(tmp); status != IMG_OK) return status;
-        return ResizeThrough(dst, &tmp, src);
-    });
+Status CImageConverter::Resize(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    ResizePlan plan;
+    if (const Status status = PlanResize(plan, dst, src); status != IMG_OK) return status;
+    if (plan.between.format == FMT_NONE) {
+        RunResize(plan, rowPlans_);
+        return IMG_OK;
+    }
+    const ScopedBuffer buffer(*this, plan.between);
+    if (!buffer) return IMG_E_NO_MEMORY;
+    if (const Status status = buffer.Describe(plan.between); status != IMG_OK) return status;
+    RunResize(plan, rowPlans_);
+    return IMG_OK;
 }
 
-Status CImageConverter::Resize(const ImageDescriptor* dst, const ImageDescriptor* src) {
-    return ResizeImageDirect(dst, src) == IMG_OK ? IMG_OK : ResizeTwoStages(dst, src);
-}
-
-Status CImageConverter::ResizeAndConvert(const ImageDescriptor* dst, const ImageDescriptor* src) {
-    return Guarded([&] {
-        ImageDescriptor resized = HeadOf(*src, dst->width, dst->height);
-        ImageDescriptor converted = HeadOf(*dst, src->width, src->height);
-        const std::uint64_t resizedSize = ImageBufferSizeAligned(&resized, kTemporaryAlignment);
-        const std::uint64_t convertedSize = ImageBufferSizeAligned(&converted, kTemporaryAlignment);
-        bool isConvertFirst = convertedSize <= resizedSize;
-        if (IsBlockFormat(dst->format))
-            isConvertFirst = false;
-        else if (!isConvertFirst)
-            // Raising the depth before resizing keeps precision, whatever it costs.
-            isConvertFirst = IsWordFormat(dst->format) && !IsWordFormat(src->format);
-        ImageDescriptor& tmp = isConvertFirst ? converted : resized;
-        const ScopedBuffer buffer(*this, tmp);
-        if (!buffer) return IMG_E_NO_MEMORY;
-        if (const Status status = buffer.Describe(tmp); status != IMG_OK) return status;
-        if (isConvertFirst) {
-            if (const Status status = convert_(&tmp, src); status != IMG_OK) return status;
-            return Resize(dst, &tmp);
-        }
-        if (const Status status = Resize(&tmp, src); status != IMG_OK) return status;
-        return convert_(dst, &tmp);
-    });
+Status CImageConverter::ResizeAndConvert(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    const ImageDescriptor resized = HeadAt(src, dst.width, dst.height);
+    const ImageDescriptor converted = HeadAt(dst, src.width, src.height);
+    bool isConvertFirst = ImageBufferSizeAligned(&converted, kTemporaryAlignment) <=
+                          ImageBufferSizeAligned(&resized, kTemporaryAlignment);
+    if (IsBlockFormat(dst.format))
+        isConvertFirst = false;
+    else if (!isConvertFirst)
+        // Raising the depth before resizing keeps precision, whatever it costs.
+        isConvertFirst = IsWordFormat(dst.format) && !IsWordFormat(src.format);
+    ImageDescriptor between = isConvertFirst ? converted : resized;
+    const ScopedBuffer buffer(*this, between);
+    if (!buffer) return IMG_E_NO_MEMORY;
+    if (const Status status = buffer.Describe(between); status != IMG_OK) return status;
+    if (isConvertFirst) {
+        if (const Status status = convert_(&between, &src); status != IMG_OK) return status;
+        return Resize(dst, between);
+    }
+    if (const Status status = Resize(between, src); status != IMG_OK) return status;
+    return convert_(&dst, &between);
 }
 
 Status CImageConverter::ConvertRegion(ImageDescriptor* dst, const ImageDescriptor* src, const ImageRect* rect) {

@@ -1,7 +1,7 @@
 // What the kernels between YUV and RGB share: steps along a line and the choice of stores.
 #pragma once
 
-#include "convert/x86/lines.inc.h"
+#include "convert/simd/lines.inc.h"
 #include "foundation/store_policy.h"
 
 namespace KorvaneSoftware::PIXMORPH_SIMD {

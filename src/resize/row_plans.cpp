@@ -1,11 +1,11 @@
-#include "convert/resample_plan.h"
+#include "resize/row_plans.h"
 
 #include <algorithm>
-#include <array>
 #include <cstring>
-#include <mutex>
-#include <utility>
-#include <vector>
+
+#include "foundation/aligned_memory.h"
+#include "foundation/status.h"
+#include "resize/resample_rows.h"
 
 namespace KorvaneSoftware {
 
@@ -24,11 +24,21 @@ constexpr std::uint32_t kLargestWeight = 32767;
 constexpr std::uint32_t kLargestWideSource8 = 0x7FFFFFFF / 255;
 constexpr std::uint32_t kLargestWideSource16 = 0x7FFFFFFF / 65535;
 
-/// A plan with the memory of its tables.
-struct StoredPlan : RowPlan {
-    std::vector<std::uint32_t> windowTable;
-    std::vector<std::uint8_t> shuffleTable;
-    std::vector<std::uint8_t> weightTable;
+// More sizes than any user rotates through; beyond them the plan used longest ago gives its memory to the new one.
+constexpr std::size_t kMostPlans = 128;
+
+/// The tables of a plan, one after the other in one block.
+struct Tables {
+    std::uint8_t* shuffles;
+    std::uint8_t* weights;
+    std::uint32_t* windows;
+
+    static constexpr std::size_t kBytesPerWindow = 2 * kWindowBytes + sizeof(std::uint32_t);
+
+    Tables(std::uint8_t* block, std::size_t windowCount)
+        : shuffles(block),
+          weights(block + windowCount * kWindowBytes),
+          windows(reinterpret_cast<std::uint32_t*>(block + 2 * windowCount * kWindowBytes)) {}
 };
 
 /// What one output sample is made of: consecutive samples of its channel.
@@ -41,23 +51,27 @@ struct Taps {
 
 class PlanBuilder {
 public:
-    explicit PlanBuilder(StoredPlan& plan)
+    /// `room` grows to the largest tables made so far.
+    PlanBuilder(RowPlan& plan, AlignedBuffer& memory, std::uint64_t& room)
         : plan_(plan),
+          memory_(memory),
+          room_(room),
           layout_(LayoutOf(plan.kind)),
           sampleBytes_(layout_.sampleBytes),
           srcBytes_(LineBytes(plan.kind, plan.srcWidth)),
           dstBytes_(LineBytes(plan.kind, plan.dstWidth)),
           linear_(plan.filter == ResampleFilter::Linear) {}
 
-    void Build() {
+    /// @return false where memory is short; the plan then has no tables, as one that wants none.
+    bool Build() {
         plan_.wide = sampleBytes_ == 2 || (plan_.filter == ResampleFilter::Area && !plan_.area.narrow);
         blockSamples_ = plan_.wide ? 4 : 8;
         groupBytes_ = kBlocksPerGroup * blockSamples_ * sampleBytes_;
-        if (srcBytes_ < kWindowBytes || dstBytes_ < groupBytes_) return;
-        if (srcBytes_ > kLargestTabledLine || dstBytes_ > kLargestTabledLine) return;
+        if (srcBytes_ < kWindowBytes || dstBytes_ < groupBytes_) return true;
+        if (srcBytes_ > kLargestTabledLine || dstBytes_ > kLargestTabledLine) return true;
         if (plan_.wide && !linear_) {
             const std::uint32_t largest = sampleBytes_ == 2 ? kLargestWideSource16 : kLargestWideSource8;
-            if (plan_.dstWidth > kLargestWeight || plan_.srcWidth > largest) return;
+            if (plan_.dstWidth > kLargestWeight || plan_.srcWidth > largest) return true;
         }
         const std::size_t groups = (dstBytes_ + groupBytes_ - 1) / groupBytes_;
         std::size_t steps = 1;
@@ -65,13 +79,19 @@ public:
             const std::size_t output = OutputOf(group);
             for (std::size_t block = 0; block < kBlocksPerGroup; ++block)
                 steps = std::max(steps, WalkBlock(output + block * blockSamples_ * sampleBytes_, nullptr));
-            if (steps > kLargestStepCount) return;
+            if (steps > kLargestStepCount) return true;
         }
-        plan_.stepCount = static_cast<std::uint32_t>(steps);
         const std::size_t windows = groups * steps * kBlocksPerGroup;
-        plan_.windowTable.assign(windows, 0);
-        plan_.shuffleTable.assign(windows * kWindowBytes, kNoByte);
-        plan_.weightTable.assign(windows * kWindowBytes, 0);
+        const std::uint64_t size = windows * Tables::kBytesPerWindow;
+        // Memory that passes from plan to plan is made as large as any wants it, so that it soon grows no more.
+        if (size > memory_.Capacity()) memory_.Reserve(memory_.Data() == nullptr ? size : std::max(size, room_));
+        room_ = std::max(room_, size);
+        if (memory_.Data() == nullptr) return false;
+        tables_ = Tables(memory_.Data(), windows);
+        plan_.stepCount = static_cast<std::uint32_t>(steps);
+        std::memset(tables_.shuffles, kNoByte, windows * kWindowBytes);
+        std::memset(tables_.weights, 0, windows * kWindowBytes);
+        std::memset(tables_.windows, 0, windows * sizeof(*tables_.windows));
         for (std::size_t group = 0; group < groups; ++group) {
             for (std::size_t block = 0; block < kBlocksPerGroup; ++block) {
                 const std::size_t output = OutputOf(group) + block * blockSamples_ * sampleBytes_;
@@ -81,9 +101,10 @@ public:
         }
         plan_.groupCount = static_cast<std::uint32_t>(groups);
         ShareEqualTables();
-        plan_.windows = plan_.windowTable.data();
-        plan_.shuffles = plan_.shuffleTable.data();
-        plan_.weights = plan_.weightTable.data();
+        plan_.windows = tables_.windows;
+        plan_.shuffles = tables_.shuffles;
+        plan_.weights = tables_.weights;
+        return true;
     }
 
 private:
@@ -134,7 +155,7 @@ private:
             if (window == srcBytes_) return steps;
             window = std::min(window, srcBytes_ - kWindowBytes);
             const std::size_t entry = cursor != nullptr ? cursor->firstWindow + steps * kBlocksPerGroup : 0;
-            if (cursor != nullptr) plan_.windowTable[entry] = static_cast<std::uint32_t>(window);
+            if (cursor != nullptr) tables_.windows[entry] = static_cast<std::uint32_t>(window);
             for (std::size_t i = 0; i < blockSamples_; ++i) {
                 for (int slot = 0; slot < 2 && taken[i] < taps[i].span.count; ++slot) {
                     const std::size_t byte = NextByte(taps[i], taken[i]);
@@ -152,8 +173,8 @@ private:
     }
 
     void Enter(std::size_t entry, std::size_t output, int slot, std::size_t byte, const Taps& taps, std::uint32_t tap) {
-        std::uint8_t* const shuffle = plan_.shuffleTable.data() + entry * kWindowBytes;
-        std::uint8_t* const weights = plan_.weightTable.data() + entry * kWindowBytes;
+        std::uint8_t* const shuffle = tables_.shuffles + entry * kWindowBytes;
+        std::uint8_t* const weights = tables_.weights + entry * kWindowBytes;
         const std::size_t place = 2 * output + static_cast<std::size_t>(linear_ ? static_cast<int>(tap) : slot);
         if (plan_.wide) {
             shuffle[2 * place] = static_cast<std::uint8_t>(byte);
@@ -181,7 +202,7 @@ private:
     void EnterLinearWeight(std::size_t entry, std::size_t output, const Taps& taps) {
         const std::size_t group = entry / (plan_.stepCount * kBlocksPerGroup);
         const std::size_t first = group * plan_.stepCount * kBlocksPerGroup + entry % kBlocksPerGroup;
-        std::uint8_t* const weights = plan_.weightTable.data() + first * kWindowBytes;
+        std::uint8_t* const weights = tables_.weights + first * kWindowBytes;
         if (plan_.wide) {
             std::memcpy(weights + 4 * output, &taps.weight, sizeof(taps.weight));
         } else {
@@ -195,7 +216,7 @@ private:
     void ShareEqualTables() {
         const std::size_t windows = plan_.stepCount * kBlocksPerGroup;
         const std::size_t bytes = windows * kWindowBytes;
-        std::vector<std::uint32_t>& starts = plan_.windowTable;
+        std::uint32_t* const starts = tables_.windows;
         const auto repeats = [&](std::size_t group) {
             for (std::size_t i = 0; i < windows; ++i)
                 if (starts[group * windows + i] - starts[i] != group * (starts[windows] - starts[0])) return false;
@@ -207,26 +228,28 @@ private:
         if (regular < 2) return;
         plan_.regularCount = static_cast<std::uint32_t>(regular);
         plan_.regularAdvance = starts[windows] - starts[0];
-        const auto drop = [&](auto& table, std::size_t size) {
-            table.erase(table.begin() + static_cast<std::ptrdiff_t>(size),
-                        table.begin() + static_cast<std::ptrdiff_t>(regular * size));
+        const auto drop = [&](auto* table, std::size_t size) {
+            std::copy(table + regular * size, table + plan_.groupCount * size, table + size);
         };
         drop(starts, windows);
-        drop(plan_.shuffleTable, bytes);
-        drop(plan_.weightTable, bytes);
+        drop(tables_.shuffles, bytes);
+        drop(tables_.weights, bytes);
     }
 
     const std::uint8_t* Shuffles(std::size_t group) const {
-        return plan_.shuffleTable.data() + group * plan_.stepCount * kBlocksPerGroup * kWindowBytes;
+        return tables_.shuffles + group * plan_.stepCount * kBlocksPerGroup * kWindowBytes;
     }
     const std::uint8_t* Weights(std::size_t group) const {
-        return plan_.weightTable.data() + group * plan_.stepCount * kBlocksPerGroup * kWindowBytes;
+        return tables_.weights + group * plan_.stepCount * kBlocksPerGroup * kWindowBytes;
     }
 
     /// First output byte of a group.
     std::size_t OutputOf(std::size_t group) const { return std::min(group * groupBytes_, dstBytes_ - groupBytes_); }
 
-    StoredPlan& plan_;
+    RowPlan& plan_;
+    AlignedBuffer& memory_;
+    std::uint64_t& room_;
+    Tables tables_{nullptr, 0};
     const LineLayout& layout_;
     const std::size_t sampleBytes_;
     const std::size_t srcBytes_;
@@ -250,68 +273,70 @@ void SetPairOrder(RowPlan& plan) {
     std::memcpy(plan.pairOrder, kOrders[static_cast<int>(plan.kind)], sizeof(plan.pairOrder));
 }
 
-/// A bounded store of plans. Its lock is held for a search of a few entries, once for each plane of a pass.
-class PlanCache {
-public:
-    std::shared_ptr<const RowPlan> Find(LineKind kind, std::uint32_t srcWidth, std::uint32_t dstWidth) {
-        {
-            const std::lock_guard lock(mutex_);
-            for (Entry& entry : entries_) {
-                if (entry.plan == nullptr || entry.plan->kind != kind || entry.plan->srcWidth != srcWidth ||
-                    entry.plan->dstWidth != dstWidth)
-                    continue;
-                entry.lastUse = ++clock_;
-                return entry.plan;
-            }
-        }
-        // Two threads may make the same plan; one of the two is kept for longer.
-        std::shared_ptr<const RowPlan> plan = MakeRowPlan(kind, srcWidth, dstWidth);
-        std::shared_ptr<const RowPlan> replaced;
-        const std::lock_guard lock(mutex_);
-        Entry& oldest = *std::min_element(entries_.begin(), entries_.end(),
-                                          [](const Entry& a, const Entry& b) { return a.lastUse < b.lastUse; });
-        replaced = std::exchange(oldest.plan, plan);
-        oldest.lastUse = ++clock_;
-        return plan;
-    }
-
-private:
-    struct Entry {
-        std::shared_ptr<const RowPlan> plan;
-        std::uint64_t lastUse = 0;
-    };
-    std::mutex mutex_;
-    std::array<Entry, 32> entries_;
-    std::uint64_t clock_ = 0;
-};
-
-PlanCache g_plans;
-
-}  // namespace
-
-std::shared_ptr<const RowPlan> MakeRowPlan(LineKind kind, std::uint32_t srcWidth, std::uint32_t dstWidth) {
-    auto plan = std::make_shared<StoredPlan>();
-    plan->kind = kind;
-    plan->srcWidth = srcWidth;
-    plan->dstWidth = dstWidth;
-    plan->dstBytes = LineBytes(kind, dstWidth);
-    plan->filter = ChooseFilter(srcWidth, dstWidth);
-    if (plan->filter == ResampleFilter::Copy) return plan;
-    if (plan->filter == ResampleFilter::Mean) {
-        SetPairOrder(*plan);
-        if (kind != LineKind::Bgr) return plan;
+/// All of a plan but its tables.
+RowPlan PlanWithoutTables(LineKind kind, std::uint32_t srcWidth, std::uint32_t dstWidth) {
+    RowPlan plan;
+    plan.kind = kind;
+    plan.srcWidth = srcWidth;
+    plan.dstWidth = dstWidth;
+    plan.dstBytes = LineBytes(kind, dstWidth);
+    plan.filter = ChooseFilter(srcWidth, dstWidth);
+    if (plan.filter == ResampleFilter::Mean) {
+        SetPairOrder(plan);
         // (a + b + 1) * 2^15 >> 16
-        plan->area = {
-            .reciprocal = 0, .narrow = true, .divisor = dstWidth, .bias = 1, .multiplier = 0x8000, .shift = 0};
-    } else {
-        plan->area = MakeAreaScale(srcWidth, dstWidth);
+        if (kind == LineKind::Bgr)
+            plan.area = {
+                .reciprocal = 0, .narrow = true, .divisor = dstWidth, .bias = 1, .multiplier = 0x8000, .shift = 0};
+    } else if (plan.filter != ResampleFilter::Copy) {
+        plan.area = MakeAreaScale(srcWidth, dstWidth);
     }
-    PlanBuilder(*plan).Build();
     return plan;
 }
 
-std::shared_ptr<const RowPlan> FindRowPlan(LineKind kind, std::uint32_t srcWidth, std::uint32_t dstWidth) {
-    return g_plans.Find(kind, srcWidth, dstWidth);
+/// Halving goes by an order of bytes, but for pixels of three.
+bool WantsTables(const RowPlan& plan) {
+    if (plan.filter == ResampleFilter::Mean) return plan.kind == LineKind::Bgr;
+    return plan.filter != ResampleFilter::Copy;
+}
+
+}  // namespace
+
+struct RowPlans::Entry {
+    RowPlan plan;
+    AlignedBuffer tables;
+    std::uint64_t lastUse = 0;
+};
+
+RowPlans::RowPlans() noexcept = default;
+RowPlans::~RowPlans() = default;
+
+std::size_t RowPlans::Count() const noexcept { return entries_.size(); }
+
+RowPlan RowPlans::Find(LineKind kind, std::uint32_t srcWidth, std::uint32_t dstWidth) noexcept {
+    for (Entry& entry : entries_) {
+        if (entry.plan.kind != kind || entry.plan.srcWidth != srcWidth || entry.plan.dstWidth != dstWidth) continue;
+        entry.lastUse = ++clock_;
+        return entry.plan;
+    }
+    RowPlan plan = PlanWithoutTables(kind, srcWidth, dstWidth);
+    if (!WantsTables(plan)) return plan;
+    Entry* const entry = EntryToFill();
+    if (entry == nullptr) return plan;
+    entry->plan = {};
+    entry->lastUse = 0;
+    // Without memory the entry stays empty, so that the next picture tries again.
+    if (!PlanBuilder(plan, entry->tables, largestTables_).Build()) return plan;
+    entry->plan = plan;
+    entry->lastUse = ++clock_;
+    return plan;
+}
+
+RowPlans::Entry* RowPlans::EntryToFill() noexcept {
+    const auto oldest = std::min_element(entries_.begin(), entries_.end(),
+                                         [](const Entry& a, const Entry& b) { return a.lastUse < b.lastUse; });
+    const bool isFree = oldest != entries_.end() && oldest->lastUse == 0;
+    if (isFree || entries_.size() == kMostPlans) return &*oldest;
+    return Guarded<Entry*>(nullptr, [&] { return &entries_.emplace_back(); });
 }
 
 }  // namespace KorvaneSoftware
