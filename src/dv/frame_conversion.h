@@ -2,7 +2,7 @@
 // field by field: the caller's thread takes one field, a further worker the other.
 #pragma once
 
-#include "convert/image_converter.h"
+#include "resize/image_converter.h"
 #include "foundation/worker_team.h"
 
 namespace KorvaneSoftware {
