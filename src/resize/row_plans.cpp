@@ -83,8 +83,9 @@ public:
         }
         const std::size_t windows = groups * steps * kBlocksPerGroup;
         const std::uint64_t size = windows * Tables::kBytesPerWindow;
-        // Memory that passes from plan to plan is made as large as any wants it, so that it soon grows no more.
-        if (size > memory_.Capacity()) memory_.Reserve(memory_.Data() == nullptr ? size : std::max(size, room_));
+        // Memory that passes from plan to plan is made as large as any wanted it, so that it soon grows no more.
+        const std::uint64_t wanted = memory_.Data() == nullptr ? size : std::max(size, room_);
+        if (wanted > memory_.Capacity()) memory_.Reserve(wanted);
         room_ = std::max(room_, size);
         if (memory_.Data() == nullptr) return false;
         tables_ = Tables(memory_.Data(), windows);

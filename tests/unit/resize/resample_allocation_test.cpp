@@ -26,12 +26,13 @@ extern "C" void* __wrap_malloc(std::size_t size) {
     return __real_malloc(size);
 }
 
-void* operator new(std::size_t size) {
+// Not inlined, or gcc takes malloc and delete for a pair that does not belong together.
+[[gnu::noinline]] void* operator new(std::size_t size) {
     if (void* const block = std::malloc(size)) return block;
     throw std::bad_alloc();
 }
-void operator delete(void* block) noexcept { std::free(block); }
-void operator delete(void* block, std::size_t) noexcept { std::free(block); }
+[[gnu::noinline]] void operator delete(void* block) noexcept { std::free(block); }
+[[gnu::noinline]] void operator delete(void* block, std::size_t) noexcept { std::free(block); }
 
 namespace pixmorph_test {
 namespace {
