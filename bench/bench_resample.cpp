@@ -6,6 +6,7 @@
 #include "bench.h"
 #include "convert/conversion_dispatch.h"
 #include "resize/image_converter.h"
+#include "resize/resample_rows.h"
 #include "resize/row_plans.h"
 
 #ifdef PIXMORPH_HAVE_LIBYUV
