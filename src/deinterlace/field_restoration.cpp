@@ -10,9 +10,6 @@ namespace KorvaneSoftware {
 
 namespace {
 
-template <bool HasAlpha>
-constexpr BlockOrder kGroup = HasAlpha ? kY16AOrder : kY16Order;
-
 // How far a pixel follows the present field, 0 to 255.
 std::uint32_t WeightOf(std::uint32_t motion, const MotionThresholds& thresholds) {
     if (motion <= thresholds.minimum) return 0;
@@ -50,7 +47,7 @@ void StoreRebuilt(std::uint8_t* dst, std::int32_t luma, std::int32_t u, std::int
 template <bool HasAlpha>
 void RestoreLine(std::uint8_t* dst, const RestorationLines& lines, std::size_t groups,
                  const MotionThresholds& thresholds) {
-    constexpr BlockOrder kOrder = kGroup<HasAlpha>;
+    constexpr BlockOrder kOrder = kFieldOrder<HasAlpha>;
     for (std::size_t pair = 0; pair < groups * 8; ++pair, dst += 8) {
         const std::size_t group = pair / 8 * kOrder.bytes;
         const std::size_t k = pair % 8;
@@ -92,7 +89,7 @@ void StorePresent(std::uint8_t* dst, double y, double u, double v) {
 
 template <bool HasAlpha>
 void PresentLine(std::uint8_t* dst, const std::uint8_t* src, std::size_t groups) {
-    constexpr BlockOrder kOrder = kGroup<HasAlpha>;
+    constexpr BlockOrder kOrder = kFieldOrder<HasAlpha>;
     const std::size_t pairs = groups * 8;
     const auto chromaAt = [src](std::size_t pair, std::size_t run) {
         return static_cast<double>(src[pair / 8 * kOrder.bytes + run + pair % 8]);

@@ -10,7 +10,9 @@
 
 namespace KorvaneSoftware {
 
-/// Bytes of a group of 16 pixels.
+/// The groups of a field, Y16A or Y16.
+template <bool HasAlpha>
+inline constexpr BlockOrder kFieldOrder = HasAlpha ? kY16AOrder : kY16Order;
 inline constexpr std::size_t kY16GroupBytes = kY16Order.bytes;
 inline constexpr std::size_t kY16AGroupBytes = kY16AOrder.bytes;
 

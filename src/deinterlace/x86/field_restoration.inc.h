@@ -8,9 +8,6 @@ namespace {
 
 constexpr std::size_t kOutBytes = 4 * kGroupPixels;
 
-template <bool HasAlpha>
-constexpr BlockOrder kGroup = HasAlpha ? kY16AOrder : kY16Order;
-
 struct GroupWords {
     Vec even;
     Vec odd;
@@ -139,7 +136,7 @@ inline PixelHalf ToBgr(Vec y, const ChromaWords& chroma, Vec alpha) {
 template <bool HasAlpha>
 inline void RestoreGroups(std::uint8_t* dst, const RestorationLines& lines, std::size_t offset,
                           const WeightRamp& ramp) {
-    constexpr BlockOrder kOrder = kGroup<HasAlpha>;
+    constexpr BlockOrder kOrder = kFieldOrder<HasAlpha>;
     constexpr std::size_t kBytes = kOrder.bytes;
     constexpr std::size_t kChroma = kOrder.u;
     const GroupWords py = PixelWords(lines.previous + offset, kBytes);
@@ -180,7 +177,7 @@ inline void RestoreGroups(std::uint8_t* dst, const RestorationLines& lines, std:
 template <bool HasAlpha>
 void RestoreLine(std::uint8_t* dst, const RestorationLines& lines, std::size_t groups,
                  const MotionThresholds& thresholds, RestoreLineSignature* shortLine) {
-    constexpr std::size_t kBytes = kGroup<HasAlpha>.bytes;
+    constexpr std::size_t kBytes = kFieldOrder<HasAlpha>.bytes;
     constexpr std::size_t kLanes = static_cast<std::size_t>(kVecLanes);
     if (groups < kLanes) return shortLine(dst, lines, groups, thresholds);
     const WeightRamp ramp = RampOf(thresholds);
@@ -229,7 +226,7 @@ inline PixelHalf PresentHalf(Vec luma, Vec doubledU, Vec doubledV, Vec alpha) {
 // The groups from `src` on; one more group behind them is read for the chroma between groups.
 template <bool HasAlpha>
 inline void PresentGroups(std::uint8_t* dst, const std::uint8_t* src) {
-    constexpr BlockOrder kOrder = kGroup<HasAlpha>;
+    constexpr BlockOrder kOrder = kFieldOrder<HasAlpha>;
     constexpr std::size_t kBytes = kOrder.bytes;
     constexpr std::size_t kChroma = kOrder.u;
     const GroupWords y = PixelWords(src, kBytes);
@@ -250,7 +247,7 @@ inline void PresentGroups(std::uint8_t* dst, const std::uint8_t* src) {
 
 template <bool HasAlpha>
 void PresentLine(std::uint8_t* dst, const std::uint8_t* src, std::size_t groups, PresentLineSignature* shortLine) {
-    constexpr std::size_t kBytes = kGroup<HasAlpha>.bytes;
+    constexpr std::size_t kBytes = kFieldOrder<HasAlpha>.bytes;
     constexpr std::size_t kLanes = static_cast<std::size_t>(kVecLanes);
     if (groups < kLanes) return shortLine(dst, src, groups);
     for (std::size_t group = 0; group + kLanes < groups; group += kLanes)
