@@ -26,7 +26,7 @@ ImageDescriptor RewrittenDestination(const ImageDescriptor& dst) {
     ImageDescriptor rewritten = dst;
     (void)ImageCompletePlanes(&rewritten);
     if (Contains(kPlanar420, dst.format)) rewritten.format = FMT_I420;
-    if (Contains(SetOf(FMT_YV12, FMT_IMC1, FMT_IMC2), dst.format)) ExchangeChroma(rewritten);
+    if (HasTraits(dst.format, FORMAT_V_BEFORE_U)) ExchangeChroma(rewritten);
     return rewritten;
 }
 

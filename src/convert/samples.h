@@ -7,6 +7,7 @@
 #include <cstring>
 
 #include "foundation/image_descriptor.h"
+#include "foundation/sample_order.h"
 
 namespace KorvaneSoftware {
 
@@ -19,52 +20,52 @@ using ReadLine = LineOf<const std::uint8_t>;
 using WriteLine = LineOf<std::uint8_t>;
 
 /// Packed 4:2:2, four bytes for a pair of pixels.
-template <int Y0, int U, int V>
+template <PackedOrder kOrder>
 struct PackedSamples {
     static constexpr bool kHasAlpha = false;
     template <class Line>
     static auto& Luma(const Line& line, std::size_t x) {
-        return line.plane[0][2 * x + Y0];
+        return line.plane[0][2 * x + kOrder.y0];
     }
     template <class Line>
     static auto& Cb(const Line& line, std::size_t pair) {
-        return line.plane[0][4 * pair + U];
+        return line.plane[0][4 * pair + kOrder.u];
     }
     template <class Line>
     static auto& Cr(const Line& line, std::size_t pair) {
-        return line.plane[0][4 * pair + V];
+        return line.plane[0][4 * pair + kOrder.v];
     }
 };
-using UyvySamples = PackedSamples<1, 0, 2>;
-using Yuy2Samples = PackedSamples<0, 1, 3>;
-using YvyuSamples = PackedSamples<0, 3, 1>;
+using UyvySamples = PackedSamples<kUyvyOrder>;
+using Yuy2Samples = PackedSamples<kYuy2Order>;
+using YvyuSamples = PackedSamples<kYvyuOrder>;
 
-/// Blocks of 16 pixels. Offsets of the runs within a block; alpha at -1: none.
-template <int BlockBytes, int Y, int A, int U, int V>
+/// Blocks of 16 pixels.
+template <BlockOrder kOrder>
 struct BlockSamples {
-    static constexpr bool kHasAlpha = A >= 0;
+    static constexpr bool kHasAlpha = kOrder.HasAlpha();
     template <class Line>
     static auto& Luma(const Line& line, std::size_t x) {
-        return line.plane[0][x / 16 * BlockBytes + Y + x % 16];
+        return line.plane[0][x / 16 * kOrder.bytes + kOrder.y + x % 16];
     }
     template <class Line>
     static auto& Alpha(const Line& line, std::size_t x) {
-        return line.plane[0][x / 16 * BlockBytes + A + x % 16];
+        return line.plane[0][x / 16 * kOrder.bytes + kOrder.alpha + x % 16];
     }
     template <class Line>
     static auto& Cb(const Line& line, std::size_t pair) {
-        return line.plane[0][pair / 8 * BlockBytes + U + pair % 8];
+        return line.plane[0][pair / 8 * kOrder.bytes + kOrder.u + pair % 8];
     }
     template <class Line>
     static auto& Cr(const Line& line, std::size_t pair) {
-        return line.plane[0][pair / 8 * BlockBytes + V + pair % 8];
+        return line.plane[0][pair / 8 * kOrder.bytes + kOrder.v + pair % 8];
     }
 };
-using Y16Samples = BlockSamples<32, 0, -1, 16, 24>;
-using Y16ASamples = BlockSamples<48, 0, 16, 32, 40>;
-using Y32Samples = BlockSamples<64, 0, -1, 32, 40>;
-using Y32ASamples = BlockSamples<80, 0, 32, 48, 56>;
-using Y32ABSamples = BlockSamples<80, 16, 32, 64, 72>;
+using Y16Samples = BlockSamples<kY16Order>;
+using Y16ASamples = BlockSamples<kY16AOrder>;
+using Y32Samples = BlockSamples<kY32Order>;
+using Y32ASamples = BlockSamples<kY32AOrder>;
+using Y32ABSamples = BlockSamples<kY32ABOrder>;
 
 /// Three planes, chroma halved in width.
 struct PlanarSamples {

@@ -17,28 +17,6 @@ constexpr std::uint64_t kSmallestSharedCopy = 512 << 10;
 
 bool IsStructure(std::uint32_t structure) { return structure == FIELDS_TOP_FIRST || structure == FIELDS_BOTTOM_FIRST; }
 
-// Formats that the history holds as they are; every other one becomes UYVY. YVYU is among them although no filter takes
-// it: such a sequence is accepted and gives no output.
-bool IsNative(std::uint32_t format) {
-    switch (format) {
-        case FMT_Y444:
-        case FMT_UYVY:
-        case FMT_YUY2:
-        case FMT_YVYU:
-        case FMT_Y422:
-        case FMT_I420:
-        case FMT_YV12:
-        case FMT_IMC1:
-        case FMT_IMC2:
-        case FMT_IMC3:
-        case FMT_IMC4:
-        case FMT_Y400:
-            return true;
-        default:
-            return false;
-    }
-}
-
 bool SameShape(const ImageDescriptor& a, const ImageDescriptor& b) {
     return a.format == b.format && a.width == b.width && a.height == b.height;
 }
@@ -65,24 +43,9 @@ std::uint32_t ParityOf(std::uint32_t fieldIntact, std::uint32_t structure) {
 }
 
 const FilterLineSlot* FilterOf(std::uint32_t format) {
-    switch (format) {
-        case FMT_UYVY:
-            return &FilterUyvyLine;
-        case FMT_YUY2:
-            return &FilterYuy2Line;
-        case FMT_Y444:
-        case FMT_Y422:
-        case FMT_I420:
-        case FMT_YV12:
-        case FMT_IMC1:
-        case FMT_IMC2:
-        case FMT_IMC3:
-        case FMT_IMC4:
-        case FMT_Y400:
-            return &FilterPlaneLine;
-        default:
-            return nullptr;
-    }
+    if (!HasTraits(format, FORMAT_FILTERED)) return nullptr;
+    if (!HasTraits(format, FORMAT_PACKED_422)) return &FilterPlaneLine;
+    return format == FMT_UYVY ? &FilterUyvyLine : &FilterYuy2Line;
 }
 
 }  // namespace
@@ -129,7 +92,8 @@ Status CDeinterlaceFilterYADIF::SetSourceFrame(const ImageDescriptor& source, st
     return Guarded([&]() -> Status {
         structure_ = structure;
         ImageDescriptor image = source;
-        if (!IsNative(image.format)) image.format = FMT_UYVY;
+        // YVYU is kept although no filter takes it: such a sequence is accepted and gives no output.
+        if (!HasTraits(image.format, FORMAT_KEPT_BY_FILTER)) image.format = FMT_UYVY;
         if (frameCount_ != 0 && !SameShape(image, SlotOf(frameCount_ - 1).image)) frameCount_ = 0;
         FrameSlot& slot = SlotOf(frameCount_);
         if (const Status status = PlaceImage(image, slot.buffer); status != IMG_OK) return status;

@@ -10,15 +10,6 @@ namespace KorvaneSoftware {
 
 namespace {
 
-/// Offsets of the runs of a group.
-template <bool HasAlpha>
-struct Group {
-    static constexpr std::size_t kBytes = HasAlpha ? kY16AGroupBytes : kY16GroupBytes;
-    static constexpr std::size_t kAlpha = 16;
-    static constexpr std::size_t kU = HasAlpha ? 32 : 16;
-    static constexpr std::size_t kV = kU + 8;
-};
-
 // How far a pixel follows the present field, 0 to 255.
 std::uint32_t WeightOf(std::uint32_t motion, const MotionThresholds& thresholds) {
     if (motion <= thresholds.minimum) return 0;
@@ -56,19 +47,19 @@ void StoreRebuilt(std::uint8_t* dst, std::int32_t luma, std::int32_t u, std::int
 template <bool HasAlpha>
 void RestoreLine(std::uint8_t* dst, const RestorationLines& lines, std::size_t groups,
                  const MotionThresholds& thresholds) {
-    using Layout = Group<HasAlpha>;
+    constexpr BlockOrder kOrder = kFieldOrder<HasAlpha>;
     for (std::size_t pair = 0; pair < groups * 8; ++pair, dst += 8) {
-        const std::size_t group = pair / 8 * Layout::kBytes;
+        const std::size_t group = pair / 8 * kOrder.bytes;
         const std::size_t k = pair % 8;
-        const FourSamples u = SamplesAt(lines, group + Layout::kU + k);
-        const FourSamples v = SamplesAt(lines, group + Layout::kV + k);
+        const FourSamples u = SamplesAt(lines, group + kOrder.u + k);
+        const FourSamples v = SamplesAt(lines, group + kOrder.v + k);
         FourSamples y[2];
         std::uint32_t weight[2];
         for (std::size_t i = 0; i < 2; ++i) {
             y[i] = SamplesAt(lines, group + 2 * k + i);
             weight[i] = WeightOf(y[i].Motion() + u.Motion() + v.Motion(), thresholds);
             if constexpr (HasAlpha) {
-                const FourSamples alpha = SamplesAt(lines, group + Layout::kAlpha + 2 * k + i);
+                const FourSamples alpha = SamplesAt(lines, group + kOrder.alpha + 2 * k + i);
                 if (alpha.above + alpha.below < 256) weight[i] = 255;
                 dst[4 * i + 3] = ClampToByte(alpha.Mix(weight[i]));
             } else {
@@ -98,23 +89,23 @@ void StorePresent(std::uint8_t* dst, double y, double u, double v) {
 
 template <bool HasAlpha>
 void PresentLine(std::uint8_t* dst, const std::uint8_t* src, std::size_t groups) {
-    using Layout = Group<HasAlpha>;
+    constexpr BlockOrder kOrder = kFieldOrder<HasAlpha>;
     const std::size_t pairs = groups * 8;
     const auto chromaAt = [src](std::size_t pair, std::size_t run) {
-        return static_cast<double>(src[pair / 8 * Layout::kBytes + run + pair % 8]);
+        return static_cast<double>(src[pair / 8 * kOrder.bytes + run + pair % 8]);
     };
     for (std::size_t pair = 0; pair < pairs; ++pair, dst += 8) {
-        const std::size_t group = pair / 8 * Layout::kBytes;
+        const std::size_t group = pair / 8 * kOrder.bytes;
         const std::size_t k = pair % 8;
-        const double u = chromaAt(pair, Layout::kU);
-        const double v = chromaAt(pair, Layout::kV);
+        const double u = chromaAt(pair, kOrder.u);
+        const double v = chromaAt(pair, kOrder.v);
         // The second pixel lies between two chroma samples; behind the last sample of the row there is none.
         const std::size_t behind = std::min(pair + 1, pairs - 1);
         StorePresent(dst, src[group + 2 * k], u, v);
-        StorePresent(dst + 4, src[group + 2 * k + 1], (u + chromaAt(behind, Layout::kU)) / 2,
-                     (v + chromaAt(behind, Layout::kV)) / 2);
+        StorePresent(dst + 4, src[group + 2 * k + 1], (u + chromaAt(behind, kOrder.u)) / 2,
+                     (v + chromaAt(behind, kOrder.v)) / 2);
         for (std::size_t i = 0; i < 2; ++i)
-            dst[4 * i + 3] = HasAlpha ? src[group + Layout::kAlpha + 2 * k + i] : std::uint8_t{255};
+            dst[4 * i + 3] = HasAlpha ? src[group + kOrder.alpha + 2 * k + i] : std::uint8_t{255};
     }
 }
 

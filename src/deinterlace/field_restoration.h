@@ -6,13 +6,15 @@
 #include <cstdint>
 
 #include "foundation/dispatch.h"
+#include "foundation/sample_order.h"
 
 namespace KorvaneSoftware {
 
-/// Bytes of a group of 16 pixels: Y[16] U[8] V[8], and Y[16] A[16] U[8] V[8].
-constexpr std::size_t kY16GroupBytes = 32;
-constexpr std::size_t kY16AGroupBytes = 48;
-constexpr std::size_t kGroupPixels = 16;
+/// The groups of a field, Y16A or Y16.
+template <bool HasAlpha>
+inline constexpr BlockOrder kFieldOrder = HasAlpha ? kY16AOrder : kY16Order;
+inline constexpr std::size_t kY16GroupBytes = kY16Order.bytes;
+inline constexpr std::size_t kY16AGroupBytes = kY16AOrder.bytes;
 
 /// The lines that a missing line is rebuilt from.
 struct RestorationLines {

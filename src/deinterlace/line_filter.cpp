@@ -5,6 +5,7 @@
 
 #include "deinterlace/x86/line_filter_forms.h"
 #include "foundation/arithmetic.h"
+#include "foundation/sample_order.h"
 
 namespace KorvaneSoftware {
 
@@ -64,10 +65,10 @@ FilterSources Advanced(const FilterSources& sources, std::ptrdiff_t bytes) {
             sources.earlier + bytes, sources.later + bytes,    sources.stride};
 }
 
-template <std::ptrdiff_t Luma, std::ptrdiff_t Chroma>
+template <PackedOrder kOrder>
 void FilterPackedLine(std::uint8_t* dst, const FilterSources& sources, std::size_t width, bool spatialCheck) {
-    FilterSamples(dst + Luma, Advanced(sources, Luma), 2, width, 0, width, spatialCheck);
-    for (const std::ptrdiff_t set : {Chroma, Chroma + 2})
+    FilterSamples(dst + kOrder.y0, Advanced(sources, kOrder.y0), 2, width, 0, width, spatialCheck);
+    for (const std::ptrdiff_t set : {kOrder.u, kOrder.v})
         FilterSamples(dst + set, Advanced(sources, set), 4, width / 2, 0, width / 2, spatialCheck);
 }
 
@@ -89,10 +90,10 @@ void plain::FilterPlaneLine(std::uint8_t* dst, const FilterSources& sources, std
     FilterSamples(dst, sources, 1, width, 0, width, spatialCheck);
 }
 void plain::FilterUyvyLine(std::uint8_t* dst, const FilterSources& sources, std::size_t width, bool spatialCheck) {
-    FilterPackedLine<1, 0>(dst, sources, width, spatialCheck);
+    FilterPackedLine<kUyvyOrder>(dst, sources, width, spatialCheck);
 }
 void plain::FilterYuy2Line(std::uint8_t* dst, const FilterSources& sources, std::size_t width, bool spatialCheck) {
-    FilterPackedLine<0, 1>(dst, sources, width, spatialCheck);
+    FilterPackedLine<kYuy2Order>(dst, sources, width, spatialCheck);
 }
 
 PIXMORPH_SLOT(FilterLineSlot, FilterPlaneLine, plain::FilterPlaneLine, simd_sse41::FilterPlaneLine,

@@ -24,21 +24,8 @@ Status CopyRow(const FieldInterpolationJob& job, std::int64_t row) {
 }
 
 // Bytes per pixel of the formats that can be mixed byte by byte; 0 for the others.
-std::uint32_t MixableBytesPerPixel(std::uint32_t format) {
-    switch (format) {
-        case FMT_BGR:
-            return 3;
-        case FMT_BGRA:
-            return 4;
-        case FMT_UYVY:
-        case FMT_YUY2:
-        case FMT_YVYU:
-            return 2;
-        case FMT_Y400:
-            return 1;
-        default:
-            return 0;
-    }
+std::uint32_t MixableBytesPerPixel(const ImageDescriptor& image) {
+    return HasTraits(image.format, FORMAT_MIXED_BY_BYTES) ? FormatInfoOf(image)->plane0Bits / 8u : 0;
 }
 
 bool SameHead(const ImageDescriptor& a, const ImageDescriptor& b) {
@@ -77,7 +64,7 @@ Status CVideoInterpolator::CombineImages(const ImageDescriptor& dst, const Image
     if (dst.planes[0] == nullptr || forward.planes[0] == nullptr || backward.planes[0] == nullptr)
         return IMG_E_NULL_ARG;
     if (!SameHead(dst, forward) || !SameHead(dst, backward)) return IMG_E_BAD_FORMAT;
-    const std::uint32_t bytesPerPixel = MixableBytesPerPixel(dst.format);
+    const std::uint32_t bytesPerPixel = MixableBytesPerPixel(dst);
     if (bytesPerPixel == 0) return IMG_E_NO_PATH;
     return Guarded([&]() -> Status {
         const std::size_t rowBytes = std::size_t{dst.width} * bytesPerPixel;

@@ -29,7 +29,6 @@
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
-#include <initializer_list>
 #include <type_traits>
 #include <utility>
 
@@ -167,13 +166,6 @@ public:
         this->AddRow(FEATURES_AVX512BW, forms.avx512, "Avx512");
     }
 
-    /// For families that still keep a table of rows by hand.
-    template <std::size_t N>
-    constexpr DispatchSlot(const char* name, const DispatchEntry<Signature> (&rows)[N], Signature* resolver)
-        : ResolvedSlot<Signature>(name, -1, resolver) {
-        for (const DispatchEntry<Signature>& row : rows) this->AddRow(row.requiredFeatures, row.function, row.set);
-    }
-
     /// Picks the form for the enabled features and remembers it.
     Signature* Resolve() {
         const int row = SelectDispatchRow(this->rows_, this->RowCount(), EnabledFeatures());
@@ -275,13 +267,6 @@ struct RegisterSlot {
 };
 template <auto& Slot>
 const bool RegisterSlot<Slot>::kRegistered = (Slot.Register(), true);
-
-/// Makes slots enumerable that still register by hand.
-struct SlotRegistration {
-    SlotRegistration(std::initializer_list<DispatchSlotBase*> slots) {
-        for (DispatchSlotBase* slot : slots) slot->Register();
-    }
-};
 
 /// Declares the forms of primitives of one signature, a type, in the namespace of each set. A form that is declared here
 /// need not exist.

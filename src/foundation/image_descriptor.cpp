@@ -7,46 +7,70 @@ namespace KorvaneSoftware {
 
 namespace {
 
-// Indexed by format id, but for the last row.
-constexpr FormatInfo kFormats[36] = {
-    {},
-    {},
-    {},
-    // id         planes up  p0 total align wDiv hDiv sDiv side x  y  bits
-    {FMT_BGR, 1, 1, 24, 8, 4, 0, 0, 0, 0, 1, 1, 8},
-    {FMT_BGRA, 1, 1, 32, 8, 4, 0, 0, 0, 0, 1, 1, 8},
-    {FMT_AYUV, 1, 0, 32, 8, 4, 0, 0, 0, 0, 1, 1, 8},
-    {FMT_Y444, 3, 0, 8, 24, 1, 1, 1, 1, 0, 1, 1, 8},
-    {FMT_UYVY, 1, 0, 16, 8, 2, 0, 0, 0, 0, 2, 1, 8},
-    {FMT_YUY2, 1, 0, 16, 8, 2, 0, 0, 0, 0, 2, 1, 8},
-    {FMT_YVYU, 1, 0, 16, 8, 2, 0, 0, 0, 0, 2, 1, 8},
-    {FMT_Y16, 1, 0, 16, 8, 32, 0, 0, 0, 0, 16, 1, 8},
-    {FMT_Y16A, 1, 0, 24, 8, 48, 0, 0, 0, 0, 16, 1, 8},
-    {FMT_Y32, 1, 0, 32, 8, 64, 0, 0, 0, 0, 16, 1, 8},
-    {FMT_Y32B, 1, 0, 32, 8, 64, 0, 0, 0, 0, 16, 1, 8},
-    {FMT_Y32A, 1, 0, 40, 8, 80, 0, 0, 0, 0, 16, 1, 8},
-    {FMT_Y32AB, 1, 0, 40, 8, 80, 0, 0, 0, 0, 16, 1, 8},
-    {FMT_Y422, 3, 0, 8, 16, 2, 2, 1, 2, 0, 2, 1, 8},
-    {FMT_I420, 3, 0, 8, 12, 2, 2, 2, 2, 0, 2, 2, 8},
-    {FMT_YV12, 3, 0, 8, 12, 2, 2, 2, 2, 0, 2, 2, 8},
-    {FMT_NV12, 2, 0, 8, 12, 2, 1, 2, 1, 0, 2, 2, 8},
-    {FMT_NV11, 2, 0, 8, 12, 4, 2, 1, 2, 0, 4, 1, 8},
-    {FMT_Y41P, 1, 0, 12, 8, 4, 0, 0, 0, 0, 4, 1, 8},
-    {FMT_YVU9, 3, 0, 8, 9, 4, 4, 4, 4, 0, 4, 4, 8},
-    {FMT_IMC1, 3, 0, 8, 16, 2, 2, 2, 1, 0, 2, 2, 8},
-    {FMT_IMC2, 3, 0, 8, 12, 2, 2, 2, 1, 2, 2, 2, 8},
-    {FMT_IMC3, 3, 0, 8, 16, 2, 2, 2, 1, 0, 2, 2, 8},
-    {FMT_IMC4, 3, 0, 8, 12, 2, 2, 2, 1, 2, 2, 2, 8},
-    {FMT_Y400, 1, 0, 8, 8, 1, 0, 0, 0, 0, 1, 1, 8},
-    {FMT_DV12, 2, 0, 8, 12, 16, 1, 2, 1, 0, 16, 2, 8},
-    {FMT_BGR8, 1, 1, 8, 8, 4, 0, 0, 0, 0, 1, 1, 8},
-    {FMT_S400, 1, 0, 16, 8, 1, 0, 0, 0, 0, 1, 1, 16},
-    {FMT_S420, 3, 0, 16, 12, 2, 2, 2, 1, 2, 2, 2, 16},
-    {FMT_S422, 3, 0, 16, 16, 2, 2, 1, 1, 2, 2, 1, 16},
-    {FMT_P420, 3, 0, 16, 12, 2, 2, 2, 2, 0, 2, 2, 16},
-    {FMT_P422, 3, 0, 16, 16, 2, 2, 1, 2, 0, 2, 1, 16},
-    {FMT_P216, 2, 0, 16, 32, 4, 1, 1, 1, 0, 2, 1, 16},
+// The columns of traits.
+constexpr auto kPacked = FORMAT_PACKED_422;
+constexpr auto kBlocks = FORMAT_BLOCKS;
+constexpr auto kWords = FORMAT_WORD_PLANES;
+constexpr auto kVFirst = FORMAT_V_BEFORE_U;
+constexpr auto kKept = FORMAT_KEPT_BY_FILTER;
+constexpr auto kFilter = FORMAT_FILTERED;
+constexpr auto kMixed = FORMAT_MIXED_BY_BYTES;
+constexpr auto kDirect = FORMAT_RESIZED_DIRECTLY;
+constexpr auto kByName = FORMAT_RESIZED_BY_NAME;
+
+struct FormatRow {
+    FormatInfo info;
+    std::uint16_t traits;  // FormatTraits.
 };
+
+// Indexed by format id, but for the last row.
+constexpr FormatRow kFormatRows[36] = {
+    {},
+    {},
+    {},
+    // id         planes up  p0 total align wDiv hDiv sDiv side x  y  bits traits
+    {{FMT_BGR, 1, 1, 24, 8, 4, 0, 0, 0, 0, 1, 1, 8}, kMixed},
+    {{FMT_BGRA, 1, 1, 32, 8, 4, 0, 0, 0, 0, 1, 1, 8}, kMixed | kDirect},
+    {{FMT_AYUV, 1, 0, 32, 8, 4, 0, 0, 0, 0, 1, 1, 8}, 0},
+    {{FMT_Y444, 3, 0, 8, 24, 1, 1, 1, 1, 0, 1, 1, 8}, kKept | kFilter | kDirect},
+    {{FMT_UYVY, 1, 0, 16, 8, 2, 0, 0, 0, 0, 2, 1, 8}, kPacked | kKept | kFilter | kMixed | kDirect},
+    {{FMT_YUY2, 1, 0, 16, 8, 2, 0, 0, 0, 0, 2, 1, 8}, kPacked | kKept | kFilter | kMixed | kDirect},
+    {{FMT_YVYU, 1, 0, 16, 8, 2, 0, 0, 0, 0, 2, 1, 8}, kPacked | kKept | kMixed | kDirect},
+    {{FMT_Y16, 1, 0, 16, 8, 32, 0, 0, 0, 0, 16, 1, 8}, kBlocks},
+    {{FMT_Y16A, 1, 0, 24, 8, 48, 0, 0, 0, 0, 16, 1, 8}, kBlocks},
+    {{FMT_Y32, 1, 0, 32, 8, 64, 0, 0, 0, 0, 16, 1, 8}, kBlocks},
+    {{FMT_Y32B, 1, 0, 32, 8, 64, 0, 0, 0, 0, 16, 1, 8}, kBlocks},
+    {{FMT_Y32A, 1, 0, 40, 8, 80, 0, 0, 0, 0, 16, 1, 8}, kBlocks},
+    {{FMT_Y32AB, 1, 0, 40, 8, 80, 0, 0, 0, 0, 16, 1, 8}, kBlocks},
+    {{FMT_Y422, 3, 0, 8, 16, 2, 2, 1, 2, 0, 2, 1, 8}, kKept | kFilter | kDirect},
+    {{FMT_I420, 3, 0, 8, 12, 2, 2, 2, 2, 0, 2, 2, 8}, kKept | kFilter | kDirect},
+    {{FMT_YV12, 3, 0, 8, 12, 2, 2, 2, 2, 0, 2, 2, 8}, kVFirst | kKept | kFilter | kDirect},
+    {{FMT_NV12, 2, 0, 8, 12, 2, 1, 2, 1, 0, 2, 2, 8}, kDirect},
+    {{FMT_NV11, 2, 0, 8, 12, 4, 2, 1, 2, 0, 4, 1, 8}, 0},
+    {{FMT_Y41P, 1, 0, 12, 8, 4, 0, 0, 0, 0, 4, 1, 8}, 0},
+    {{FMT_YVU9, 3, 0, 8, 9, 4, 4, 4, 4, 0, 4, 4, 8}, 0},
+    {{FMT_IMC1, 3, 0, 8, 16, 2, 2, 2, 1, 0, 2, 2, 8}, kVFirst | kKept | kFilter | kByName},
+    {{FMT_IMC2, 3, 0, 8, 12, 2, 2, 2, 1, 2, 2, 2, 8}, kVFirst | kKept | kFilter | kByName},
+    {{FMT_IMC3, 3, 0, 8, 16, 2, 2, 2, 1, 0, 2, 2, 8}, kKept | kFilter | kByName},
+    {{FMT_IMC4, 3, 0, 8, 12, 2, 2, 2, 1, 2, 2, 2, 8}, kKept | kFilter | kByName},
+    {{FMT_Y400, 1, 0, 8, 8, 1, 0, 0, 0, 0, 1, 1, 8}, kKept | kFilter | kMixed | kDirect},
+    {{FMT_DV12, 2, 0, 8, 12, 16, 1, 2, 1, 0, 16, 2, 8}, 0},
+    {{FMT_BGR8, 1, 1, 8, 8, 4, 0, 0, 0, 0, 1, 1, 8}, 0},
+    {{FMT_S400, 1, 0, 16, 8, 1, 0, 0, 0, 0, 1, 1, 16}, kWords},
+    {{FMT_S420, 3, 0, 16, 12, 2, 2, 2, 1, 2, 2, 2, 16}, kWords},
+    {{FMT_S422, 3, 0, 16, 16, 2, 2, 1, 1, 2, 2, 1, 16}, kWords},
+    {{FMT_P420, 3, 0, 16, 12, 2, 2, 2, 2, 0, 2, 2, 16}, kWords | kByName},
+    {{FMT_P422, 3, 0, 16, 16, 2, 2, 1, 2, 0, 2, 1, 16}, kWords | kByName},
+    {{FMT_P216, 2, 0, 16, 32, 4, 1, 1, 1, 0, 2, 1, 16}, 0},
+};
+
+constexpr std::array<FormatInfo, std::size(kFormatRows)> MakeFormats() {
+    std::array<FormatInfo, std::size(kFormatRows)> formats{};
+    for (std::size_t i = 0; i < formats.size(); ++i) formats[i] = kFormatRows[i].info;
+    return formats;
+}
+
+constexpr auto kFormats = MakeFormats();
 
 constexpr PublicFormatRecord kBasePublicFormats[] = {
     {0, FMT_UYVY, 0, 8},   {1, FMT_Y16, 0, 8},    {2, FMT_Y16A, 0, 8},   {3, FMT_Y32, 0, 8},    {4, FMT_Y32A, 0, 8},
@@ -211,6 +235,13 @@ const FormatInfo* FormatInfoOf(const ImageDescriptor& desc) {
     for (const FormatInfo& info : kFormats)
         if (info.id == desc.format) return &info;
     return nullptr;
+}
+
+bool HasTraits(std::uint32_t format, unsigned traits) {
+    ImageDescriptor desc;
+    desc.format = format;
+    const FormatInfo* const info = FormatInfoOf(desc);
+    return info != nullptr && (kFormatRows[info - kFormats.data()].traits & traits) == traits;
 }
 
 std::uint32_t ImageBitsPerPixel(const ImageDescriptor* desc) {

@@ -74,6 +74,19 @@ struct ImageDescriptor : FormatHead {
     std::int64_t strides[4] = {};  ///< Bytes from a line to the next; may be negative.
 };
 
+/// What engines ask of a format; bits.
+enum FormatTraits : std::uint16_t {
+    FORMAT_PACKED_422 = 0x001,        ///< Four bytes for a pixel pair.
+    FORMAT_BLOCKS = 0x002,            ///< Groups of 16 pixels; no resizer works on them.
+    FORMAT_WORD_PLANES = 0x004,       ///< 16-bit words, each component by itself: not P216 and P016.
+    FORMAT_V_BEFORE_U = 0x008,        ///< Plane 1 holds V.
+    FORMAT_KEPT_BY_FILTER = 0x010,    ///< The deinterlacer's history holds it as it is.
+    FORMAT_FILTERED = 0x020,          ///< The deinterlacer has a filter for its lines.
+    FORMAT_MIXED_BY_BYTES = 0x040,    ///< Two pictures are mixed byte by byte.
+    FORMAT_RESIZED_DIRECTLY = 0x080,  ///< Both directions in one pass.
+    FORMAT_RESIZED_BY_NAME = 0x100,   ///< Known to the resizers, which have no pass for it.
+};
+
 /// Geometry of a format.
 struct FormatInfo {
     std::uint32_t id;
@@ -144,6 +157,9 @@ const PlaneShiftRecord& PlaneShiftsOf(std::uint32_t format);
 
 /// Row of the format, or null when it is unknown. Format 0 has no row.
 const FormatInfo* FormatInfoOf(const ImageDescriptor& desc);
+
+/// Whether the format has all of `traits`. False for an unknown format.
+bool HasTraits(std::uint32_t format, unsigned traits);
 
 /// Rounds up to a multiple of a power of two. The line alignments 48 and 80 of two block formats go through it as well
 /// and give a somewhat larger value, never a smaller one.

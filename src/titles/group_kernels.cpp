@@ -11,7 +11,6 @@ namespace KorvaneSoftware {
 namespace {
 
 constexpr std::size_t kBgraGroupBytes = 64;
-constexpr std::size_t kY16AGroupBytes = 48;
 
 /// A record in the order in which it is stored.
 struct Record {
@@ -94,7 +93,7 @@ std::size_t plain::BgraRunLength(const std::uint8_t* src, std::size_t count, boo
     return RunLength<kBgraGroupBytes, 3, 4>(src, count, visible);
 }
 std::size_t plain::Y16ARunLength(const std::uint8_t* src, std::size_t count, bool visible) {
-    return RunLength<kY16AGroupBytes, 16, 1>(src, count, visible);
+    return RunLength<kY16AOrder.bytes, kY16AOrder.alpha, 1>(src, count, visible);
 }
 
 void plain::TitleToGroups(std::uint8_t* dst, const std::uint8_t* src, std::size_t count) {
@@ -123,15 +122,15 @@ void plain::BgraToGroups(std::uint8_t* dst, const std::uint8_t* src, std::size_t
 }
 
 void plain::Y16AToGroups(std::uint8_t* dst, const std::uint8_t* src, std::size_t count) {
-    ForEachGroup<kY16AGroupBytes>(dst, src, count, [](Record& record, const std::uint8_t* group) {
-        const std::uint8_t* const alpha = group + 16;
+    ForEachGroup<kY16AOrder.bytes>(dst, src, count, [](Record& record, const std::uint8_t* group) {
+        const std::uint8_t* const alpha = group + kY16AOrder.alpha;
         for (int i = 0; i < 16; ++i) {
             record.luma[i] = static_cast<std::uint8_t>((group[i] * alpha[i]) >> 8);
             record.key[i] = static_cast<std::uint8_t>(255 - alpha[i]);
         }
         for (int k = 0; k < 8; ++k) {
-            record.cb[k] = static_cast<std::uint8_t>((group[32 + k] * alpha[2 * k]) >> 8);
-            record.cr[k] = static_cast<std::uint8_t>((group[40 + k] * alpha[2 * k + 1]) >> 8);
+            record.cb[k] = static_cast<std::uint8_t>((group[kY16AOrder.u + k] * alpha[2 * k]) >> 8);
+            record.cr[k] = static_cast<std::uint8_t>((group[kY16AOrder.v + k] * alpha[2 * k + 1]) >> 8);
         }
     });
 }

@@ -10,12 +10,10 @@ namespace KorvaneSoftware {
 
 namespace {
 
-bool IsPacked422(std::uint32_t format) { return format == FMT_UYVY || format == FMT_YUY2 || format == FMT_YVYU; }
-
 // What every operation asks of its pictures once their formats are known to be good.
 Status CheckPictures(const ImageDescriptor& dst, const ImageDescriptor& src) {
     if (dst.width != src.width || dst.height != src.height) return IMG_E_BAD_SIZE;
-    if (IsPacked422(src.format) && src.width % 2 != 0) return IMG_E_BAD_ALIGNMENT;
+    if (HasTraits(src.format, FORMAT_PACKED_422) && src.width % 2 != 0) return IMG_E_BAD_ALIGNMENT;
     return IMG_OK;
 }
 

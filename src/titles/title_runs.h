@@ -9,12 +9,12 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "foundation/sample_order.h"
 #include "foundation/status.h"
 
 namespace KorvaneSoftware {
 
 /// A group record: luma of 16 pixels, 255 minus their alpha, Cb and Cr of the 8 pairs.
-constexpr std::size_t kGroupPixels = 16;
 constexpr std::size_t kRecordBytes = 48;
 
 /// Where a stream ends. Both move as it grows; the caller owns the first cell and has set it, normally to 0.

@@ -55,8 +55,8 @@ struct Reorder422To422 {
 
 /// Packed formats differ by a permutation of each four bytes. The last register is read before the line is written, so
 /// that a picture can be converted in place.
-template <bool d0, bool d1, bool s0, bool s1>
-struct Reorder422To422<PackedLayout<d0, d1>, PackedLayout<s0, s1>> {
+template <PackedOrder kTo, PackedOrder kFrom>
+struct Reorder422To422<PackedLayout<kTo>, PackedLayout<kFrom>> {
     static constexpr int kLines = 1;
     static constexpr bool kSrcIs420 = false;
     static constexpr bool kDstIs420 = false;
@@ -65,7 +65,7 @@ struct Reorder422To422<PackedLayout<d0, d1>, PackedLayout<s0, s1>> {
 
     template <class Out>
     static void Convert(const Line (&to)[1], const Line (&from)[1], std::size_t width) {
-        static constexpr PackedShuffle<PackedLayout<d0, d1>, PackedLayout<s0, s1>> kShuffle;
+        static constexpr PackedShuffle<kTo, kFrom> kShuffle;
         const Vec shuffle = Repeat128(kShuffle.bytes);
         const std::uint8_t* const in = from[0].plane[0];
         std::uint8_t* const out = to[0].plane[0];
@@ -87,8 +87,8 @@ struct Reorder422To422<PackedLayout<d0, d1>, PackedLayout<s0, s1>> {
     }
 };
 
-template <bool s0, bool s1>
-struct Reorder422To422<Y16Layout, PackedLayout<s0, s1>> {
+template <PackedOrder kFrom>
+struct Reorder422To422<Y16Layout, PackedLayout<kFrom>> {
     static constexpr int kLines = 1;
     static constexpr bool kSrcIs420 = false;
     static constexpr bool kDstIs420 = false;
@@ -97,7 +97,7 @@ struct Reorder422To422<Y16Layout, PackedLayout<s0, s1>> {
 
     template <class Out>
     static void Convert(const Line (&to)[1], const Line (&from)[1], std::size_t width) {
-        static constexpr HalfBlockShuffle<PackedLayout<s0, s1>> kShuffle;
+        static constexpr HalfBlockShuffle<kFrom> kShuffle;
         const Vec shuffle = Repeat128(kShuffle.fromPacked);
         WalkLine<kStep<Out>>(0, width, [&](std::size_t x) {
             Vec a = Shuffle8(Load(from[0].plane[0] + 2 * x), shuffle);
@@ -109,8 +109,8 @@ struct Reorder422To422<Y16Layout, PackedLayout<s0, s1>> {
     }
 };
 
-template <bool d0, bool d1>
-struct Reorder422To422<PackedLayout<d0, d1>, Y16Layout> {
+template <PackedOrder kTo>
+struct Reorder422To422<PackedLayout<kTo>, Y16Layout> {
     static constexpr int kLines = 1;
     static constexpr bool kSrcIs420 = false;
     static constexpr bool kDstIs420 = false;
@@ -119,7 +119,7 @@ struct Reorder422To422<PackedLayout<d0, d1>, Y16Layout> {
 
     template <class Out>
     static void Convert(const Line (&to)[1], const Line (&from)[1], std::size_t width) {
-        static constexpr HalfBlockShuffle<PackedLayout<d0, d1>> kShuffle;
+        static constexpr HalfBlockShuffle<kTo> kShuffle;
         const Vec shuffle = Repeat128(kShuffle.toPacked);
         WalkLine<kStep<Out>>(0, width, [&](std::size_t x) {
             Vec a = Load(from[0].plane[0] + 2 * x);

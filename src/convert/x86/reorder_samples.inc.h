@@ -7,6 +7,7 @@
 #pragma once
 
 #include "convert/simd/lines.inc.h"
+#include "convert/simd/packed_shuffle.inc.h"
 
 namespace KorvaneSoftware::PIXMORPH_SIMD {
 // Members of types are external whatever they are declared: without a name around them, no other family's type of the
@@ -46,16 +47,12 @@ inline void Arrange(const SeparateChroma& from, PairedChroma& to) { InterleaveBy
 inline PairedChroma Mean(PairedChroma c, PairedChroma d) { return {Avg8(c.a, d.a), Avg8(c.b, d.b)}; }
 inline SeparateChroma Mean(SeparateChroma c, SeparateChroma d) { return {Avg8(c.u, d.u), Avg8(c.v, d.v)}; }
 
-/// Packed 4:2:2. kLumaFirst: luma in the even bytes. kCrFirst: V before U.
-template <bool kLumaFirst, bool kCrFirst>
+/// Packed 4:2:2.
+template <PackedOrder kPackedOrder>
 struct PackedLayout {
     using Chroma = PairedChroma;
+    static constexpr PackedOrder kOrder = kPackedOrder;
     static constexpr std::size_t kUnitRegisters = 4;
-    // Places within four bytes.
-    static constexpr int kY0 = kLumaFirst ? 0 : 1;
-    static constexpr int kY1 = kY0 + 2;
-    static constexpr int kU = (kLumaFirst ? 1 : 0) + (kCrFirst ? 2 : 0);
-    static constexpr int kV = kU ^ 2;
 
     static constexpr std::size_t RowBytes(int plane, std::size_t width) { return plane == 0 ? 2 * width : 0; }
 
@@ -65,7 +62,7 @@ struct PackedLayout {
         const Vec b = Load(p + kVecBytes);
         const Vec c = Load(p + 2 * kVecBytes);
         const Vec d = Load(p + 3 * kVecBytes);
-        if constexpr (kLumaFirst) {
+        if constexpr (kOrder.IsLumaFirst()) {
             luma = {EvenBytes(a, b), EvenBytes(c, d)};
             chroma = {OrderPairs(OddBytes(a, b)), OrderPairs(OddBytes(c, d))};
         } else {
@@ -84,7 +81,7 @@ struct PackedLayout {
 private:
     /// U, V from the order of this layout and back.
     static inline Vec OrderPairs(Vec pairs) {
-        if constexpr (kCrFirst) return Or(ShiftLeft16<8>(pairs), ShiftRight16u<8>(pairs));
+        if constexpr (kOrder.IsVFirst()) return Or(ShiftLeft16<8>(pairs), ShiftRight16u<8>(pairs));
         return pairs;
     }
 
@@ -92,7 +89,7 @@ private:
     static inline void WriteHalf(std::uint8_t* p, Vec luma, Vec pairs) {
         Vec a;
         Vec b;
-        if constexpr (kLumaFirst)
+        if constexpr (kOrder.IsLumaFirst())
             InterleaveBytes(luma, pairs, a, b);
         else
             InterleaveBytes(pairs, luma, a, b);
@@ -100,37 +97,22 @@ private:
         Out::Put(p + kVecBytes, b);
     }
 };
-using UyvyLayout = PackedLayout<false, false>;
-using Yuy2Layout = PackedLayout<true, false>;
-using YvyuLayout = PackedLayout<true, true>;
-
-/// Byte shuffle that turns one packed order into another.
-template <class Dst, class Src>
-struct PackedShuffle {
-    std::uint8_t bytes[16] = {};
-
-    constexpr PackedShuffle() {
-        for (int group = 0; group < 16; group += 4) {
-            bytes[group + Dst::kY0] = static_cast<std::uint8_t>(group + Src::kY0);
-            bytes[group + Dst::kY1] = static_cast<std::uint8_t>(group + Src::kY1);
-            bytes[group + Dst::kU] = static_cast<std::uint8_t>(group + Src::kU);
-            bytes[group + Dst::kV] = static_cast<std::uint8_t>(group + Src::kV);
-        }
-    }
-};
+using UyvyLayout = PackedLayout<kUyvyOrder>;
+using Yuy2Layout = PackedLayout<kYuy2Order>;
+using YvyuLayout = PackedLayout<kYvyuOrder>;
 
 /// Byte shuffles between 8 packed pixels and Y[8], U[4], V[4].
-template <class Packed>
+template <PackedOrder kOrder>
 struct HalfBlockShuffle {
     std::uint8_t fromPacked[16] = {};
     std::uint8_t toPacked[16] = {};
 
     constexpr HalfBlockShuffle() {
         for (int pair = 0; pair < 4; ++pair) {
-            Connect(2 * pair, 4 * pair + Packed::kY0);
-            Connect(2 * pair + 1, 4 * pair + Packed::kY1);
-            Connect(8 + pair, 4 * pair + Packed::kU);
-            Connect(12 + pair, 4 * pair + Packed::kV);
+            Connect(2 * pair, 4 * pair + kOrder.y0);
+            Connect(2 * pair + 1, 4 * pair + kOrder.y1);
+            Connect(8 + pair, 4 * pair + kOrder.u);
+            Connect(12 + pair, 4 * pair + kOrder.v);
         }
     }
 
@@ -153,6 +135,7 @@ inline void ToBlockChroma(const SeparateChroma& chroma, Vec& a, Vec& b) {
 
 /// Blocks of 16 pixels in 32 bytes: a lane of luma, a lane of chroma.
 struct Y16Layout {
+    static_assert(kY16Order.bytes == 32 && kY16Order.y == 0 && kY16Order.u == 16 && kY16Order.v == 24);
     using Chroma = SeparateChroma;
     static constexpr std::size_t kUnitRegisters = 4;
 
@@ -188,6 +171,8 @@ struct Y16Layout {
 
 /// Blocks of 16 pixels in 48 bytes: a lane of luma, a lane of alpha, a lane of chroma.
 struct Y16ALayout {
+    static_assert(kY16AOrder.bytes == 48 && kY16AOrder.y == 0 && kY16AOrder.alpha == 16 && kY16AOrder.u == 32 &&
+                  kY16AOrder.v == 40);
     using Chroma = SeparateChroma;
     static constexpr std::size_t kUnitRegisters = 6;
 

@@ -6,6 +6,7 @@
 #include "convert/simd/rgb_lines.inc.h"
 #include "convert/simd/rgb_pixels.inc.h"
 #include "convert/x86/rgb_forms.h"
+#include "foundation/sample_order.h"
 
 namespace KorvaneSoftware {
 namespace PIXMORPH_SIMD {
@@ -34,45 +35,46 @@ inline Vec LumaBytes(const RgbToYuvVectors& m, const PairedWords& p) {
 
 // Destinations take dealt registers: luma bytes, and chroma bytes in pairs, U first or, where kVFirst, V first.
 
-template <bool kLumaFirst, bool kSwapped>
+template <PackedOrder kOrder>
 struct PackedTarget {
     static constexpr bool kIsStreamed = true;
     using Streamed = StreamedPlane<2, 2>;
-    static constexpr bool kVFirst = kSwapped;
+    static constexpr bool kVFirst = kOrder.IsVFirst();
     static constexpr bool kHasAlpha = false;
 
     template <class Sink>
     static inline void Write(const Sink& sink, const Line& line, std::size_t x, Vec luma, Vec chroma, Vec) {
         luma = CollectForUnpack(luma);
         chroma = CollectForUnpack(chroma);
-        const Vec first = kLumaFirst ? luma : chroma;
-        const Vec second = kLumaFirst ? chroma : luma;
+        const Vec first = kOrder.IsLumaFirst() ? luma : chroma;
+        const Vec second = kOrder.IsLumaFirst() ? chroma : luma;
         const Vec pairs[2] = {UnpackLow8(first, second), UnpackHigh8(first, second)};
         sink.Write(line.plane[0] + 2 * x, pairs);
     }
 };
-using UyvyTarget = PackedTarget<false, false>;
-using Yuy2Target = PackedTarget<true, false>;
-using YvyuTarget = PackedTarget<true, true>;
+using UyvyTarget = PackedTarget<kUyvyOrder>;
+using Yuy2Target = PackedTarget<kYuy2Order>;
+using YvyuTarget = PackedTarget<kYvyuOrder>;
 
 alignas(16) constexpr std::uint8_t kSplitChroma[16] = {0, 2, 4, 6, 8, 10, 12, 14, 1, 3, 5, 7, 9, 11, 13, 15};
 
-template <std::size_t kBlockBytes>
+template <BlockOrder kOrder>
 struct BlockTarget {
     static constexpr bool kIsStreamed = false;
     using Streamed = NeverStreamed;
     static constexpr bool kVFirst = false;
-    static constexpr bool kHasAlpha = kBlockBytes == 48;
+    static constexpr bool kHasAlpha = kOrder.HasAlpha();
+    static constexpr std::size_t kBlockBytes = kOrder.bytes;
 
     static inline void Write(const PlainSink&, const Line& line, std::size_t x, Vec luma, Vec chroma, Vec alpha) {
         std::uint8_t* const out = line.plane[0] + x / 16 * kBlockBytes;
-        StoreLanes(out, kBlockBytes, CollectLanes(luma));
-        if constexpr (kHasAlpha) StoreLanes(out + 16, kBlockBytes, CollectLanes(alpha));
-        StoreLanes(out + kBlockBytes - 16, kBlockBytes, Shuffle8(CollectLanes(chroma), Repeat128(kSplitChroma)));
+        StoreLanes(out + kOrder.y, kBlockBytes, CollectLanes(luma));
+        if constexpr (kHasAlpha) StoreLanes(out + kOrder.alpha, kBlockBytes, CollectLanes(alpha));
+        StoreLanes(out + kOrder.u, kBlockBytes, Shuffle8(CollectLanes(chroma), Repeat128(kSplitChroma)));
     }
 };
-using Y16Target = BlockTarget<32>;
-using Y16ATarget = BlockTarget<48>;
+using Y16Target = BlockTarget<kY16Order>;
+using Y16ATarget = BlockTarget<kY16AOrder>;
 
 struct PlanarTarget {
     static constexpr bool kIsStreamed = false;

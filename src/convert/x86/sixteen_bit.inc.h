@@ -2,6 +2,7 @@
 // packed picture is then a luma word and a chroma word joined, with no bytes to interleave.
 #include "convert/simd/lines.inc.h"
 #include "convert/x86/sixteen_bit_forms.h"
+#include "foundation/sample_order.h"
 #include "foundation/simd/walk_line.inc.h"
 #include "foundation/store_policy.h"
 
@@ -82,15 +83,19 @@ struct LinesOf : FromOneLine {};
 template <>
 struct LinesOf<2> : FromTwoLines {};
 
-// Where the bytes of a pixel pair lie, and the same for words of 0 to 255.
-struct UyvyWords {
-    static constexpr std::size_t kLuma = 1;
-    static Vec Join(Vec luma, Vec chroma) { return Or(ShiftLeft16<8>(luma), chroma); }
+// Packed 4:2:2 of words of 0 to 255.
+template <PackedOrder kOrder>
+struct PackedWords {
+    static constexpr std::size_t kLuma = kOrder.y0;
+    static Vec Join(Vec luma, Vec chroma) {
+        if constexpr (kOrder.IsLumaFirst())
+            return Or(luma, ShiftLeft16<8>(chroma));
+        else
+            return Or(ShiftLeft16<8>(luma), chroma);
+    }
 };
-struct Yuy2Words {
-    static constexpr std::size_t kLuma = 0;
-    static Vec Join(Vec luma, Vec chroma) { return Or(luma, ShiftLeft16<8>(chroma)); }
-};
+using UyvyWords = PackedWords<kUyvyOrder>;
+using Yuy2Words = PackedWords<kYuy2Order>;
 
 // Stores. Frames that do not fit the cache leave past it, which saves reading the destination first.
 struct CachedStores {

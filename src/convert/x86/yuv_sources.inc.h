@@ -3,6 +3,7 @@
 #pragma once
 
 #include "convert/simd/rgb_lines.inc.h"
+#include "foundation/sample_order.h"
 
 namespace KorvaneSoftware::PIXMORPH_SIMD {
 namespace {
@@ -43,8 +44,7 @@ inline Vec NextAtEnd(const std::uint8_t* last) {
 // Sources: samples of the step at pixel x, a multiple of kGranule. kPacked says in which order the words lie: as a
 // lane-wise unpack or pack of two registers leaves them (see rgb_lanes_sse41.h).
 
-/// kLuma: byte of the first luma sample in the four bytes of a pixel pair; U before V or behind it.
-template <int kLuma, bool kVFirst>
+template <PackedOrder kOrder>
 struct PackedSource {
     static constexpr bool kPacked = true;
     static constexpr std::size_t kGranule = 2;
@@ -73,29 +73,29 @@ struct PackedSource {
 
 private:
     static inline Vec LumaOf(Vec a) {
-        if constexpr (kLuma == 1)
-            return And(a, Set16(0xFF00));
-        else
+        if constexpr (kOrder.IsLumaFirst())
             return ShiftLeft16<8>(a);
+        else
+            return And(a, Set16(0xFF00));
     }
     static inline Vec ChromaOf(Vec a) {
-        if constexpr (kLuma == 1)
-            return ShiftLeft16<8>(a);
-        else
+        if constexpr (kOrder.IsLumaFirst())
             return And(a, Set16(0xFF00));
+        else
+            return ShiftLeft16<8>(a);
     }
     static inline void SitesOf(Vec pairs, Vec next, Vec& u, Vec& v) {
         const Vec first = ChromaOf(pairs);
         const Vec second = Avg16(first, ChromaOf(next));
-        if constexpr (kVFirst)
+        if constexpr (kOrder.IsVFirst())
             OrderSites(first, second, v, u);
         else
             OrderSites(first, second, u, v);
     }
 };
-using UyvySource = PackedSource<1, false>;
-using Yuy2Source = PackedSource<0, false>;
-using YvyuSource = PackedSource<0, true>;
+using UyvySource = PackedSource<kUyvyOrder>;
+using Yuy2Source = PackedSource<kYuy2Order>;
+using YvyuSource = PackedSource<kYvyuOrder>;
 
 struct PlanarSource {
     static constexpr bool kPacked = false;
@@ -160,15 +160,13 @@ struct SemiPlanarSource {
     }
 };
 
-/// Blocks of 16 pixels, by the places of their luma, of their alpha (kNoAlpha: none), and of their eight U and eight V.
-/// A lane holds a block.
-constexpr std::size_t kNoAlpha = ~std::size_t{0};
-
-template <std::size_t kBlockBytes, std::size_t kLuma, std::size_t kAlpha, std::size_t kChroma>
+/// Blocks of 16 pixels. A lane holds a block.
+template <BlockOrder kOrder>
 struct BlockSource {
     static constexpr bool kPacked = false;
     static constexpr std::size_t kGranule = 16;
-    static constexpr bool kHasAlpha = kAlpha != kNoAlpha;
+    static constexpr bool kHasAlpha = kOrder.HasAlpha();
+    static constexpr std::size_t kBlockBytes = kOrder.bytes;
 
     static inline const std::uint8_t* BlockAt(const Line& line, std::size_t x) {
         return line.plane[0] + x / 16 * kBlockBytes;
@@ -178,14 +176,14 @@ struct BlockSource {
     }
     static inline void PrefetchChroma(const Line&, std::size_t) {}
     static inline LumaWords Luma(const Line& line, std::size_t x) {
-        return WidenLuma(LoadLanes(BlockAt(line, x) + kLuma, kBlockBytes));
+        return WidenLuma(LoadLanes(BlockAt(line, x) + kOrder.y, kBlockBytes));
     }
     static inline Vec Alpha(const Line& line, std::size_t x) {
-        return LoadLanes(BlockAt(line, x) + kAlpha, kBlockBytes);
+        return LoadLanes(BlockAt(line, x) + kOrder.alpha, kBlockBytes);
     }
     template <bool kLast>
     static inline ChromaWords Chroma(const Line& line, std::size_t x) {
-        const std::uint8_t* const p = BlockAt(line, x) + kChroma;
+        const std::uint8_t* const p = BlockAt(line, x) + kOrder.u;
         const Vec chroma = LoadLanes(p, kBlockBytes);
         Vec behind;
         if constexpr (kLast) {
@@ -205,11 +203,11 @@ struct BlockSource {
                            AlignRight<2>(wordsBehind.high, words.high));
     }
 };
-using Y16Source = BlockSource<32, 0, kNoAlpha, 16>;
-using Y16ASource = BlockSource<48, 0, 16, 32>;
-using Y32Source = BlockSource<64, 0, kNoAlpha, 32>;
-using Y32ASource = BlockSource<80, 0, 32, 48>;
-using Y32ABSource = BlockSource<80, 16, 32, 64>;
+using Y16Source = BlockSource<kY16Order>;
+using Y16ASource = BlockSource<kY16AOrder>;
+using Y32Source = BlockSource<kY32Order>;
+using Y32ASource = BlockSource<kY32AOrder>;
+using Y32ABSource = BlockSource<kY32ABOrder>;
 
 // Sources of 16-bit words, which are 8.8 as they are. Their means round: between two lines first, then along the line.
 

@@ -136,8 +136,9 @@ inline PixelHalf ToBgr(Vec y, const ChromaWords& chroma, Vec alpha) {
 template <bool HasAlpha>
 inline void RestoreGroups(std::uint8_t* dst, const RestorationLines& lines, std::size_t offset,
                           const WeightRamp& ramp) {
-    constexpr std::size_t kBytes = HasAlpha ? kY16AGroupBytes : kY16GroupBytes;
-    constexpr std::size_t kChroma = kBytes - 16;
+    constexpr BlockOrder kOrder = kFieldOrder<HasAlpha>;
+    constexpr std::size_t kBytes = kOrder.bytes;
+    constexpr std::size_t kChroma = kOrder.u;
     const GroupWords py = PixelWords(lines.previous + offset, kBytes);
     const GroupWords ny = PixelWords(lines.next + offset, kBytes);
     const GroupWords ay = PixelWords(lines.above + offset, kBytes);
@@ -153,10 +154,10 @@ inline void RestoreGroups(std::uint8_t* dst, const RestorationLines& lines, std:
     Vec evenFull = Zero();
     Vec oddFull = Zero();
     if constexpr (HasAlpha) {
-        pa = PixelWords(lines.previous + offset + 16, kBytes);
-        na = PixelWords(lines.next + offset + 16, kBytes);
-        aa = PixelWords(lines.above + offset + 16, kBytes);
-        ba = PixelWords(lines.below + offset + 16, kBytes);
+        pa = PixelWords(lines.previous + offset + kOrder.alpha, kBytes);
+        na = PixelWords(lines.next + offset + kOrder.alpha, kBytes);
+        aa = PixelWords(lines.above + offset + kOrder.alpha, kBytes);
+        ba = PixelWords(lines.below + offset + kOrder.alpha, kBytes);
         evenFull = SubSat16u(Set16(256), Add16(aa.even, ba.even));
         oddFull = SubSat16u(Set16(256), Add16(aa.odd, ba.odd));
     }
@@ -176,7 +177,7 @@ inline void RestoreGroups(std::uint8_t* dst, const RestorationLines& lines, std:
 template <bool HasAlpha>
 void RestoreLine(std::uint8_t* dst, const RestorationLines& lines, std::size_t groups,
                  const MotionThresholds& thresholds, RestoreLineSignature* shortLine) {
-    constexpr std::size_t kBytes = HasAlpha ? kY16AGroupBytes : kY16GroupBytes;
+    constexpr std::size_t kBytes = kFieldOrder<HasAlpha>.bytes;
     constexpr std::size_t kLanes = static_cast<std::size_t>(kVecLanes);
     if (groups < kLanes) return shortLine(dst, lines, groups, thresholds);
     const WeightRamp ramp = RampOf(thresholds);
@@ -225,15 +226,16 @@ inline PixelHalf PresentHalf(Vec luma, Vec doubledU, Vec doubledV, Vec alpha) {
 // The groups from `src` on; one more group behind them is read for the chroma between groups.
 template <bool HasAlpha>
 inline void PresentGroups(std::uint8_t* dst, const std::uint8_t* src) {
-    constexpr std::size_t kBytes = HasAlpha ? kY16AGroupBytes : kY16GroupBytes;
-    constexpr std::size_t kChroma = kBytes - 16;
+    constexpr BlockOrder kOrder = kFieldOrder<HasAlpha>;
+    constexpr std::size_t kBytes = kOrder.bytes;
+    constexpr std::size_t kChroma = kOrder.u;
     const GroupWords y = PixelWords(src, kBytes);
     const ChromaWords here = LoadChroma(src + kChroma, kBytes);
     const ChromaWords behind = LoadChroma(src + kBytes + kChroma, kBytes);
     const Vec nextU = AlignRight<2>(behind.u, here.u);
     const Vec nextV = AlignRight<2>(behind.v, here.v);
     GroupWords alpha{Set16(255), Set16(255)};
-    if constexpr (HasAlpha) alpha = PixelWords(src + 16, kBytes);
+    if constexpr (HasAlpha) alpha = PixelWords(src + kOrder.alpha, kBytes);
     const Vec lumaZero = Set16(16);
     const Vec chromaZero = Set16(256);
     StorePixels(dst,
@@ -245,7 +247,7 @@ inline void PresentGroups(std::uint8_t* dst, const std::uint8_t* src) {
 
 template <bool HasAlpha>
 void PresentLine(std::uint8_t* dst, const std::uint8_t* src, std::size_t groups, PresentLineSignature* shortLine) {
-    constexpr std::size_t kBytes = HasAlpha ? kY16AGroupBytes : kY16GroupBytes;
+    constexpr std::size_t kBytes = kFieldOrder<HasAlpha>.bytes;
     constexpr std::size_t kLanes = static_cast<std::size_t>(kVecLanes);
     if (groups < kLanes) return shortLine(dst, src, groups);
     for (std::size_t group = 0; group + kLanes < groups; group += kLanes)

@@ -1,6 +1,7 @@
 // The line filter over registers of any width. All of it fits unsigned bytes, the bound included, once the signed terms
 // are split into their positive parts: only the scores, sums of three distances, need 16 bits.
 #include "deinterlace/x86/line_filter_forms.h"
+#include "foundation/sample_order.h"
 #include "foundation/simd/walk_line.inc.h"
 
 namespace KorvaneSoftware {
@@ -16,17 +17,20 @@ struct PlaneTaps {
 };
 
 // In packed 4:2:2 luma samples are two bytes apart and chroma samples of one kind four: a register is filtered as it
-// lies in memory, each byte with the neighbours of its own set. `ChromaBytes` marks the chroma byte of each word.
-template <int ChromaBytes>
+// lies in memory, each byte with the neighbours of its own set.
+template <PackedOrder kPackedOrder>
 struct PackedTaps {
+    static constexpr PackedOrder kOrder = kPackedOrder;
+    static constexpr int kChromaBytes = kOrder.IsLumaFirst() ? 0xFF00 : 0x00FF;  // Of each word.
+
     template <int J>
     static inline Vec At(const std::uint8_t* p) {
         if constexpr (J == 0) return Load(p);
-        return Blend8(Load(p + 2 * J), Load(p + 4 * J), Set16(ChromaBytes));
+        return Blend8(Load(p + 2 * J), Load(p + 4 * J), Set16(kChromaBytes));
     }
 };
-using UyvyTaps = PackedTaps<0x00FF>;
-using Yuy2Taps = PackedTaps<0xFF00>;
+using UyvyTaps = PackedTaps<kUyvyOrder>;
+using Yuy2Taps = PackedTaps<kYuy2Order>;
 
 // Words of a register of bytes; the halves are those of the lane-wise unpacks, which the lane-wise packs undo.
 struct Words {
@@ -143,8 +147,8 @@ inline FilterSources Advanced(const FilterSources& s, std::size_t bytes) {
 }
 
 template <class Taps>
-void FilterPacked(std::uint8_t* dst, const FilterSources& sources, std::size_t width, bool spatialCheck,
-                  std::size_t lumaByte) {
+void FilterPacked(std::uint8_t* dst, const FilterSources& sources, std::size_t width, bool spatialCheck) {
+    constexpr std::size_t kLumaByte = Taps::kOrder.y0;
     // Registers serve the bytes at which both luma and chroma have all their neighbours.
     const std::size_t pairs = width / 2;
     const std::size_t first = 4 * kFilterEdge;
@@ -153,11 +157,10 @@ void FilterPacked(std::uint8_t* dst, const FilterSources& sources, std::size_t w
     if (vectors) FilterRun<Taps>(dst, sources, first, last, spatialCheck);
     const std::size_t firstPair = vectors ? kFilterEdge : pairs;
     const std::size_t lastPair = vectors ? pairs - kFilterEdge : pairs;
-    const std::size_t chromaByte = 1 - lumaByte;
-    const FilterSources luma = Advanced(sources, lumaByte);
-    FilterSamples(dst + lumaByte, luma, 2, width, 0, 2 * firstPair, spatialCheck);
-    FilterSamples(dst + lumaByte, luma, 2, width, 2 * lastPair, width, spatialCheck);
-    for (std::size_t set = chromaByte; set < 4; set += 2) {
+    const FilterSources luma = Advanced(sources, kLumaByte);
+    FilterSamples(dst + kLumaByte, luma, 2, width, 0, 2 * firstPair, spatialCheck);
+    FilterSamples(dst + kLumaByte, luma, 2, width, 2 * lastPair, width, spatialCheck);
+    for (std::size_t set = 1 - kLumaByte; set < 4; set += 2) {
         const FilterSources chroma = Advanced(sources, set);
         FilterSamples(dst + set, chroma, 4, pairs, 0, firstPair, spatialCheck);
         FilterSamples(dst + set, chroma, 4, pairs, lastPair, pairs, spatialCheck);
@@ -173,11 +176,11 @@ void PIXMORPH_SIMD::FilterPlaneLine(std::uint8_t* dst, const FilterSources& sour
 }
 void PIXMORPH_SIMD::FilterUyvyLine(std::uint8_t* dst, const FilterSources& sources, std::size_t width,
                                    bool spatialCheck) {
-    FilterPacked<UyvyTaps>(dst, sources, width, spatialCheck, 1);
+    FilterPacked<UyvyTaps>(dst, sources, width, spatialCheck);
 }
 void PIXMORPH_SIMD::FilterYuy2Line(std::uint8_t* dst, const FilterSources& sources, std::size_t width,
                                    bool spatialCheck) {
-    FilterPacked<Yuy2Taps>(dst, sources, width, spatialCheck, 0);
+    FilterPacked<Yuy2Taps>(dst, sources, width, spatialCheck);
 }
 
 }  // namespace KorvaneSoftware

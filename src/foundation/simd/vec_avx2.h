@@ -7,7 +7,6 @@
 #include <cstdint>
 
 #define PIXMORPH_SIMD simd_avx2
-#define PIXMORPH_SIMD_NAME(primitive) primitive##_Avx2
 
 namespace KorvaneSoftware::PIXMORPH_SIMD {
 

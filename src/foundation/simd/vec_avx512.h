@@ -16,7 +16,6 @@
 #include <cstdint>
 
 #define PIXMORPH_SIMD simd_avx512
-#define PIXMORPH_SIMD_NAME(primitive) primitive##_Avx512
 
 namespace KorvaneSoftware::PIXMORPH_SIMD {
 

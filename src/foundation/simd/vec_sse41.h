@@ -7,7 +7,6 @@
 #include <cstdint>
 
 #define PIXMORPH_SIMD simd_sse41
-#define PIXMORPH_SIMD_NAME(primitive) primitive##_Sse41
 
 namespace KorvaneSoftware::PIXMORPH_SIMD {
 

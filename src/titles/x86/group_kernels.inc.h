@@ -1,8 +1,7 @@
 // Runs and records of groups of 16 pixels. A step writes kVecLanes records, one from each lane; the lanes of registers
 // that come out of packs are dealt (see rgb_lanes_sse41.h) and collected at the end. All loads of a step come before
 // its stores, and records are shorter than their pixels, so that both may start at the same address.
-#include <cstring>
-
+#include "foundation/sample_order.h"
 #include "titles/x86/group_kernels_forms.h"
 
 namespace KorvaneSoftware {
@@ -10,7 +9,7 @@ namespace PIXMORPH_SIMD {
 namespace {
 
 constexpr std::size_t kBgraBytes = 64;
-constexpr std::size_t kY16ABytes = 48;
+constexpr std::size_t kY16ABytes = kY16AOrder.bytes;
 constexpr std::size_t kRecord = 48;
 
 // A group is visible when any of its alphas has a bit above the lowest.
@@ -40,7 +39,7 @@ std::size_t BgraRun(const std::uint8_t* src, std::size_t count, bool visible) {
 
 inline bool Y16AVisible(const std::uint8_t* group) {
     std::uint64_t alpha[2];
-    std::memcpy(alpha, group + 16, sizeof(alpha));
+    __builtin_memcpy(alpha, group + kY16AOrder.alpha, sizeof(alpha));
     return ((alpha[0] | alpha[1]) & 0xFEFEFEFEFEFEFEFE) != 0;
 }
 
@@ -50,7 +49,7 @@ std::size_t Y16ARun(const std::uint8_t* src, std::size_t count, bool visible) {
     if (!visible) {
         const Vec mask = Set8(0xFE);
         for (; group + 2 * kStep <= count; group += 2 * kStep) {
-            const std::uint8_t* const alpha = src + group * kY16ABytes + 16;
+            const std::uint8_t* const alpha = src + group * kY16ABytes + kY16AOrder.alpha;
             const Vec any = Or(LoadLanes(alpha, kY16ABytes), LoadLanes(alpha + kStep * kY16ABytes, kY16ABytes));
             if (!AllZero(And(any, mask))) break;
         }
@@ -151,8 +150,8 @@ struct Y16AGroups {
     static constexpr std::size_t kGroupBytes = kY16ABytes;
     static void Run(std::uint8_t* dst, const std::uint8_t* src) {
         const Vec luma = LoadLanes(src, kY16ABytes);
-        const Vec alpha = LoadLanes(src + 16, kY16ABytes);
-        const Vec chroma = LoadLanes(src + 32, kY16ABytes);
+        const Vec alpha = LoadLanes(src + kY16AOrder.alpha, kY16ABytes);
+        const Vec chroma = LoadLanes(src + kY16AOrder.u, kY16ABytes);
         StoreLanes(dst, kRecord, UpperBytesOfProducts(luma, alpha));
         StoreLanes(dst + 16, kRecord, Xor(alpha, Set8(-1)));
         // The eight Cb go by the even alphas and the eight Cr behind them by the odd ones.
@@ -174,9 +173,9 @@ void WriteGroups(std::uint8_t* dst, const std::uint8_t* src, std::size_t count) 
     if (group == count) return;
     alignas(64) std::uint8_t from[kStep * Groups::kGroupBytes] = {};
     alignas(64) std::uint8_t to[kStep * kRecord];
-    std::memcpy(from, src + group * Groups::kGroupBytes, (count - group) * Groups::kGroupBytes);
+    __builtin_memcpy(from, src + group * Groups::kGroupBytes, (count - group) * Groups::kGroupBytes);
     Groups::Run(to, from);
-    std::memcpy(dst + group * kRecord, to, (count - group) * kRecord);
+    __builtin_memcpy(dst + group * kRecord, to, (count - group) * kRecord);
 }
 
 }  // namespace

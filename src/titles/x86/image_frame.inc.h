@@ -2,6 +2,7 @@
 // a mixing takes the frame's bytes, or black in their place, towards them. Region alphas are at most 255, so that the
 // factor is 256 at most.
 #include "convert/simd/colour.inc.h"
+#include "convert/simd/packed_shuffle.inc.h"
 #include "titles/x86/title_forms.h"
 #include "titles/x86/title_rows.inc.h"
 
@@ -16,9 +17,10 @@ struct FramePixels {
 };
 
 /// A frame's order. Luma and chroma bytes are dealt (see rgb_lanes_sse41.h).
-template <bool kLumaFirst>
+template <PackedOrder kPackedOrder>
 struct FrameOrder {
-    static constexpr bool kIsLumaFirst = kLumaFirst;
+    static constexpr PackedOrder kOrder = kPackedOrder;
+    static constexpr bool kLumaFirst = kOrder.IsLumaFirst();
     // A pair of black pixels.
     static Vec Black(int luma) {
         return Set32(kLumaFirst ? luma * 0x00010001 | static_cast<int>(0x80008000u) : luma * 0x01000100 | 0x00800080);
@@ -30,8 +32,8 @@ struct FrameOrder {
         out[1] = kLumaFirst ? UnpackHigh8(luma, chroma) : UnpackHigh8(chroma, luma);
     }
 };
-using UyvyOrder = FrameOrder<false>;
-using Yuy2Order = FrameOrder<true>;
+using UyvyOrder = FrameOrder<kUyvyOrder>;
+using Yuy2Order = FrameOrder<kYuy2Order>;
 
 // Readers.
 
@@ -74,8 +76,7 @@ struct RgbReader {
 using BgraReader = RgbReader<BgraPixels>;
 using BgrReader = RgbReader<BgrPixels>;
 
-/// Where U, Y0, V and Y1 of the source lie.
-template <int kU, int kY0, int kV, int kY1>
+template <PackedOrder kOrder>
 struct PackedReader {
     static constexpr std::size_t kBytes = 2;
     static constexpr bool kBottomUp = false;
@@ -90,36 +91,19 @@ struct PackedReader {
         FramePixels out;
         for (std::size_t i = 0; i < 2; ++i) {
             out.samples[i] = Load(src + i * kVecBytes);
-            if constexpr (kIsReordered<Order>)
-                out.samples[i] = Shuffle8(out.samples[i], Repeat128(kShuffle<Order>.index));
+            if constexpr (Order::kOrder.y0 != kOrder.y0 || Order::kOrder.u != kOrder.u)
+                out.samples[i] = Shuffle8(out.samples[i], Repeat128(kShuffle<Order>.bytes));
         }
         return out;
     }
 
 private:
-    struct Shuffle {
-        alignas(16) std::uint8_t index[16];
-    };
     template <class Order>
-    static constexpr Shuffle MakeShuffle() {
-        Shuffle shuffle{};
-        for (int i = 0; i < 16; i += 4) {
-            const int c = Order::kIsLumaFirst ? 1 : 0;
-            shuffle.index[i + c] = static_cast<std::uint8_t>(i + kU);
-            shuffle.index[i + 1 - c] = static_cast<std::uint8_t>(i + kY0);
-            shuffle.index[i + c + 2] = static_cast<std::uint8_t>(i + kV);
-            shuffle.index[i + 3 - c] = static_cast<std::uint8_t>(i + kY1);
-        }
-        return shuffle;
-    }
-    template <class Order>
-    static constexpr Shuffle kShuffle = MakeShuffle<Order>();
-    template <class Order>
-    static constexpr bool kIsReordered = kShuffle<Order>.index[0] != 0 || kShuffle<Order>.index[1] != 1;
+    static constexpr PackedShuffle<Order::kOrder, kOrder> kShuffle{};
 };
-using UyvyReader = PackedReader<0, 1, 2, 3>;
-using Yuy2Reader = PackedReader<1, 0, 3, 2>;
-using YvyuReader = PackedReader<3, 0, 1, 2>;
+using UyvyReader = PackedReader<kUyvyOrder>;
+using Yuy2Reader = PackedReader<kYuy2Order>;
+using YvyuReader = PackedReader<kYvyuOrder>;
 
 // Mixings of one register of samples with what they replace.
 

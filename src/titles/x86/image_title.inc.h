@@ -2,6 +2,7 @@
 // register of them at a time. Region alphas are at most 255, so that the factor is 256 at most and every first product
 // of two bytes, or of a byte and the factor, stays within an unsigned word.
 #include "convert/simd/colour.inc.h"
+#include "foundation/sample_order.h"
 #include "titles/x86/title_forms.h"
 #include "titles/x86/title_rows.inc.h"
 
@@ -140,8 +141,7 @@ struct BgrReader {
     PixelQuads Read(const std::uint8_t* src) const { return BgrPixels::ReadQuads(src); }
 };
 
-/// kLuma: byte of the first luma sample of a pair; U before V or behind it.
-template <int kLuma, bool kVFirst>
+template <PackedOrder kOrder>
 struct PackedReader {
     static constexpr std::size_t kBytes = 2;
     static constexpr std::size_t kAhead = 2;
@@ -162,20 +162,20 @@ struct PackedReader {
         // A mean of 8.8 words that come from bytes is exact: the rounding of the average never shows.
         const Vec second = Avg16(first, ChromaOf(Load(src + 4)));
         Vec u, v;
-        if constexpr (kVFirst)
+        if constexpr (kOrder.IsVFirst())
             OrderSites(first, second, v, u);
         else
             OrderSites(first, second, u, v);
         return YuvToBgr(matrix, LumaOf(pairs), u, v);
     }
-    static Vec LumaOf(Vec a) { return kLuma == 1 ? And(a, Set16(0xFF00)) : ShiftLeft16<8>(a); }
-    static Vec ChromaOf(Vec a) { return kLuma == 1 ? ShiftLeft16<8>(a) : And(a, Set16(0xFF00)); }
+    static Vec LumaOf(Vec a) { return kOrder.IsLumaFirst() ? ShiftLeft16<8>(a) : And(a, Set16(0xFF00)); }
+    static Vec ChromaOf(Vec a) { return kOrder.IsLumaFirst() ? And(a, Set16(0xFF00)) : ShiftLeft16<8>(a); }
 
     YuvToRgbVectors matrix;
 };
-using UyvyReader = PackedReader<1, false>;
-using Yuy2Reader = PackedReader<0, false>;
-using YvyuReader = PackedReader<0, true>;
+using UyvyReader = PackedReader<kUyvyOrder>;
+using Yuy2Reader = PackedReader<kYuy2Order>;
+using YvyuReader = PackedReader<kYvyuOrder>;
 
 template <class Reader, class Mixing>
 struct TitleStep {

@@ -9,8 +9,6 @@
 // A step reads its source before it stores anything, so that both sides may be the same row.
 #pragma once
 
-#include <cstring>
-
 #include "convert/simd/rgb_pixels.inc.h"
 #include "titles/title_mix.h"
 
@@ -26,11 +24,11 @@ void RunPart(std::uint8_t* dst, const std::uint8_t* src, std::size_t pixels, con
     alignas(64) std::uint8_t to[kPixels * Step::kDstBytes] = {};
     const std::size_t srcBytes = pixels * Step::kSrcBytes;
     const std::size_t dstBytes = pixels * Step::kDstBytes;
-    std::memcpy(from, src, srcBytes);
-    if constexpr (Step::kAhead != 0) std::memcpy(from + srcBytes, behind, 4);
-    if constexpr (Step::kMixes) std::memcpy(to, dst, dstBytes);
+    __builtin_memcpy(from, src, srcBytes);
+    if constexpr (Step::kAhead != 0) __builtin_memcpy(from + srcBytes, behind, 4);
+    if constexpr (Step::kMixes) __builtin_memcpy(to, dst, dstBytes);
     step.template Run<false>(to, from);
-    std::memcpy(dst, to, dstBytes);
+    __builtin_memcpy(dst, to, dstBytes);
 }
 
 /// Pixels `x` to `pixels` of a row.

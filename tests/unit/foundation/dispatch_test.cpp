@@ -26,24 +26,30 @@ int Last(int value) { return value + 4000; }
 
 using Slot = DispatchSlot<int(int)>;
 
-// A requirement that no processor meets: the vendor bits exclude each other.
-constexpr std::uint32_t kImpossible = FEATURES_INTEL | FEATURES_AMD;
-
-constexpr Slot::Entry kRows[] = {{FEATURES_PLAIN, Plain, "Add_Plain"},
-                                 {FEATURES_SSE2, Second, "Add_Sse2"},
-                                 {FEATURES_AVX2, Third, "Add_Avx2"},
-                                 {kImpossible, Last, "Add_Impossible"}};
-
-extern Slot Add;
-extern Slot Twin;
-constinit Slot Add{"TestAdd", kRows, &ResolveOnFirstCall<Add>::Call};
-constinit Slot Twin{"TestTwin", kRows, &ResolveOnFirstCall<Twin>::Call};
-const SlotRegistration kRegistration{&Add, &Twin};
+constexpr FormsBySet<int(int)> kForms{Plain, Second, Third, Last};
 
 int ExpectedFor(std::uint32_t features) {
+    if ((features & FEATURES_AVX512BW) == FEATURES_AVX512BW) return 4000;
     if ((features & 0x937F) == 0x937F) return 3000;
-    return (features & 0x1F) == 0x1F ? 2000 : 1000;
+    return (features & 0x17F) == 0x17F ? 2000 : 1000;
 }
+
+}  // namespace
+
+namespace KorvaneSoftware {
+
+extern DispatchSlot<int(int)> TestAdd;
+extern DispatchSlot<int(int)> TestTwin;
+PIXMORPH_SLOT(DispatchSlot<int(int)>, TestAdd, Plain, Second, Third, Last);
+extern DispatchSlot<int(int)> TestSparse;
+extern SlotTable<int(int), 2> TestTable;
+PIXMORPH_SLOT(DispatchSlot<int(int)>, TestTwin, Plain, Second, Third, Last);
+PIXMORPH_SLOT(DispatchSlot<int(int)>, TestSparse, Plain, nullptr, Third, nullptr);
+PIXMORPH_SLOT_TABLE(int(int), 2, TestTable, {Plain, Second, nullptr, nullptr}, {Last, nullptr, nullptr, nullptr});
+
+}  // namespace KorvaneSoftware
+
+namespace {
 
 TEST(SelectDispatchRow, TakesTheLastRowThatIsContained) {
     constexpr Slot::Entry rows[] = {{0, Plain, "a"}, {0x1F, Second, "b"}, {0x937F, Third, "c"}};
@@ -64,14 +70,14 @@ TEST(SelectDispatchRow, VendorRows) {
 }
 
 TEST(DispatchSlot, ResolvesOnTheFirstCallAndPassesItThrough) {
-    Twin.Unresolve();
-    EXPECT_EQ(Twin(7), 7 + ExpectedFor(EnabledFeatures()));
-    EXPECT_EQ(Twin(8), 8 + ExpectedFor(EnabledFeatures()));
+    TestTwin.Unresolve();
+    EXPECT_EQ(TestTwin(7), 7 + ExpectedFor(EnabledFeatures()));
+    EXPECT_EQ(TestTwin(8), 8 + ExpectedFor(EnabledFeatures()));
 }
 
 TEST(DispatchSlot, StaysWithItsFirstAnswer) {
     // A slot that does not take part in the restriction keeps the function it resolved to.
-    static constinit Slot lone{"TestLone", kRows, Plain};
+    static constinit Slot lone{"TestLone", Plain, kForms};
     const auto function = lone.Resolve();
     const RestrictedFeatures restricted(0);
     EXPECT_EQ(lone(1), function(1));
@@ -79,11 +85,34 @@ TEST(DispatchSlot, StaysWithItsFirstAnswer) {
 }
 
 TEST(DispatchSlot, TellsItsRows) {
-    EXPECT_STREQ(Add.Name(), "TestAdd");
-    ASSERT_EQ(Add.RowCount(), 4u);
-    EXPECT_STREQ(Add.RowSet(2), "Add_Avx2");
-    EXPECT_EQ(Add.RowFeatures(2), 0x937Fu);
-    EXPECT_EQ(Add.Row(1).function, Second);
+    EXPECT_STREQ(TestAdd.Name(), "TestAdd");
+    ASSERT_EQ(TestAdd.RowCount(), 4u);
+    EXPECT_STREQ(TestAdd.RowSet(2), "Avx2");
+    EXPECT_EQ(TestAdd.RowFeatures(2), 0x937Fu);
+    EXPECT_EQ(TestAdd.Row(1).function, Second);
+}
+
+TEST(DispatchSlot, LeavesOutAbsentForms) {
+    ASSERT_EQ(TestSparse.RowCount(), 2u);
+    EXPECT_STREQ(TestSparse.RowSet(0), "Plain");
+    EXPECT_STREQ(TestSparse.RowSet(1), "Avx2");
+    const RestrictedFeatures restricted(FEATURES_SSE41);
+    EXPECT_EQ(TestSparse(1), 1001);
+}
+
+TEST(SlotTable, HasASlotForEachNumber) {
+    EXPECT_EQ(TestTable.Size(), 2u);
+    for (int i = 0; i < 2; ++i) {
+        const auto& slot = TestTable[static_cast<std::size_t>(i)];
+        EXPECT_STREQ(slot.Name(), "TestTable");
+        EXPECT_EQ(slot.Index(), i);
+    }
+    EXPECT_EQ(TestAdd.Index(), -1);
+    EXPECT_EQ(TestTable[0].RowCount(), 2u);
+    EXPECT_EQ(TestTable[1].RowCount(), 1u);
+    const RestrictedFeatures restricted(0);
+    EXPECT_EQ(TestTable[0](1), 1001);
+    EXPECT_EQ(TestTable[1](1), 4001);
 }
 
 TEST(RestrictFeatures, RunsEveryLevel) {
@@ -92,10 +121,10 @@ TEST(RestrictFeatures, RunsEveryLevel) {
         {
             const RestrictedFeatures restricted(level);
             EXPECT_EQ(EnabledFeatures(), all & level);
-            EXPECT_EQ(Add(1), 1 + ExpectedFor(all & level)) << level;
+            EXPECT_EQ(TestAdd(1), 1 + ExpectedFor(all & level)) << level;
         }
         EXPECT_EQ(EnabledFeatures(), all);
-        EXPECT_EQ(Add(1), 1 + ExpectedFor(all));
+        EXPECT_EQ(TestAdd(1), 1 + ExpectedFor(all));
     }
 }
 
@@ -139,7 +168,7 @@ TEST(DispatchSlot, FirstCallsMayRace) {
         for (int i = 0; i < 4; ++i)
             threads.emplace_back([&] {
                 while (!go.load()) std::this_thread::yield();
-                if (Add(5) != expected || Twin(5) != expected) wrong.fetch_add(1);
+                if (TestAdd(5) != expected || TestTwin(5) != expected) wrong.fetch_add(1);
             });
         go.store(true);
         for (std::thread& thread : threads) thread.join();

@@ -1,6 +1,7 @@
 // The format tables against rows typed here a second time, by number.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <cstring>
 #include <string>
@@ -55,6 +56,32 @@ constexpr FormatRow kRows[] = {
     {34, "P422", 3, 0, 16, 16, 2, 2, 1, 2, 0, 2, 1, 16},
     {40, "NONE", 2, 0, 16, 32, 4, 1, 1, 1, 0, 2, 1, 16},
 };
+
+// What engines ask, by ids as their own descriptions list them.
+struct TraitRow {
+    unsigned trait;
+    std::vector<unsigned> ids;
+};
+const TraitRow kTraitRows[] = {
+    {FORMAT_PACKED_422, {7, 8, 9}},
+    {FORMAT_BLOCKS, {10, 11, 12, 13, 14, 15}},
+    {FORMAT_WORD_PLANES, {30, 31, 32, 33, 34}},
+    {FORMAT_V_BEFORE_U, {18, 23, 24}},
+    {FORMAT_KEPT_BY_FILTER, {6, 7, 8, 9, 16, 17, 18, 23, 24, 25, 26, 27}},
+    {FORMAT_FILTERED, {6, 7, 8, 16, 17, 18, 23, 24, 25, 26, 27}},
+    {FORMAT_MIXED_BY_BYTES, {3, 4, 7, 8, 9, 27}},
+    {FORMAT_RESIZED_DIRECTLY, {4, 6, 7, 8, 9, 16, 17, 18, 19, 27}},
+    {FORMAT_RESIZED_BY_NAME, {23, 24, 25, 26, 33, 34}},
+};
+
+TEST(FormatTraits, BelongToTheseFormatsAlone) {
+    for (const TraitRow& row : kTraitRows)
+        for (unsigned id = 0; id < 64; ++id)
+            EXPECT_EQ(HasTraits(id, row.trait), std::count(row.ids.begin(), row.ids.end(), id) == 1)
+                << "trait " << row.trait << " format " << id;
+    EXPECT_FALSE(HasTraits(FMT_UYVY, FORMAT_PACKED_422 | FORMAT_BLOCKS));
+    EXPECT_TRUE(HasTraits(FMT_UYVY, FORMAT_PACKED_422 | FORMAT_FILTERED));
+}
 
 struct PublicRow {
     unsigned publicId;
