@@ -17,7 +17,7 @@ constexpr std::size_t kGroupPixels = 16;
 /// The lines that a missing line is rebuilt from.
 struct RestorationLines {
     const std::uint8_t* previous;  ///< The same line in the field before.
-    const std::uint8_t* next;      ///< The same line in the field behind.
+    const std::uint8_t* next;      ///< The same line in the field after.
     const std::uint8_t* above;     ///< The line above in the present field.
     const std::uint8_t* below;     ///< The line below in the present field.
 };
