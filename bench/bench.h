@@ -79,7 +79,7 @@ struct PictureSlotBench {
 void AddResize(const char* group, const char* variant, std::uint32_t format, std::uint32_t dstWidth,
                std::uint32_t dstHeight, std::uint32_t srcWidth, std::uint32_t srcHeight, PictureFunction function);
 
-/// What a variant is called in the listing: the part of its name behind the underscore, "plain" for row 0.
+/// What a variant is called in the listing: the part of its name after the underscore, "plain" for row 0.
 std::string VariantLabel(const km::DispatchSlotBase& slot, std::size_t row);
 
 /// Calls `add(row)` for each row of a slot that this processor can run.

@@ -3,7 +3,7 @@
 add_library(pixmorph_options INTERFACE)
 target_compile_options(pixmorph_options INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wimplicit-fallthrough
-  # Floating-point results are part of the contract: no fused multiply-add behind the code's back.
+  # Floating-point results are part of the contract: no fused multiply-add that the code does not ask for.
   -ffp-contract=off)
 target_include_directories(pixmorph_options INTERFACE ${PROJECT_SOURCE_DIR}/include)
 target_link_libraries(pixmorph_options INTERFACE Threads::Threads)

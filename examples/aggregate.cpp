@@ -33,8 +33,8 @@ public:
         *object = nullptr;
         return inner_ ? inner_->QueryInterface(iid, object) : E_NOINTERFACE;
     }
-    std::uint32_t PIXMORPH_CALL AddRef() override { return ++count_; }
-    std::uint32_t PIXMORPH_CALL Release() override {
+    ULONG PIXMORPH_CALL AddRef() override { return ++count_; }
+    ULONG PIXMORPH_CALL Release() override {
         const std::uint32_t left = --count_;
         if (left == 0) {
             count_ = 1;  // while the inner object goes, a reference that it takes and drops must not end this one again

@@ -19,7 +19,7 @@ int main() {
     if (FAILED(CreateInstance(CLSID_TitleMixer, mixer))) return 1;
 
     // Room for the worst case, every group of 16 pixels visible and in a run of its own. The first counter cell is the
-    // caller's and starts at 0; the write position stands right behind it.
+    // caller's and starts at 0; the write position comes right after it.
     std::vector<std::uint8_t> stream(4 + width / 16 * height * (48 + 4));
     auto* counter = reinterpret_cast<std::int32_t*>(stream.data());
     std::uint8_t* write = stream.data() + 4;

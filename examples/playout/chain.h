@@ -16,7 +16,7 @@ struct StageReport {
     std::string name;
     std::uint64_t frames = 0;  ///< Frames handed on.
     std::uint64_t bytes = 0;
-    double seconds = 0;  ///< Time spent in the stage itself, without the stages behind it.
+    double seconds = 0;  ///< Time spent in the stage itself, without the stages after it.
 };
 
 class Chain {
@@ -54,7 +54,7 @@ private:
         Chain& chain_;
         std::unique_ptr<Stage> stage_;
         StageReport report_;
-        Clock::duration elsewhere_{};  // time of the current call that was spent behind Take
+        Clock::duration elsewhere_{};  // time of the current call that was spent inside Take
     };
 
     Observer observer_;

@@ -26,7 +26,7 @@ public:
     std::uint32_t Width() const { return width_; }
     std::uint32_t Height() const { return height_; }
     std::uint32_t PlaneCount() const { return planeCount_; }
-    /// Bytes of pixels in a line of a plane, and lines of it; what lies behind them up to the stride is padding.
+    /// Bytes of pixels in a line of a plane, and lines of it; what follows them up to the stride is padding.
     std::uint32_t RowBytes(std::uint32_t plane) const { return rowBytes_[plane]; }
     std::uint32_t Rows(std::uint32_t plane) const { return rows_[plane]; }
     /// Bytes of all pixels, without padding.

@@ -28,7 +28,7 @@ public:
     explicit DeinterlaceStage(bool doubleRate);
     const char* Name() const override { return "deinterlace"; }
     void Process(const Frame& frame, Sink& next) override;
-    /// The library shows a frame once the one behind it is known; the last frame stands in for its own successor, as
+    /// The library shows a frame once the one after it is known; the last frame stands in for its own successor, as
     /// the first one does for its predecessor, so that as many frames go out as came in.
     void Finish(Sink& next) override;
 

@@ -19,7 +19,11 @@
 #include <unknwn.h>
 
 #define PIXMORPH_CALL __stdcall
+#if defined(PIXMORPH_BUILDS_LIBRARY)
+#define PIXMORPH_API extern "C" __declspec(dllexport)
+#else
 #define PIXMORPH_API extern "C" __declspec(dllimport)
+#endif
 
 #else
 
@@ -44,8 +48,11 @@ constexpr bool operator==(const GUID& a, const GUID& b) noexcept {
 }
 constexpr bool operator!=(const GUID& a, const GUID& b) noexcept { return !(a == b); }
 
-/// Outcome of every component method: negative values are failures.
+/// Outcome of every component method: negative values are failures. Its name and the two below are those of the Windows
+/// headers, where the types are `long`, `unsigned long` and `int`, 32 bits wide there.
 using HRESULT = std::int32_t;
+using ULONG = std::uint32_t;
+using BOOL = std::int32_t;
 
 inline constexpr HRESULT S_OK = 0;     ///< The method did what it says.
 inline constexpr HRESULT S_FALSE = 1;  ///< "No", from DllCanUnloadNow.
@@ -89,9 +96,9 @@ struct IUnknown {
     /// @return S_OK; E_NOINTERFACE; E_POINTER when `object` is null.
     virtual HRESULT PIXMORPH_CALL QueryInterface(const GUID& iid, void** object) = 0;
     /// Adds a reference. @return the new count, for diagnostics only.
-    virtual std::uint32_t PIXMORPH_CALL AddRef() = 0;
+    virtual ULONG PIXMORPH_CALL AddRef() = 0;
     /// Drops a reference; the object ends with its last one. @return the new count, for diagnostics only.
-    virtual std::uint32_t PIXMORPH_CALL Release() = 0;
+    virtual ULONG PIXMORPH_CALL Release() = 0;
 };
 
 /// Makes objects of one class; obtained from DllGetClassObject.
@@ -102,9 +109,9 @@ struct IClassFactory : IUnknown {
     /// @param object  receives it, or null.
     /// @return S_OK; E_NOINTERFACE; E_POINTER for a null `object`; CLASS_E_NOAGGREGATION when `outer` is given with
     ///         another interface than IUnknown; E_OUTOFMEMORY.
-    virtual HRESULT PIXMORPH_CALL CreateInstance(IUnknown* outer, const GUID& iid, void** object) = 0;
+    [[nodiscard]] virtual HRESULT PIXMORPH_CALL CreateInstance(IUnknown* outer, const GUID& iid, void** object) = 0;
     /// Keeps the module loaded (`lock` not 0) or lets go again (0). @return S_OK.
-    virtual HRESULT PIXMORPH_CALL LockServer(std::int32_t lock) = 0;
+    virtual HRESULT PIXMORPH_CALL LockServer(BOOL lock) = 0;
 };
 
 #if defined(__GNUC__)
@@ -116,14 +123,14 @@ struct IClassFactory : IUnknown {
 /// @param iid     IID_IClassFactory or IID_IUnknown.
 /// @param object  receives the class object with a reference added, or null.
 /// @return S_OK; CLASS_E_CLASSNOTAVAILABLE; E_NOINTERFACE; E_POINTER when `object` is null.
-PIXMORPH_API HRESULT DllGetClassObject(const GUID& clsid, const GUID& iid, void** object);
+PIXMORPH_API HRESULT PIXMORPH_CALL DllGetClassObject(const GUID& clsid, const GUID& iid, void** object);
 /// @return S_OK when no object, no held class object and no lock is alive, so that the library may be unloaded; S_FALSE
 ///         otherwise.
-PIXMORPH_API HRESULT DllCanUnloadNow();
+PIXMORPH_API HRESULT PIXMORPH_CALL DllCanUnloadNow();
 /// Enters the classes in the platform's registry. @return E_NOTIMPL on a platform that has no registry.
-PIXMORPH_API HRESULT DllRegisterServer();
+PIXMORPH_API HRESULT PIXMORPH_CALL DllRegisterServer();
 /// Removes what DllRegisterServer entered. @return E_NOTIMPL on a platform that has no registry.
-PIXMORPH_API HRESULT DllUnregisterServer();
+PIXMORPH_API HRESULT PIXMORPH_CALL DllUnregisterServer();
 
 #endif  // !_WIN32
 
@@ -182,7 +189,7 @@ public:
     }
     /// Asks the held object for another interface. @return as IUnknown::QueryInterface; E_POINTER when empty.
     template <class Other>
-    HRESULT As(ComPtr<Other>& result) const noexcept {
+    [[nodiscard]] HRESULT As(ComPtr<Other>& result) const noexcept {
         result.Reset();
         if (object_ == nullptr) return E_POINTER;
         return object_->QueryInterface(InterfaceId<Other>::value, result.Put());

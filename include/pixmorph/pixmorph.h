@@ -5,9 +5,13 @@
 // keeps copies of three frames). One object is driven by one thread at a time; different objects run freely in
 // parallel.
 //
-// What holds everywhere:
+// For all methods:
 //  - Sizes are in pixels and lines, strides in bytes from one line to the next. Strides are signed.
-//  - Pictures are trusted to be as large as their sizes and strides say; no byte outside them is read or written.
+//  - Pictures are trusted to be as large as their sizes and strides say; no byte outside them is read or written. A
+//  null
+//    pointer is recognised and answered as the method says; any other pointer is used, and a bad one faults.
+//  - No alignment is needed. Planes and strides that are multiples of 64 bytes are the fastest.
+//  - Source and destination must not overlap, except where a method allows it.
 //  - BGR and BGRA pictures are stored bottom-up: the pointer names the lowest line in memory, which is the bottom line
 //    of the picture. For a top-down picture pass the address of its last line and a negative stride, or, where a method
 //    says that it takes them, the formats PIXMORPH_BGR_TOP_DOWN and PIXMORPH_BGRA_TOP_DOWN. All other formats are
@@ -15,17 +19,30 @@
 //  - A method that takes arrays of planes takes four pointers and four strides. Those after the first may be null and
 //  0:
 //    the further planes then follow the first directly, with strides derived from the first.
+//  - Alpha is 255 wherever the destination has it and the source does not, unless a method says otherwise.
 //  - Results are the same to the bit on every processor and with every number of threads, except where a method says
 //    what else they depend on (IVideoEncoder::Encode).
-//  - Methods return S_OK or a failure code; no exception leaves them. Where nothing else is stated a failure has
-//  written
-//    nothing.
+//  - Methods return S_OK or a failure code; no exception leaves them. Where nothing else is stated, nothing has been
+//    written after a failure.
+//
+// Where chroma lies. A sample that two pixels share is read as lying on the left one, and one that two lines share as
+// lying on the upper line: the pixels and lines between two samples take their mean. A sample that is made from more
+// pixels or lines than one is the mean of those that it serves.
+//
+// Interlaced pictures. In 4:2:0 the lines of a picture are taken as they follow each other, so that chroma mixes the
+// two fields. Convert each field on its own: the first line of the field in every plane, half the height, twice the
+// strides. PixmorphToYUV420Planar2 does so for Y16. 4:2:2 and 4:4:4 formats need no such care.
 //
 // The header compiles alone as C++17 and C++20.
 #ifndef PIXMORPH_PIXMORPH_H
 #define PIXMORPH_PIXMORPH_H
 
 #include <pixmorph/com.h>
+
+// The version of this header, by semantic versioning.
+#define PIXMORPH_VERSION_MAJOR 1
+#define PIXMORPH_VERSION_MINOR 0
+#define PIXMORPH_VERSION_PATCH 0
 
 /// Public format numbers. Adding 32 to one of those marked (c) selects the BT.709 colour matrix, adding 96 the BT.601
 /// matrix at full range; the numbers themselves mean BT.601 at video levels. Methods that say "number or FourCC" also
@@ -59,7 +76,7 @@ enum PixmorphFormat : std::uint32_t {
     PIXMORPH_Y422 = 30,   ///< (c): planes Y, U, V, chroma halved in width.
     PIXMORPH_P422 = 31,   ///< (c): 16-bit words, planes Y, U, V, 4:2:2, 10 bits right-justified.
     PIXMORPH_BT709 = 32,  ///< Added to a number marked (c): BT.709 at video levels.
-    PIXMORPH_FULL_RANGE = 96,  ///< Added to a number marked (c): BT.601 at full range.
+    PIXMORPH_FULL_RANGE = 96,  ///< Added to a number marked (c): BT.601 at full range; there is no other full range.
 };
 
 /// Structure of a source frame for IVideoDeinterlacer::SetSourceFrame.
@@ -236,11 +253,10 @@ struct IPixmorphToYUV420Planar : IUnknown {
 
 /// Change of size within one format: area averaging to reduce, linear interpolation to enlarge.
 struct IStretchImage : IUnknown {
-    /// @param nWidthDst, nHeightDst, nWidthSrc, nHeightSrc  sizes in pixels; multiples of what the format shares chroma
-    /// by.
-    /// @param nFormat  number or FourCC; the Y16 family, P216 and P016 cannot be resized. The top-down numbers are
-    /// taken
-    ///                 as bottom-up here, which comes to the same.
+    /// @param nWidthDst, nHeightDst, nWidthSrc, nHeightSrc  sizes in pixels, multiples of the pixels and lines
+    ///                 that share a chroma sample.
+    /// @param nFormat  number or FourCC; the Y16 family, P216 and P016 cannot be resized. The top-down numbers
+    ///                 are taken as bottom-up here, which comes to the same.
     /// @return S_OK; E_FAIL for an unknown format, one that cannot be resized, or a size that it cannot have.
     virtual HRESULT PIXMORPH_CALL StretchImage(void* lpvDst, const void* lpvSrc, std::uint32_t nWidthDst,
                                                std::uint32_t nHeightDst, std::uint32_t nWidthSrc,
@@ -312,13 +328,12 @@ struct ITitleMixer : IUnknown {
     /// followed by what it counts. n > 0: n records of 48 bytes for 16 pixels each (Y[16], 255 - A[16], Cb[8], Cr[8]);
     /// n < 0: -n groups in which nothing is visible, and no further bytes. Runs go on across row ends, rows follow each
     /// other from the first in memory to the last. Several calls extend one stream.
-    /// @param lpbDestination  in and out: points to the write position, which moves behind the last byte written. The
+    /// @param lpbDestination  in and out: points to the write position, which moves past the last byte written. The
     ///                        room needed is 48 bytes per visible group and 4 per new run.
     /// @param lpbSource       the title, BGRA.
     /// @param nWidth          pixels; a multiple of 16.
-    /// @param lpiCounter      in and out: points to the pointer to the current counter cell, which the caller has set
-    /// up
-    ///                        (to 0, normally right in front of the write position).
+    /// @param lpiCounter      in and out: points to the pointer to the current counter cell, which the caller has
+    ///                        set to 0, normally right before the write position.
     /// @return S_OK always; with a null argument nothing is written.
     virtual HRESULT PIXMORPH_CALL CompressToRLE(std::uint8_t** lpbDestination, const std::uint8_t* lpbSource,
                                                 std::uint32_t nWidth, std::uint32_t nHeight, std::int32_t iStrideSource,
@@ -468,12 +483,15 @@ struct IDeinterlaceMaker : IUnknown {
 /// share size and stride.
 struct IVideoInterpolation : IUnknown {
     /// Blends a top field with the mean of the two neighbouring lines of the bottom field. Row 0 is copied.
-    /// @param fieldAlpha  weight of `pbSrc`, 0 to 256. @return S_OK always; null pointers write nothing.
+    /// A field of one row needs no `pbSrcOther`.
+    /// @param fieldAlpha  weight of `pbSrc`, 0 to 256.
+    /// @return S_OK always. A null pointer writes nothing, a null `pbSrcOther` nothing but row 0.
     virtual HRESULT PIXMORPH_CALL InterpolateTopField(std::uint8_t* pbDst, const std::uint8_t* pbSrc,
                                                       const std::uint8_t* pbSrcOther, std::uint32_t fieldWidth,
                                                       std::uint32_t fieldHeight, std::int32_t fieldStride,
                                                       std::uint32_t fieldAlpha) = 0;
-    /// Blends a bottom field with the mean of the two neighbouring lines of the top field. The last row is copied.
+    /// Blends a bottom field with the mean of the two neighbouring lines of the top field. The last row is copied; a
+    /// field of one row needs no `pbSrcOther`. @return S_OK always. A null pointer writes nothing.
     virtual HRESULT PIXMORPH_CALL InterpolateBottomField(std::uint8_t* pbDst, const std::uint8_t* pbSrc,
                                                          const std::uint8_t* pbSrcOther, std::uint32_t fieldWidth,
                                                          std::uint32_t fieldHeight, std::int32_t fieldStride,
@@ -502,9 +520,8 @@ struct IVideoInterpolation2 : IVideoInterpolation {
 /// up to four threads of its own. Output lags one frame behind input: after the third frame the second can be had.
 struct IVideoDeinterlacer : IUnknown {
     /// Starts anew, forgetting earlier frames.
-    /// @param mode  0 or 1: with the spatial check; 2 or 3: without. (1 and 3 are for callers that take two frames out
-    /// of
-    ///              each source frame.)
+    /// @param mode  0 or 1: with the spatial check; 2 or 3: without. (1 and 3 are for callers that take two frames
+    ///              out of each source frame.)
     /// @return S_OK; E_INVALIDARG for a mode above 3; E_OUTOFMEMORY.
     virtual HRESULT PIXMORPH_CALL Initialize(std::uint32_t mode) = 0;
     /// Takes the next frame. A change of size or format restarts the history.
@@ -522,9 +539,9 @@ struct IVideoDeinterlacer : IUnknown {
     /// @param fieldIntact  PixmorphFieldIntact.
     /// @return S_OK; E_NOTIMPL before Initialize; E_PENDING with fewer than three frames; E_FAIL for a size other than
     ///         the source's, a picture too small or a format that cannot be deinterlaced.
-    virtual HRESULT PIXMORPH_CALL GetFrame(std::uint8_t* const* pDst, const std::int32_t* dstStride,
-                                           std::uint32_t dstWidth, std::uint32_t dstHeight, std::uint32_t imageFormat,
-                                           std::uint32_t fieldIntact) = 0;
+    [[nodiscard]] virtual HRESULT PIXMORPH_CALL GetFrame(std::uint8_t* const* pDst, const std::int32_t* dstStride,
+                                                         std::uint32_t dstWidth, std::uint32_t dstHeight,
+                                                         std::uint32_t imageFormat, std::uint32_t fieldIntact) = 0;
 };
 
 // -------------------------------------------------------------------------------------------- class VideoCodec
@@ -552,8 +569,8 @@ struct IVideoCodecEnum : IUnknown {
     /// What a codec is called. Different codecs may have the same FourCC.
     /// @param pFourcc  receives the stream tag, a little-endian four-character code.
     /// @param pName    receives the display name: a string of the platform's wide characters (wchar_t: 32 bits wide on
-    ///                 Linux, 16 on Windows) with a zero at its end, which the caller frees with CoTaskMemFree (on Linux:
-    ///                 free).
+    ///                 Linux, 16 on Windows) with a zero at its end, which the caller frees with CoTaskMemFree (on
+    ///                 Linux: free).
     /// @param idx      from 0 to the count - 1.
     /// @return S_OK; E_INVALIDARG for a null pointer or another index; E_OUTOFMEMORY. A failure writes nothing.
     virtual HRESULT PIXMORPH_CALL Info(std::uint32_t* pFourcc, wchar_t** pName, std::int32_t idx) = 0;
@@ -572,9 +589,9 @@ struct IVideoEncoder : IUnknown {
     /// Replaces the encoder by a new one of codec `idx`, with the default quality.
     /// @param idx            index of the codec.
     /// @param width, height  of the frames, at least 1. Which sizes a codec takes is the codec's business.
-    /// @return S_OK; E_INVALIDARG for an index or a size out of range, which changes nothing; E_OUTOFMEMORY when there is
-    ///         no such encoder (always for AVC1): the earlier one is gone then; E_INVALIDARG when the codec refuses the
-    ///         size: it stays, and its Encode fails.
+    /// @return S_OK; E_INVALIDARG for an index or a size out of range, which changes nothing; E_OUTOFMEMORY when there
+    ///         is no such encoder (always for AVC1): the earlier one is gone then; E_INVALIDARG when the codec refuses
+    ///         the size: it stays, and its Encode fails.
     virtual HRESULT PIXMORPH_CALL EncSetFormat(std::int32_t idx, std::int32_t width, std::int32_t height) = 0;
     /// Sets the quality of the frames to come: 0 is the worst, 10000 the best, 8000 the default. Codecs of fixed rate
     /// (DV) have none and ignore it. @return S_OK; E_NOT_VALID_STATE without an encoder.
@@ -586,15 +603,16 @@ struct IVideoEncoder : IUnknown {
     /// some filler before an image's end marker differs from that with several. What it decodes to does not.
     /// @param pDst           receives the compressed frame.
     /// @param dstBufferSize  bytes at `pDst`, at least 1.
-    /// @param pDstSize       receives the bytes of the frame; 0, with S_OK, from a codec that does not tell of a frame too
-    ///                       large for the buffer. No byte behind the buffer is written.
+    /// @param pDstSize       receives the bytes of the frame; 0, with S_OK, from a codec that does not tell of a frame
+    ///                       too large for the buffer. No byte past the buffer is written.
     /// @param pSrc           array, of which the first pointer is read: the first plane of the picture. Further planes
     ///                       follow it directly, with strides derived from the first.
     /// @param srcStride      array, of which the first stride is read.
     /// @param srcFormat      number or FourCC. 17 and 18 (top-down RGB) are taken as 7 and 8: pass the last line and a
     ///                       negative stride for a top-down picture.
     /// @return S_OK; E_INVALIDARG for a buffer size below 1, a null `pDstSize`, plane or array, or an unknown format;
-    ///         E_NOT_VALID_STATE without an encoder; E_FAIL when the codec fails. `*pDstSize` is written with S_OK only.
+    ///         E_NOT_VALID_STATE without an encoder; E_FAIL when the codec fails. `*pDstSize` is written with S_OK
+    ///         only.
     virtual HRESULT PIXMORPH_CALL Encode(std::uint8_t* pDst, std::int32_t dstBufferSize, std::uint32_t* pDstSize,
                                          const std::uint8_t* const* pSrc, const std::int32_t* srcStride,
                                          std::uint32_t srcFormat) = 0;
@@ -612,12 +630,12 @@ struct IVideoDecoder : IUnknown {
     virtual HRESULT PIXMORPH_CALL DecSetFormat(std::int32_t idx, std::int32_t width, std::int32_t height) = 0;
     /// Decompresses a frame into a picture of the size set; nothing is resized. Pictures are the same with every number
     /// of threads.
-    /// @param pDst       array, of which the first pointer is read: the first plane of the picture. Further planes follow
-    ///                   it directly, with strides derived from the first.
+    /// @param pDst       array, of which the first pointer is read: the first plane of the picture. Further planes
+    ///                   follow it directly, with strides derived from the first.
     /// @param dstStride  array, of which the first stride is read.
     /// @param dstFormat  number or FourCC; 17 and 18 as in IVideoEncoder::Encode.
     /// @param pSrc       the compressed frame.
-    /// @param srcSize    its bytes, at least 1. Nothing behind them is read.
+    /// @param srcSize    its bytes, at least 1. Nothing past them is read.
     /// @return S_OK; E_INVALIDARG for a size below 1, a null plane or array, or an unknown format; E_NOT_VALID_STATE
     ///         without a decoder; E_FAIL when the codec fails: the picture may then be written in part.
     virtual HRESULT PIXMORPH_CALL Decode(std::uint8_t* const* pDst, const std::int32_t* dstStride,

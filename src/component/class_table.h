@@ -21,15 +21,8 @@ struct ComponentClass {
     HRESULT (*create)(IUnknown* outer, const GUID& iid, void** object);
 };
 
+/// All classes of the module.
 std::span<const ComponentClass> ComponentClasses();
-
-/// A class as registration knows it; all eleven, whether or not this build can create them.
-struct RegisteredClass {
-    const GUID* clsid;
-    const char* name;
-};
-
-std::span<const RegisteredClass> RegisteredClasses();
 
 /// One value that registration writes: below the classes root, `key`'s value `name` (empty: the key's own).
 struct RegistryRow {
@@ -39,7 +32,7 @@ struct RegistryRow {
 };
 
 /// The rows of a class, in the order in which they are written. "%MODULE%" stands for the module's path.
-std::vector<RegistryRow> RegistrationScript(const RegisteredClass& registered);
+std::vector<RegistryRow> RegistrationScript(const ComponentClass& registered);
 
 /// "{XXXXXXXX-XXXX-XXXX-XXXX-XXXXXXXXXXXX}"
 std::string GuidText(const GUID& guid);

@@ -77,8 +77,8 @@ public:
     HRESULT PIXMORPH_CALL QueryInterface(const GUID& iid, void** object) override {
         return QueryInterfaceTable(static_cast<Class*>(this), Class::Interfaces(), iid, object);
     }
-    std::uint32_t PIXMORPH_CALL AddRef() override { return references_.fetch_add(1, std::memory_order_relaxed) + 1; }
-    std::uint32_t PIXMORPH_CALL Release() override {
+    ULONG PIXMORPH_CALL AddRef() override { return references_.fetch_add(1, std::memory_order_relaxed) + 1; }
+    ULONG PIXMORPH_CALL Release() override {
         const std::uint32_t left = references_.fetch_sub(1, std::memory_order_acq_rel) - 1;
         if (left == 0) delete this;
         return left;
@@ -104,8 +104,8 @@ public:
     PIXMORPH_CALLS_FOREIGN HRESULT PIXMORPH_CALL QueryInterface(const GUID& iid, void** object) override {
         return outer_->QueryInterface(iid, object);
     }
-    PIXMORPH_CALLS_FOREIGN std::uint32_t PIXMORPH_CALL AddRef() override { return outer_->AddRef(); }
-    PIXMORPH_CALLS_FOREIGN std::uint32_t PIXMORPH_CALL Release() override { return outer_->Release(); }
+    PIXMORPH_CALLS_FOREIGN ULONG PIXMORPH_CALL AddRef() override { return outer_->AddRef(); }
+    PIXMORPH_CALLS_FOREIGN ULONG PIXMORPH_CALL Release() override { return outer_->Release(); }
 
 private:
     IUnknown* outer_;  // Not counted: the outer object owns this one.
@@ -128,8 +128,8 @@ public:
         }
         return QueryInterfaceTable(static_cast<Class*>(&contained_), Class::Interfaces(), iid, object);
     }
-    std::uint32_t PIXMORPH_CALL AddRef() override { return references_.fetch_add(1, std::memory_order_relaxed) + 1; }
-    std::uint32_t PIXMORPH_CALL Release() override {
+    ULONG PIXMORPH_CALL AddRef() override { return references_.fetch_add(1, std::memory_order_relaxed) + 1; }
+    ULONG PIXMORPH_CALL Release() override {
         const std::uint32_t left = references_.fetch_sub(1, std::memory_order_acq_rel) - 1;
         if (left == 0) delete this;
         return left;

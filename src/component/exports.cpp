@@ -1,4 +1,4 @@
-// The four entries of the library and the class objects behind them.
+// The four entries of the library and the class objects that they hand out.
 #include "component/class_table.h"
 #include "component/com_object.h"
 
@@ -21,12 +21,12 @@ public:
         *object = static_cast<IClassFactory*>(this);
         return S_OK;
     }
-    std::uint32_t PIXMORPH_CALL AddRef() override {
+    ULONG PIXMORPH_CALL AddRef() override {
         const std::uint32_t before = references_.fetch_add(1, std::memory_order_relaxed);
         if (before == 0) LockModule();
         return before + 1;
     }
-    std::uint32_t PIXMORPH_CALL Release() override {
+    ULONG PIXMORPH_CALL Release() override {
         const std::uint32_t left = references_.fetch_sub(1, std::memory_order_acq_rel) - 1;
         if (left == 0) UnlockModule();
         return left;
@@ -38,7 +38,7 @@ public:
         if (outer != nullptr && iid != IID_IUnknown) return CLASS_E_NOAGGREGATION;
         return class_->create(outer, iid, object);
     }
-    HRESULT PIXMORPH_CALL LockServer(std::int32_t lock) override {
+    HRESULT PIXMORPH_CALL LockServer(BOOL lock) override {
         if (lock != 0)
             LockModule();
         else
@@ -75,7 +75,7 @@ private:
 
 }  // namespace KorvaneSoftware
 
-PIXMORPH_API HRESULT DllGetClassObject(const GUID& clsid, const GUID& iid, void** object) {
+PIXMORPH_API HRESULT PIXMORPH_CALL DllGetClassObject(const GUID& clsid, const GUID& iid, void** object) {
     using namespace KorvaneSoftware;
     if (object == nullptr) return E_POINTER;
     *object = nullptr;
@@ -86,8 +86,8 @@ PIXMORPH_API HRESULT DllGetClassObject(const GUID& clsid, const GUID& iid, void*
     });
 }
 
-PIXMORPH_API HRESULT DllCanUnloadNow() { return KorvaneSoftware::IsModuleLocked() ? S_FALSE : S_OK; }
+PIXMORPH_API HRESULT PIXMORPH_CALL DllCanUnloadNow() { return KorvaneSoftware::IsModuleLocked() ? S_FALSE : S_OK; }
 
 // This platform has no registry of classes: there is nothing to enter and nothing to remove.
-PIXMORPH_API HRESULT DllRegisterServer() { return E_NOTIMPL; }
-PIXMORPH_API HRESULT DllUnregisterServer() { return E_NOTIMPL; }
+PIXMORPH_API HRESULT PIXMORPH_CALL DllRegisterServer() { return E_NOTIMPL; }
+PIXMORPH_API HRESULT PIXMORPH_CALL DllUnregisterServer() { return E_NOTIMPL; }

@@ -5,26 +5,6 @@
 
 namespace KorvaneSoftware {
 
-namespace {
-
-constexpr RegisteredClass kRegistered[] = {
-    {&CLSID_Pixmorph, "Pixmorph"},
-    {&CLSID_StretchImage, "StretchImage"},
-    {&CLSID_CopyMemory, "CopyMemory"},
-    {&CLSID_TitleMixer, "TitleMixer"},
-    {&CLSID_TitleMixer2, "TitleMixer2"},
-    {&CLSID_TitleMixer3, "TitleMixer3"},
-    {&CLSID_Y16ARLECompressor, "Y16ARLECompressor"},
-    {&CLSID_DeinterlaceMaker, "DeinterlaceMaker"},
-    {&CLSID_VideoInterpolation, "VideoInterpolation"},
-    {&CLSID_VideoDeinterlacer, "VideoDeinterlacer"},
-    {&CLSID_VideoCodec, "VideoCodec"},
-};
-
-}  // namespace
-
-std::span<const RegisteredClass> RegisteredClasses() { return kRegistered; }
-
 std::string GuidText(const GUID& guid) {
     char text[39];
     std::snprintf(text, sizeof(text), "{%08X-%04X-%04X-%02X%02X-%02X%02X%02X%02X%02X%02X}", guid.Data1, guid.Data2,
@@ -33,7 +13,7 @@ std::string GuidText(const GUID& guid) {
     return text;
 }
 
-std::vector<RegistryRow> RegistrationScript(const RegisteredClass& registered) {
+std::vector<RegistryRow> RegistrationScript(const ComponentClass& registered) {
     const std::string clsid = GuidText(*registered.clsid);
     const std::string independent = std::string(kModuleName) + "." + registered.name;
     const std::string versioned = independent + ".1";

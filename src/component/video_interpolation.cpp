@@ -18,7 +18,7 @@ ImageDescriptor BytePlane(const std::uint8_t* pixels, std::int32_t stride, std::
 
 }  // namespace
 
-// The two interpolations succeed whatever happens inside: callers have never been told of a failure.
+// The two interpolations succeed whatever happens inside: callers never learn of a failure.
 HRESULT CVideoInterpolation::InterpolateTopField(std::uint8_t* pbDst, const std::uint8_t* pbSrc,
                                                  const std::uint8_t* pbSrcOther, std::uint32_t fieldWidth,
                                                  std::uint32_t fieldHeight, std::int32_t fieldStride,

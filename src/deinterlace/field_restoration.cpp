@@ -99,7 +99,7 @@ void PresentLine(std::uint8_t* dst, const std::uint8_t* src, std::size_t groups)
         const std::size_t k = pair % 8;
         const double u = chromaAt(pair, kOrder.u);
         const double v = chromaAt(pair, kOrder.v);
-        // The second pixel lies between two chroma samples; behind the last sample of the row there is none.
+        // The second pixel lies between two chroma samples; after the last sample of the row there is none.
         const std::size_t behind = std::min(pair + 1, pairs - 1);
         StorePresent(dst, src[group + 2 * k], u, v);
         StorePresent(dst + 4, src[group + 2 * k + 1], (u + chromaAt(behind, kOrder.u)) / 2,

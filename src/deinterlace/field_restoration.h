@@ -19,7 +19,7 @@ inline constexpr std::size_t kY16AGroupBytes = kY16AOrder.bytes;
 /// The lines that a missing line is rebuilt from.
 struct RestorationLines {
     const std::uint8_t* previous;  ///< The same line in the field before.
-    const std::uint8_t* next;      ///< The same line in the field behind.
+    const std::uint8_t* next;      ///< The same line in the field after.
     const std::uint8_t* above;     ///< The line above in the present field.
     const std::uint8_t* below;     ///< The line below in the present field.
 };

@@ -1,4 +1,4 @@
-// Field restoration: a BGRA frame out of one field, its missing lines rebuilt from the fields before and behind.
+// Field restoration: a BGRA frame out of one field, its missing lines rebuilt from the fields before and after it.
 #pragma once
 
 #include <cstdint>
@@ -12,7 +12,7 @@ namespace KorvaneSoftware {
 struct FieldRestorationJob {
     std::uint8_t* destination;
     const std::uint8_t* previous;  ///< Field of the missing parity before the present one.
-    const std::uint8_t* next;      ///< Field of the missing parity behind the present one.
+    const std::uint8_t* next;      ///< Field of the missing parity after the present one.
     const std::uint8_t* present;
     std::uint32_t width;
     std::uint32_t height;

@@ -2,6 +2,7 @@
 // the constants.
 #include <gtest/gtest.h>
 #include <pixmorph/pixmorph.h>
+#include <string>
 
 #include <cstring>
 #include <type_traits>
@@ -31,6 +32,12 @@ void ExpectPlainTable() {
 template <class... Interfaces>
 void ExpectPlainTables() {
     (ExpectPlainTable<Interfaces>(), ...);
+}
+
+TEST(Header, HasTheVersionOfTheProject) {
+    EXPECT_EQ(std::to_string(PIXMORPH_VERSION_MAJOR) + "." + std::to_string(PIXMORPH_VERSION_MINOR) + "." +
+                  std::to_string(PIXMORPH_VERSION_PATCH),
+              PIXMORPH_PROJECT_VERSION);
 }
 
 TEST(InterfaceLayout, TablesStartWithThreeSlots) {

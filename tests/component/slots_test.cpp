@@ -250,7 +250,7 @@ TEST(Slots, Y16ARLECompressor) {
     EXPECT_EQ(object.Call<Result>(3, static_cast<void*>(nullptr), kOpaque.data(), 16u, 1u, 64,
                                   static_cast<void*>(nullptr), 8u),
               kInvalidArgument);
-    // Two transparent groups of 16 pixels: one run of -2 and nothing behind it.
+    // Two transparent groups of 16 pixels: one run of -2 and nothing after it.
     const Bytes transparent(128, 0);
     std::int32_t stream[20] = {};
     void* position = stream + 1;

@@ -99,7 +99,7 @@ protected:
                 << from.tool << " to " << to.tool << ", frame " << i;
     }
 
-    // Chroma of the library's 4:2:0 sits on its left luma column and on the upper line of its two; the tool is told so.
+    // Chroma of the library's 4:2:0 sits on its left luma column and on the upper line of its two; the tool is given the same.
     static std::string ToRgb(const Matrix& matrix, const char* pixels) {
         return std::string("setparams=range=") + (matrix.range[0] == 'f' ? "full" : "limited") +
                ":colorspace=" + (matrix.name[0] == '7' ? "bt709" : "smpte170m") + ",zscale=matrixin=" + matrix.name +

@@ -23,7 +23,7 @@ std::vector<Clip> DrawnClips();
 /// there are none, those that the tool draws.
 std::vector<Clip> Clips();
 
-/// Raw frames as the tool writes them: planes without padding, one behind the other.
+/// Raw frames as the tool writes them: planes without padding, one after the other.
 using Frames = std::vector<std::vector<std::uint8_t>>;
 
 /// Decodes a clip, cut to a size of which every format takes a multiple (see CutWidth), through a chain of filters.

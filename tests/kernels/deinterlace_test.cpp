@@ -29,7 +29,7 @@ Bytes Filled(std::size_t size, Fill fill, std::uint32_t seed) {
     return bytes;
 }
 
-// A row that ends before a page that cannot be read or starts behind one.
+// A row that ends before a page that cannot be read or starts after one.
 class GuardedRow : public GuardPageBuffer {
 public:
     GuardedRow(const Bytes& content, Side side) : GuardPageBuffer(content.size(), side) {

@@ -1,5 +1,5 @@
 // Which conversions there are, typed out by name for tests: for each source its destinations, and what each asks of the
-// size. "w16 h2" behind destinations applies to all named since the last such mark; "any" asks for nothing.
+// size. "w16 h2" after destinations applies to all named since the last such mark; "any" asks for nothing.
 #pragma once
 
 #include <cstdint>

@@ -1,4 +1,4 @@
-// A buffer that ends right before a page that cannot be read, or starts right behind one: a read too far is a fault.
+// A buffer that ends right before a page that cannot be read, or starts right after one: a read too far is a fault.
 #pragma once
 
 #include <sys/mman.h>

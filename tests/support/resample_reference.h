@@ -119,7 +119,7 @@ inline std::vector<ReferenceChannel> ReferenceChannels(std::uint32_t format, std
     }
 }
 
-/// Resizes `src` into `dst`, horizontally or vertically or both in the order told.
+/// Resizes `src` into `dst`, horizontally, vertically or both, in the given order.
 inline void ReferenceResize(TestPicture& dst, const TestPicture& src, bool verticalFirst) {
     const km::ImageDescriptor& to = dst.Desc();
     const km::ImageDescriptor& from = src.Desc();

@@ -80,8 +80,8 @@ public:
         }
         return inner != nullptr ? inner->QueryInterface(iid, object) : E_NOINTERFACE;
     }
-    std::uint32_t PIXMORPH_CALL AddRef() override { return ++references; }
-    std::uint32_t PIXMORPH_CALL Release() override { return --references; }
+    ULONG PIXMORPH_CALL AddRef() override { return ++references; }
+    ULONG PIXMORPH_CALL Release() override { return --references; }
 
     IUnknown* inner = nullptr;
     std::uint32_t references = 1;

@@ -34,7 +34,7 @@ void ExpectBlock(const void* payload, std::uint64_t size, std::uint64_t alignmen
     EXPECT_EQ(WordAt(payload, -16), total);
     EXPECT_EQ(WordAt(payload, -8), 1234567890u);
     EXPECT_EQ(WordAt(payload, static_cast<std::ptrdiff_t>(rounded)), 1234567890u);
-    // The payload is the first multiple of the alignment behind the header.
+    // The payload is the first multiple of the alignment after the header.
     EXPECT_GE(address, raw + 40);
     EXPECT_LT(address - (raw + 40), alignment);
     EXPECT_LE(address + rounded + 8, raw + total);

@@ -102,7 +102,7 @@ TEST_F(PartResultsTest, TheFirstFailureIsTheResultAndEndsTheJoining) {
             const Status expected = throws ? IMG_E_EXCEPTION : -17 - static_cast<Status>(failing);
             ASSERT_EQ(results_.Run(team_, 3, 6, make, book.Join()), expected) << failing << throws;
             EXPECT_EQ(book.joined.size(), failing);
-            // The parts behind it were made all the same, and the next unit finds nothing left over.
+            // The parts after it were made all the same, and the next unit finds nothing left over.
             for (unsigned part = failing + 1; part < 6; ++part) EXPECT_EQ(book.worker[part], part % 3);
             Book next;
             ASSERT_EQ(results_.Run(team_, 3, 6, next.Make(), next.Join()), 0);

@@ -16,25 +16,14 @@
 #include "foundation/part_results.h"
 #include "foundation/platform/platform.h"
 #include "foundation/worker_team.h"
+#include "support/refusing_memory.h"
 
 namespace {
 
 using namespace KorvaneSoftware;
+using namespace pixmorph_test;
 
-constexpr int kNever = -1;
-
-// Refuses the call after `left` more, and all that follow; kNever refuses none.
-struct Refusal {
-    std::atomic<int> left{kNever};
-    bool Now() {
-        int seen = left.load();
-        while (seen > 0 && !left.compare_exchange_weak(seen, seen - 1)) {
-        }
-        return seen == 0;
-    }
-};
-
-Refusal g_threads, g_news;
+Refusal g_threads;
 // Locks that the calling thread may still take: an event whose lock fails can neither be set nor waited for.
 thread_local int t_locks = kNever;
 bool g_maskIsSecret = false;
@@ -72,40 +61,16 @@ int __wrap_pthread_mutex_lock(pthread_mutex_t* mutex) {
 
 namespace {
 
-void* RefusableNew(std::size_t size) { return g_news.Now() ? nullptr : std::malloc(size); }
-
-}  // namespace
-
-// Not inlined: the compiler would see memory of `new` reach `free`, or of `malloc` reach `delete`.
-[[gnu::noinline]] void* operator new(std::size_t size) {
-    if (void* const memory = RefusableNew(size)) return memory;
-    throw std::bad_alloc();
-}
-[[gnu::noinline]] void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return RefusableNew(size); }
-[[gnu::noinline]] void operator delete(void* memory) noexcept { std::free(memory); }
-[[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
-
-namespace {
-
 class RefusingPlatform : public testing::Test {
 protected:
     void TearDown() override {
-        g_threads.left = g_news.left = t_locks = kNever;
+        g_threads.left = Memory().left = t_locks = kNever;
         g_maskIsSecret = g_maskIsEmpty = false;
         g_systemProcessors = kNever;
     }
 };
 
 void Nothing(void*) {}
-
-// What `call` returns when every allocation after the first `left` fails.
-template <class Call>
-auto WithoutMemory(Call&& call, int left = 0) {
-    g_news.left = left;
-    const auto result = call();
-    g_news.left = kNever;
-    return result;
-}
 
 TEST_F(RefusingPlatform, AThreadThatCannotBeStartedDoesNotExist) {
     CThread thread;

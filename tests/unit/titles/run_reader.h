@@ -12,7 +12,7 @@ namespace pixmorph_test {
 using Group = std::optional<std::vector<std::uint8_t>>;
 
 /// The groups of a stream of `size` bytes that starts with a counter cell. Empty when the stream is malformed: a
-/// counter of 0, a record cut off, or two cells of one kind behind each other.
+/// counter of 0, a record cut off, or two cells of one kind in a row.
 inline std::vector<Group> ReadRuns(const std::uint8_t* stream, std::size_t size) {
     std::vector<Group> groups;
     std::size_t at = 0;
