@@ -1,7 +1,5 @@
 // The block transforms over registers whose 128-bit lanes hold one block each: AVX2 works on two blocks at once, or on
 // one in both lanes. The set's file defines NonZeroBits.
-#include <cstring>
-
 #include "jpeg/inverse_dct_table.h"
 #include "jpeg/scan_masks.h"
 #include "jpeg/x86/block_transform_forms.h"
