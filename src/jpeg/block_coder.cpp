@@ -1,5 +1,6 @@
 #include "jpeg/block_coder.h"
 
+#include <algorithm>
 #include <bit>
 #include <cstdlib>
 
@@ -52,18 +53,18 @@ inline void PutValue(Writer& writer, Code code, int value, int size) {
 }
 
 template <class Writer>
-inline void EncodeBlock(Writer& out, const std::int16_t* block, unsigned count, std::int16_t& predictor,
-                        const EncoderTables& tables) {
+inline void EncodeLevels(Writer& out, const std::int16_t* block, std::uint64_t present, std::int16_t& predictor,
+                         const EncoderTables& tables) {
     Writer writer = out;  // In registers.
     const int difference = block[0] - predictor;
     predictor = block[0];
-    const int dcSize = std::bit_width(static_cast<unsigned>(std::abs(difference)));
-    PutValue(writer, tables.dc[dcSize < 12 ? dcSize : 12], difference, dcSize < 12 ? dcSize : 12);
+    const int dcSize = std::min<int>(std::bit_width(static_cast<unsigned>(std::abs(difference))), 12);
+    PutValue(writer, tables.dc[dcSize], difference, dcSize);
 
     unsigned last = 0;
-    for (unsigned k = 1; k < count; ++k) {
+    for (present &= ~std::uint64_t{1}; present != 0; present &= present - 1) {
+        const auto k = static_cast<unsigned>(std::countr_zero(present));
         const int value = block[kZigZag[k]];
-        if (value == 0) continue;
         unsigned run = k - last - 1;
         for (; run >= 16; run -= 16) writer.Put(tables.ac[kSixteenZeros].bits, tables.ac[kSixteenZeros].length);
         const int size = std::bit_width(static_cast<unsigned>(std::abs(value)) & 2047);
@@ -72,6 +73,12 @@ inline void EncodeBlock(Writer& out, const std::int16_t* block, unsigned count, 
     }
     if (last < 63) writer.Put(tables.ac[kEndOfBlock].bits, tables.ac[kEndOfBlock].length);
     out = writer;
+}
+
+std::uint64_t PresentLevels(const std::int16_t* block, unsigned count) {
+    std::uint64_t present = 0;
+    for (unsigned k = 0; k < count; ++k) present |= std::uint64_t{block[kZigZag[k]] != 0} << k;
+    return present;
 }
 
 // One code as the decoder sees it.
@@ -155,12 +162,20 @@ inline unsigned DecodeBlock(std::int16_t* block, std::int16_t& predictor, Reader
 }  // namespace
 
 template <class Writer>
+void EncodeLumaLevels(Writer& writer, const std::int16_t* block, std::uint64_t present, std::int16_t& predictor) {
+    EncodeLevels(writer, block, present, predictor, kLumaEncoder);
+}
+template <class Writer>
+void EncodeChromaLevels(Writer& writer, const std::int16_t* block, std::uint64_t present, std::int16_t& predictor) {
+    EncodeLevels(writer, block, present, predictor, kChromaEncoder);
+}
+template <class Writer>
 void EncodeLumaBlock(Writer& writer, const std::int16_t* block, unsigned count, std::int16_t& predictor) {
-    EncodeBlock(writer, block, count, predictor, kLumaEncoder);
+    EncodeLevels(writer, block, PresentLevels(block, count), predictor, kLumaEncoder);
 }
 template <class Writer>
 void EncodeChromaBlock(Writer& writer, const std::int16_t* block, unsigned count, std::int16_t& predictor) {
-    EncodeBlock(writer, block, count, predictor, kChromaEncoder);
+    EncodeLevels(writer, block, PresentLevels(block, count), predictor, kChromaEncoder);
 }
 template <class Reader>
 unsigned DecodeLumaBlock(std::int16_t* block, std::int16_t& predictor, Reader& reader) {
@@ -171,6 +186,10 @@ unsigned DecodeChromaBlock(std::int16_t* block, std::int16_t& predictor, Reader&
     return DecodeBlock(block, predictor, reader, kChromaDecoder, LongChromaDc);
 }
 
+template void EncodeLumaLevels(JpegBitWriter&, const std::int16_t*, std::uint64_t, std::int16_t&);
+template void EncodeLumaLevels(WordBitWriter&, const std::int16_t*, std::uint64_t, std::int16_t&);
+template void EncodeChromaLevels(JpegBitWriter&, const std::int16_t*, std::uint64_t, std::int16_t&);
+template void EncodeChromaLevels(WordBitWriter&, const std::int16_t*, std::uint64_t, std::int16_t&);
 template void EncodeLumaBlock(JpegBitWriter&, const std::int16_t*, unsigned, std::int16_t&);
 template void EncodeLumaBlock(WordBitWriter&, const std::int16_t*, unsigned, std::int16_t&);
 template void EncodeChromaBlock(JpegBitWriter&, const std::int16_t*, unsigned, std::int16_t&);

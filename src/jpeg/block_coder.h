@@ -7,9 +7,15 @@
 
 namespace KorvaneSoftware {
 
-/// Writes a block in natural order of which the first `count` scan positions may be other than 0, as QuantiseBlock
-/// counts them. Levels have up to 10 bits besides their sign, differences of DC up to 12; higher bits are lost.
-/// Writer is JpegBitWriter or WordBitWriter.
+/// Writes a block in natural order. Bit k of `present` tells whether the level at scan position k is other than 0, as
+/// QuantiseToScan finds them. Levels have up to 10 bits besides their sign, differences of DC up to 12; higher bits are
+/// lost. Writer is JpegBitWriter or WordBitWriter.
+template <class Writer>
+void EncodeLumaLevels(Writer& writer, const std::int16_t* block, std::uint64_t present, std::int16_t& predictor);
+template <class Writer>
+void EncodeChromaLevels(Writer& writer, const std::int16_t* block, std::uint64_t present, std::int16_t& predictor);
+
+/// The same where the first `count` scan positions may be other than 0, as QuantiseBlock counts them.
 template <class Writer>
 void EncodeLumaBlock(Writer& writer, const std::int16_t* block, unsigned count, std::int16_t& predictor);
 template <class Writer>

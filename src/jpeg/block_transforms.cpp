@@ -29,19 +29,24 @@ unsigned plain::QuantiseBlock(std::int16_t* levels, const std::int16_t* block, c
     return count;
 }
 
-// Levels 0 to 3 are processors older than SSE4.1. That of level 5 has AVX, and its forms ask for AVX2 as well.
-PIXMORPH_LEVEL_SLOT(LevelSlot<BlocksSignature>, FDCTBlocks, plain::FDCTBlocks, plain::FDCTBlocks, plain::FDCTBlocks,
-                    plain::FDCTBlocks, plain::FDCTBlocks, plain::FDCTBlocks);
-PIXMORPH_LEVEL_SLOT(LevelSlot<BlocksSignature>, FDCTRows, plain::FDCTRows, plain::FDCTRows, plain::FDCTRows,
-                    plain::FDCTRows, plain::FDCTRows, plain::FDCTRows);
-PIXMORPH_LEVEL_SLOT(LevelSlot<BlockWithBitsSignature>, InverseDCT, plain::InverseDCT, plain::InverseDCT,
-                    plain::InverseDCT, plain::InverseDCT, plain::InverseDCT, plain::InverseDCT);
-PIXMORPH_LEVEL_SLOT(LevelSlot<CountedBlocksSignature>, InverseDCTBlocks, plain::InverseDCTBlocks,
-                    plain::InverseDCTBlocks, plain::InverseDCTBlocks, plain::InverseDCTBlocks, plain::InverseDCTBlocks,
-                    plain::InverseDCTBlocks);
-PIXMORPH_LEVEL_SLOT(LevelSlot<DequantiseSignature>, DequantiseBlocks, plain::DequantiseBlocks, plain::DequantiseBlocks,
-                    plain::DequantiseBlocks, plain::DequantiseBlocks, plain::DequantiseBlocks, plain::DequantiseBlocks);
-PIXMORPH_LEVEL_SLOT(LevelSlot<QuantiseSignature>, QuantiseBlock, plain::QuantiseBlock, plain::QuantiseBlock,
-                    plain::QuantiseBlock, plain::QuantiseBlock, plain::QuantiseBlock, plain::QuantiseBlock);
+std::uint64_t plain::QuantiseToScan(std::int16_t* levels, const std::int16_t* block, const std::int16_t* reciprocals) {
+    plain::QuantiseBlock(levels, block, reciprocals);
+    std::uint64_t mask = 0;
+    for (std::size_t k = 0; k < kBlockValues; ++k) mask |= std::uint64_t{levels[kZigZag[k]] != 0} << k;
+    return mask;
+}
+
+// Levels 0 to 3 are processors older than SSE4.1.
+#define PIXMORPH_BLOCK_SLOT(Signature, name)                                                            \
+    PIXMORPH_LEVEL_SLOT(LevelSlot<Signature>, name, plain::name, plain::name, plain::name, plain::name, \
+                        simd_sse41::name, simd_avx2::name)
+
+PIXMORPH_BLOCK_SLOT(BlocksSignature, FDCTBlocks);
+PIXMORPH_BLOCK_SLOT(BlocksSignature, FDCTRows);
+PIXMORPH_BLOCK_SLOT(BlockWithBitsSignature, InverseDCT);
+PIXMORPH_BLOCK_SLOT(CountedBlocksSignature, InverseDCTBlocks);
+PIXMORPH_BLOCK_SLOT(DequantiseSignature, DequantiseBlocks);
+PIXMORPH_BLOCK_SLOT(QuantiseSignature, QuantiseBlock);
+PIXMORPH_BLOCK_SLOT(QuantiseToScanSignature, QuantiseToScan);
 
 }  // namespace KorvaneSoftware

@@ -21,6 +21,8 @@ using BlocksSignature = void(std::int16_t* blocks, std::size_t count);
 using CountedBlocksSignature = void(std::int16_t* blocks, const std::uint8_t* counts, std::size_t count);
 using BlockWithBitsSignature = void(std::int16_t* block, unsigned count, unsigned bits);
 using DequantiseSignature = void(std::int16_t* blocks, const std::int16_t* table, std::size_t count);
+using QuantiseToScanSignature = std::uint64_t(std::int16_t* levels, const std::int16_t* block,
+                                              const std::int16_t* reciprocals);
 using QuantiseSignature = unsigned(std::int16_t* levels, const std::int16_t* block, const std::int16_t* reciprocals);
 
 /// Direct DCT in place. In: samples less 128. Out: 16 times the orthonormal coefficients.
@@ -42,6 +44,8 @@ extern LevelSlot<DequantiseSignature> DequantiseBlocks;
 /// levels = (block * reciprocals + 16384) >> 15. The table is in natural order. `levels` may be `block`.
 /// @return the coefficient count: the last scan position that is not 0, plus 1, or 0
 extern LevelSlot<QuantiseSignature> QuantiseBlock;
+/// The same. @return bit k for each scan position k whose level is not 0
+extern LevelSlot<QuantiseToScanSignature> QuantiseToScan;
 
 /// Zeroes `count` blocks.
 void ClearBlocks(std::int16_t* blocks, std::size_t count);

@@ -142,10 +142,10 @@ void CEncoderKVMJSingleThread::EncodeRows(IImageReader& reader, CMCU& mcu, JpegB
         for (unsigned column = 0; column < columns_; ++column) {
             reader.ReadMCU(blocks);
             FDCTBlocks(blocks, 4);
-            EncodeLumaBlock(writer, blocks, QuantiseBlock(blocks, blocks, tables_->lumaReciprocals), y);
-            EncodeLumaBlock(writer, luma2, QuantiseBlock(luma2, luma2, tables_->lumaReciprocals), y);
-            EncodeChromaBlock(writer, chroma, QuantiseBlock(chroma, chroma, tables_->chromaReciprocals), cb);
-            EncodeChromaBlock(writer, chroma2, QuantiseBlock(chroma2, chroma2, tables_->chromaReciprocals), cr);
+            EncodeLumaLevels(writer, blocks, QuantiseToScan(blocks, blocks, tables_->lumaReciprocals), y);
+            EncodeLumaLevels(writer, luma2, QuantiseToScan(luma2, luma2, tables_->lumaReciprocals), y);
+            EncodeChromaLevels(writer, chroma, QuantiseToScan(chroma, chroma, tables_->chromaReciprocals), cb);
+            EncodeChromaLevels(writer, chroma2, QuantiseToScan(chroma2, chroma2, tables_->chromaReciprocals), cr);
         }
         reader.EndRow();
     }

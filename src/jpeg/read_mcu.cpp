@@ -93,8 +93,9 @@ PIXMORPH_PLAIN_READER(ReadY16To422, TilePixels<false>)
 PIXMORPH_PLAIN_READER(ReadY16ATo422, TilePixels<true>)
 
 // Levels 0 to 3 are processors older than SSE4.1.
-#define PIXMORPH_MCU_SLOT(name) \
-    PIXMORPH_LEVEL_SLOT(ReadMcuSlot, name, plain::name, plain::name, plain::name, plain::name, plain::name, plain::name)
+#define PIXMORPH_MCU_SLOT(name)                                                                                  \
+    PIXMORPH_LEVEL_SLOT(ReadMcuSlot, name, plain::name, plain::name, plain::name, plain::name, simd_sse41::name, \
+                        simd_avx2::name)
 
 PIXMORPH_MCU_SLOT(ReadBgrTo422);
 PIXMORPH_MCU_SLOT(ReadBgraTo422);

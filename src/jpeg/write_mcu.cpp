@@ -132,9 +132,9 @@ PIXMORPH_PLAIN_WRITER(Write420ToYuy2, Write420, Yuy2Pixels)
 PIXMORPH_PLAIN_WRITER(Write420ToYvyu, Write420, YvyuPixels)
 
 // Levels 0 to 3 are processors older than SSE4.1.
-#define PIXMORPH_MCU_SLOT(name)                                                                              \
-    PIXMORPH_LEVEL_SLOT(WriteMcuSlot, name, plain::name, plain::name, plain::name, plain::name, plain::name, \
-                        plain::name)
+#define PIXMORPH_MCU_SLOT(name)                                                                                   \
+    PIXMORPH_LEVEL_SLOT(WriteMcuSlot, name, plain::name, plain::name, plain::name, plain::name, simd_sse41::name, \
+                        simd_avx2::name)
 
 PIXMORPH_MCU_SLOT(Write422ToBgr);
 PIXMORPH_MCU_SLOT(Write422ToBgra);

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <cstring>
 #include <vector>
 
 #include "jpeg/jpeg_core.h"
@@ -8,8 +9,8 @@
 namespace pixmorph_test {
 namespace {
 
-const ChecksSlots kChecked{&km::FDCTBlocks,       &km::FDCTRows,         &km::InverseDCT,
-                           &km::InverseDCTBlocks, &km::DequantiseBlocks, &km::QuantiseBlock};
+const ChecksSlots kChecked{&km::FDCTBlocks,       &km::FDCTRows,      &km::InverseDCT,    &km::InverseDCTBlocks,
+                           &km::DequantiseBlocks, &km::QuantiseBlock, &km::QuantiseToScan};
 
 constexpr std::size_t kMostBlocks = 6;
 constexpr std::size_t kGuard = 64;
@@ -96,6 +97,14 @@ TEST(JpegTransformKernels, Quantisers) {
         for (int i = 0; i < 64; ++i) table.values[i] = static_cast<std::int16_t>(1 + (i * 37 + round) % 255);
         form(blocks, table.values, count);
     });
+    CheckBlocks(km::QuantiseToScan, [&table](auto* form, std::int16_t* blocks, std::size_t count, int round) {
+        for (int i = 0; i < 64; ++i) table.values[i] = static_cast<std::int16_t>(2048 / (1 + (i * round) % 255));
+        for (std::size_t i = 0; i + 1 < count; i += 2) {
+            std::int16_t* const block = blocks + 64 * i;
+            const std::uint64_t mask = form(block + 64, block, table.values);
+            std::memcpy(block, &mask, sizeof mask);
+        }
+    });
     CheckBlocks(km::QuantiseBlock, [&table](auto* form, std::int16_t* blocks, std::size_t count, int round) {
         for (int i = 0; i < 64; ++i) table.values[i] = static_cast<std::int16_t>(2048 / (1 + (i * round) % 255));
         for (std::size_t i = 0; i + 1 < count; i += 2) {
@@ -121,6 +130,18 @@ TEST(JpegTransformKernels, CountOfEveryPosition) {
             ASSERT_EQ(form(levels.values, block.values, ones.values), last);
         }
     };
+    for (std::size_t row = 0; row < km::QuantiseToScan.RowCount(); ++row) {
+        const auto& entry = km::QuantiseToScan.Row(row);
+        if ((entry.requiredFeatures & km::EnabledFeatures()) != entry.requiredFeatures) continue;
+        std::fill_n(ones.values, 64, std::int16_t{2048});
+        for (unsigned k = 0; k < 64; ++k) {
+            std::fill_n(block.values, 64, std::int16_t{0});
+            block.values[km::kZigZag[k]] = -16;
+            block.values[km::kZigZag[63 - k]] = 300;
+            ASSERT_EQ(entry.function(levels.values, block.values, ones.values), 1ull << k | 1ull << (63 - k));
+            ASSERT_EQ(levels.values[km::kZigZag[k]], -1);
+        }
+    }
     check(km::QuantiseBlock.Row(0).function);
     ForEachVariant(km::QuantiseBlock, [&check](auto* variant, auto*) { check(variant); });
 }

@@ -10,5 +10,6 @@ PIXMORPH_FORMS(BlockWithBitsSignature, InverseDCT)
 PIXMORPH_FORMS(CountedBlocksSignature, InverseDCTBlocks)
 PIXMORPH_FORMS(DequantiseSignature, DequantiseBlocks)
 PIXMORPH_FORMS(QuantiseSignature, QuantiseBlock)
+PIXMORPH_FORMS(QuantiseToScanSignature, QuantiseToScan)
 
 }  // namespace KorvaneSoftware
