@@ -30,6 +30,15 @@ H264FrameList::iterator H264FrameStore::FindRecyclable(H264FrameList::iterator f
     return frames_.end();
 }
 
+bool H264FrameStore::DropMarks() {
+    bool dropped = false;
+    for (const auto& frame : frames_) {
+        dropped = dropped || frame->IsMarked();
+        frame->ClearMarks();
+    }
+    return dropped;
+}
+
 H264FrameStore::Found H264FrameStore::GetFreeFrame(bool mayGrow) {
     if (!current_.empty()) return Found::Frame;
     if (frameCount_ < Limit()) {
@@ -41,17 +50,21 @@ H264FrameStore::Found H264FrameStore::GetFreeFrame(bool mayGrow) {
         std::uint32_t walked = 0;
         const auto place = FindRecyclable(frames_.begin(), walked);
         if (place == frames_.end()) {
-            if (!mayGrow || frameCount_ >= kMostFrames) return Found::None;
-            MakeFrame();
-            return Found::Frame;
+            if (!mayGrow) return Found::None;
+            if (frameCount_ < kMostFrames) {
+                MakeFrame();
+                return Found::Frame;
+            }
+            // Only a damaged stream marks so many frames, and none of them would ever leave.
+            if (!DropMarks()) return Found::None;
+            continue;
         }
         if ((*place)->IsInFlight()) return Found::StillRead;
         ResetFrame(**place);
         // The pool may be larger than a new parameter set asks for. It shrinks while there is another frame to take, so
         // that no frame is deleted only to be made again.
-        ++walked;
         const auto next = FindRecyclable(std::next(place), walked);
-        if (frameCount_ > Limit() && next != frames_.end() && !(*next)->IsInFlight()) {
+        if (frameCount_ > Limit() && next != frames_.end()) {
             frames_.erase(place);
             --frameCount_;
             continue;

@@ -54,6 +54,8 @@ public:
 private:
     std::uint32_t Limit() const { return size_.dpbSize + size_.extraFrames; }
     void MakeFrame();
+    /// @return whether there were any
+    bool DropMarks();
     H264FrameList::iterator FindRecyclable(H264FrameList::iterator from, std::uint32_t& walked);
     void ReleaseSlices(CH264Picture& picture);
 

@@ -128,9 +128,8 @@ Status CH264FusionCore::Decode(IVideoSample* destination, IMediaSample* source) 
 
 Status CH264FusionCore::DecodeSample(IVideoSample* destination, IMediaSample* source) {
     const bool flush = source == nullptr;
-    if (store_.GetFreeFrame(!flush) == H264FrameStore::Found::StillRead) {
+    while (store_.GetFreeFrame(!flush) == H264FrameStore::Found::StillRead) {
         RunCaller(CH264BreakProcessingUnit::UNTIL_RECYCLABLE);
-        store_.GetFreeFrame(!flush);
     }
     Status read;
     do {
@@ -139,8 +138,10 @@ Status CH264FusionCore::DecodeSample(IVideoSample* destination, IMediaSample* so
     if (read != ACCESS_UNIT_READ && read != ACCESS_UNIT_EMPTY && read != ACCESS_UNIT_LEFT) return read;
 
     const Status selected = SelectOutput(destination, flush);
-    // One thread does all the work of a call inside it; others go on without the caller when nothing is due.
-    if (threadCount_ == 1 || selected == IMG_OK) RunCaller(CH264BreakProcessingUnit::UNTIL_IDLE);
+    // The walk ends with the delivery of the frame that is due.
+    if (selected == IMG_OK) RunCaller(CH264BreakProcessingUnit::UNTIL_IDLE);
+    // Other threads go on without the caller; one alone does all the work of a call inside it.
+    if (threadCount_ == 1) RunCaller(CH264BreakProcessingUnit::UNTIL_IDLE);
     return selected;
 }
 

@@ -5,9 +5,11 @@
 namespace KorvaneSoftware {
 namespace {
 
+/// Rows below a block that the six taps of interpolation reach.
+constexpr std::uint32_t kTapsBelow = 3;
 /// Luma rows above a finished place that the filter of the next row may still change: three, in field lines of a frame
-/// six; one more since a count of rows is compared with the number of the last one needed.
-constexpr std::uint32_t kRowsStillFiltered = 7;
+/// six.
+constexpr std::uint32_t kRowsStillFiltered = 6;
 
 /// Longest vertical vector that the level allows, in luma rows (ITU-T H.264 Table A-1).
 std::uint32_t VerticalRange(const H264SpsHead& sps) {
@@ -17,9 +19,9 @@ std::uint32_t VerticalRange(const H264SpsHead& sps) {
     return 64;
 }
 
-/// Rows of the reference pictures that a slice may need below its own row: the vector and the taps of interpolation.
+/// Rows that must be finished in the reference pictures below the last row of a macroblock.
 std::uint32_t RowMargin(const H264SpsHead& sps) {
-    const std::uint32_t margin = VerticalRange(sps) + 2 + kRowsStillFiltered;
+    const std::uint32_t margin = VerticalRange(sps) + kTapsBelow + kRowsStillFiltered + 1;
     return sps.mbAdaptiveFrameField ? 2 * margin : margin;
 }
 
