@@ -112,7 +112,7 @@ void CH264Frame::Initialize(const H264Sps& parameters, const H264Pps& picturePar
         return;
     }
     fields[header.bottomField].Initialize(parameters, pictureParameters, header);
-    if (IsFieldCoded()) return;
+    if (AwaitsSecondField()) return;
     structure = STRUCTURE_HOLDS_FIELDS;
     coding = CODING_FIELD;
     firstParity = header.bottomField;
@@ -165,12 +165,12 @@ Status CH264Frame::AllocateBuffers() {
         for (unsigned plane = 0; plane < 3; ++plane) fields[i].planes[plane] = planes[plane] + i * rowBytes;
         fields[i].SetRecords(firstRecord + i * acrossRecords, 2 * acrossRecords);
     }
-    for (CH264Picture* picture : {static_cast<CH264Picture*>(this), &FirstField(), &SecondField()}) {
-        for (const auto& slice : picture->pending) {
-            PlaceCursor(slice->reconCursor, *picture);
-            PlaceCursor(slice->deblockCursor, *picture);
+    ForEachPicture(*this, [](CH264Picture& picture) {
+        for (const auto& slice : picture.pending) {
+            PlaceCursor(slice->reconCursor, picture);
+            PlaceCursor(slice->deblockCursor, picture);
         }
-    }
+    });
     return IMG_OK;
 }
 

@@ -188,6 +188,14 @@ private:
 
 using H264FrameList = std::list<std::unique_ptr<CH264Frame>>;
 
+/// Calls `action` with the frame itself and its fields in decoding order.
+template <class Action>
+void ForEachPicture(CH264Frame& frame, Action action) {
+    action(static_cast<CH264Picture&>(frame));
+    action(frame.FirstField());
+    action(frame.SecondField());
+}
+
 /// Samples from one row of a frame to the next: the smallest odd multiple of 64 that is not below `width`.
 constexpr std::size_t H264StrideInSamples(std::size_t width) { return ((width + 63) & ~std::size_t{127}) + 64; }
 /// Records from one row of macroblocks to the next: the width, made odd.

@@ -23,9 +23,10 @@ public:
     /// Makes the state such that the rest of the slice is inferred as skipped.
     virtual void ConcealP() = 0;
     virtual void ConcealB() = 0;
-    /// Each decodes from the cursor's place to the end of the row (of pairs, in MBAFF) or of the slice, and leaves the
-    /// cursor behind it: at the first macroblock of the next row, or at the slice's end. They throw on syntax that
-    /// cannot be; a slice whose concealState is not CONCEAL_NONE must not throw.
+    /// A slice begins where the cursor's position is its firstMb and concealState is CONCEAL_NONE: there the arithmetic
+    /// decoder is started. Each decodes from the cursor's place to the end of the row (of pairs, in MBAFF) or of the
+    /// slice, and leaves the cursor behind it: at the first macroblock of the next row, or at the slice's end. They
+    /// throw on syntax that cannot be; a slice whose concealState is not CONCEAL_NONE must not throw.
     virtual void DecodeRowICavlc() = 0;
     virtual void DecodeRowPCavlc() = 0;
     virtual void DecodeRowBCavlc() = 0;

@@ -108,7 +108,7 @@ public:
     SliceCursor deblockCursor;
     bool deblockReady = true;
 
-    H264ReferenceTables references;
+    H264ReferenceTables references = {};
 
     bool IsIntra() const { return header.sliceType == SLICE_I; }
     std::uint32_t ReferenceCount(unsigned list) const { return header.numRefIdxActive[list]; }
