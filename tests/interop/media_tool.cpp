@@ -1,12 +1,15 @@
 #include "media_tool.h"
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <memory>
 
 namespace interop {
@@ -84,6 +87,26 @@ Frames Decode(const Clip& clip, const std::string& filters, const std::string& p
         result.push_back(frame);
     EXPECT_FALSE(result.empty()) << "no picture from " << command;
     return result;
+}
+
+std::vector<std::uint8_t> Output(const std::string& options, std::string& complaints) {
+    const std::filesystem::path log =
+        std::filesystem::path(::testing::TempDir()) / ("tool" + std::to_string(::getpid()));
+    const std::string command =
+        std::string(PIXMORPH_FFMPEG) + " -v error -nostdin " + options + " - 2>" + Quote(log.string());
+    std::vector<std::uint8_t> bytes;
+    if (const Pipe pipe(::popen(command.c_str(), "r")); pipe != nullptr) {
+        std::uint8_t part[65536];
+        while (const std::size_t size = std::fread(part, 1, sizeof part, pipe.get()))
+            bytes.insert(bytes.end(), part, part + size);
+    } else {
+        ADD_FAILURE() << "cannot run " << command;
+    }
+    std::ifstream file(log);
+    complaints.assign(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
+    std::error_code error;
+    std::filesystem::remove(log, error);
+    return bytes;
 }
 
 double Psnr(const std::uint8_t* a, const std::uint8_t* b, std::size_t size) {

@@ -34,6 +34,10 @@ using Frames = std::vector<std::vector<std::uint8_t>>;
 Frames Decode(const Clip& clip, const std::string& filters, const std::string& pixelFormat, std::size_t frameBytes,
               std::size_t frames);
 
+/// What the tool writes to its output for `options`.
+/// @param complaints  receives what it says about errors.
+std::vector<std::uint8_t> Output(const std::string& options, std::string& complaints);
+
 /// Size of the part of a clip that tests work on: multiples of 32 and 8.
 std::uint32_t CutWidth(const Clip& clip);
 std::uint32_t CutHeight(const Clip& clip);
