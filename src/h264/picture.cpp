@@ -53,13 +53,13 @@ std::uint32_t CH264Picture::FinishedRows() const {
     return (filtered ? slice.deblockCursor : slice.reconCursor).mbRow * 16;
 }
 
-bool CH264Picture::HasLayoutOf(const CH264Picture& other) const {
-    const H264SpsHead& a = frame->sps;
-    const H264SpsHead& b = other.frame->sps;
+bool HaveSameLayout(const H264SpsHead& a, const H264SpsHead& b) {
     return a.widthInMbs == b.widthInMbs && a.FrameHeightInMbs() == b.FrameHeightInMbs() &&
            a.chromaFormatIdc == b.chromaFormatIdc && a.bitDepthLumaMinus8 == b.bitDepthLumaMinus8 &&
            a.bitDepthChromaMinus8 == b.bitDepthChromaMinus8;
 }
+
+bool CH264Picture::HasLayoutOf(const CH264Picture& other) const { return HaveSameLayout(frame->sps, other.frame->sps); }
 
 void PlaceCursor(SliceCursor& cursor, const CH264Picture& picture) {
     const std::ptrdiff_t sample = picture.BytesPerSample();

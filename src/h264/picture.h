@@ -38,6 +38,9 @@ enum H264Marking : std::uint32_t {
 
 constexpr std::int32_t kH264NoOrderCount = 0x7FFFFFFF;
 
+/// Whether pictures of two parameter sets have the same size, chroma format and depths.
+bool HaveSameLayout(const H264SpsHead& a, const H264SpsHead& b);
+
 /// A frame, or one of the two fields in it.
 class CH264Picture {
 public:

@@ -99,7 +99,7 @@ Status CH264FusionCore::OpenPicture(const H264SliceHead& head, const H264Pps& pp
     CH264Frame& frame = *store_.Current();
     if (frame.AwaitsSecondField()) {
         const bool pairs = head.fieldPic && head.bottomField != (frame.firstParity == 1) && !head.idr &&
-                           head.frameNum == frame.frameNum && sps.id == frame.sps.id;
+                           head.frameNum == frame.frameNum && HaveSameLayout(sps, frame.sps);
         if (!pairs) return CLOSE_FIRST;
     } else if (FillGap(head, pps, sps)) {
         return CLOSE_FIRST;

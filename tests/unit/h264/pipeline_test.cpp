@@ -111,20 +111,21 @@ TEST(H264Core, DamagedRowsAreConcealedAndNothingStaysPending) {
             core.layers.faults.throwEvery = kind < 2 ? 3 : 0;
             core.layers.faults.throwAlways = kind == 1;
             core.layers.faults.filterThrowsEvery = kind == 2 ? 3 : 0;
-            core.Decode(Join({SmallSps(2).Unit(), PpsValues().Unit(), Slice(0, 2, 0, 0, true)}), 0);
+            // Every picture comes, sooner or later.
+            int pictures = core.Decode(Join({SmallSps(2).Unit(), PpsValues().Unit(), Slice(0, 2, 0, 0, true)}), 0) == 0;
             for (std::uint32_t i = 1; i < 30; ++i) {
-                core.Decode(Join({Slice(0, 0, i % 16, 2 * i, false, i % 3), Slice(7, 0, i % 16, 2 * i, false, i % 2)}),
-                            i);
+                const Bytes slices[] = {Slice(0, 0, i % 16, 2 * i, false, i % 3),
+                                        Slice(7, 0, i % 16, 2 * i, false, i % 2)};
+                pictures += core.Decode(Join({slices[0], slices[1]}), i) == 0;
             }
-            int flushed = 0;
-            while (core.Flush() == IMG_OK) ++flushed;
-            EXPECT_EQ(flushed, 2);
+            while (core.Flush() == IMG_OK) ++pictures;
+            EXPECT_EQ(pictures, 30);
         }
     }
 }
 
 TEST(H264Core, FailingDeliveryIsTriedAgainAndAThrownOneCounts) {
-    Core core(2);
+    Core core(1);
     core.Decode(Join({SmallSps(1).Unit(), PpsValues().Unit(), Slice(0, 2, 0, 0, true)}), 0);
     core.layers.faults.failingDeliveries = 5;
     EXPECT_EQ(core.Decode(Slice(0, 0, 1, 2), 1), 0);
