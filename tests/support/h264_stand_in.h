@@ -6,6 +6,7 @@
 #pragma once
 
 #include <atomic>
+#include <functional>
 #include <stdexcept>
 
 #include "h264/processor.h"
@@ -33,6 +34,8 @@ struct StandInFaults {
     std::atomic<std::uint32_t> failingDeliveries{0};
     std::atomic<std::uint32_t> throwingDeliveries{0};
     Status check = IMG_OK;
+    /// Called where a slice begins, by the thread that decodes it.
+    std::function<void(const CH264Slice&)> onSlice;
 };
 
 enum : std::uint8_t { kRaw = 1, kFiltered = 2, kEdge = 0x10 };
@@ -72,6 +75,7 @@ private:
     void Row(std::uint32_t type, bool cabac) {
         const CH264Slice& slice = *state_.slice;
         if (slice.header.sliceType != type || slice.pps.entropyCodingMode != cabac) throw std::logic_error("wrong row");
+        if (faults_.onSlice && cursor_.position == cursor_.firstMb) faults_.onSlice(slice);
         const std::uint32_t rowEnd = (cursor_.mbRow + 1) * cursor_.widthInMbs;
         const bool fault = faults_.throwEvery != 0 && ++rows_ % faults_.throwEvery == 0;
         while (cursor_.position < rowEnd && !cursor_.AtEnd()) {

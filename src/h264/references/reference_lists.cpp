@@ -82,7 +82,8 @@ FrameRow ListBuilder::ShortTermFrames() const {
     // A B slice does not see the frames that fill gaps where order counts are sent: they have none of their own.
     const bool withGaps = header_.sliceType == SLICE_P || picture_.sps.picOrderCntType != 0;
     return Candidates([&](const CH264Frame& frame) {
-        if (frame.marking == MARK_GAP && !withGaps) return false;
+        const bool isGap = frame.fields[0].marking == MARK_GAP || frame.fields[1].marking == MARK_GAP;
+        if (isGap && !withGaps) return false;
         return IsField() ? frame.HasShortTermMark() : frame.IsShortTerm();
     });
 }
@@ -144,16 +145,14 @@ PictureList ListBuilder::InitialP() {
 PictureList ListBuilder::InitialB(unsigned list) {
     FrameRow frames = ShortTermFrames();
     const std::int32_t count = picture_.picOrderCnt;
-    // Those on the near side of the list first, each side from the current picture outwards.
-    const auto isNear = [&](const CH264Frame* frame) { return (OrderCount(*frame) <= count) == (list == 0); };
-    const auto farBegin = std::partition(frames.begin(), frames.end(), isNear);
-    const auto sortSide = [&](CH264Frame** begin, CH264Frame** end, bool falling) {
-        Sort(begin, end, [&](const CH264Frame* a, const CH264Frame* b) {
-            return falling ? OrderCount(*a) > OrderCount(*b) : OrderCount(*a) < OrderCount(*b);
-        });
-    };
-    sortSide(frames.begin(), farBegin, list == 0);
-    sortSide(farBegin, frames.end(), list != 0);
+    // List 0 has the past first, list 1 the future; each side goes from the current picture outwards.
+    Sort(frames.begin(), frames.end(), [&](const CH264Frame* a, const CH264Frame* b) {
+        const std::int32_t countA = OrderCount(*a);
+        const std::int32_t countB = OrderCount(*b);
+        const bool pastA = countA <= count;
+        if (pastA != (countB <= count)) return pastA == (list == 0);
+        return pastA ? countA > countB : countA < countB;
+    });
     FrameRow longTerm = LongTermFrames();
     PictureList result;
     Append(frames, false, result);

@@ -2,7 +2,7 @@
 // hold, and that no row is touched too early, on one, two and four threads.
 #include <gtest/gtest.h>
 
-#include <mutex>
+#include <map>
 
 #include "h264/h264_decoder.h"
 #include "support/h264_samples.h"
@@ -117,6 +117,70 @@ TEST(H264Schedule, StreamsComeWholeAndAsTheModelSays) {
         for (unsigned threads : kThreadCounts) EXPECT_EQ(RunAgainstModel(samples, threads), ListedFrames(file));
         if (HasFailure()) return;
     }
+}
+
+/// A number for a picture: its time and structure; frames that fill gaps have no time, and go by frame_num.
+int NumberOf(int time, int frameNum, int structure) { return (time >= 0 ? time : -1 - frameNum) * 4 + structure; }
+int NumberOf(const ModelEntry& entry) {
+    return entry.frame == nullptr ? -1000 : NumberOf(entry.frame->time, entry.frame->frameNum, entry.structure);
+}
+int NumberOf(const CH264Picture* picture) {
+    if (picture == nullptr) return -1000;
+    const CH264Frame& frame = *picture->frame;
+    const int structure = picture == &frame ? 0 : picture->structure;
+    return NumberOf(static_cast<int>(frame.times.start), static_cast<int>(frame.frameNum), structure);
+}
+
+TEST(H264Schedule, ListsHoldWhatTheModelSays) {
+    std::size_t lists = 0;
+    for (unsigned seed = 1000; seed < 1150; ++seed) {
+        SCOPED_TRACE(testing::Message() << "seed " << seed);
+        Decoder decoder(1);
+        SlowModel model(1);
+        std::map<int, std::vector<int>> got[2];
+        decoder.layers.faults.onSlice = [&](const CH264Slice& slice) {
+            for (unsigned list = 0; list < 2; ++list) {
+                std::vector<int>& numbers = got[list][NumberOf(slice.picture)];
+                numbers.clear();
+                for (std::uint32_t i = 0; i < slice.ReferenceCount(list); ++i) {
+                    numbers.push_back(NumberOf(slice.references.entries[VIEW_PICTURE][list][i].picture));
+                }
+            }
+        };
+        RandomStream stream(seed);
+        H264ParameterSets sets;
+        for (int i = 0; i < 60; ++i) {
+            RandomPicture picture = stream.Next();
+            ReadFirstHeader(picture.sample, sets);
+            SlowModel::ListRequest request;
+            request.sliceType = picture.sliceType;
+            for (unsigned list = 0; list < 2; ++list) {
+                request.active[list] = picture.active[list];
+                request.modification[list] = picture.modification[list];
+            }
+            model.RequestLists(request);
+            bool left = true;
+            for (int tries = 0; left && tries < 50; ++tries) {
+                int time = i;
+                model.Decode(&picture.sample, i);
+                decoder.Decode(picture.sample.bytes, time, &left);
+            }
+        }
+        int time = -1;
+        decoder.Flush(time);
+        model.Decode(nullptr, 0);
+        for (const SlowModel::Lists& made : model.MadeLists()) {
+            for (unsigned list = 0; list < 2; ++list) {
+                std::vector<int> expected;
+                for (const ModelEntry& entry : made.lists[list]) expected.push_back(NumberOf(entry));
+                EXPECT_EQ(got[list][NumberOf(made.own)], expected)
+                    << "picture " << NumberOf(made.own) << " list " << list;
+                lists += !expected.empty();
+            }
+        }
+        if (HasFailure()) return;
+    }
+    EXPECT_GT(lists, 3000u);
 }
 
 }  // namespace

@@ -70,7 +70,6 @@ public:
         return result;
     }
 
-    /// The initial lists of a slice of the picture that `sample` begins; to be called before Decode reads it.
     ModelList InitialList(const Sample& sample, std::uint32_t sliceType, unsigned list, std::int64_t poc) {
         std::vector<ModelFramePtr> shortTerm, longTerm;
         const KorvaneSoftware::H264SliceHeader& head = sample.header;
@@ -143,14 +142,18 @@ public:
         return list;
     }
 
-    /// Counts of the picture that `sample` begins, as if it were read now.
-    std::int64_t PeekPoc(const Sample& sample) const {
-        SlowModel copy = *this;
-        std::int64_t top = 0, bottom = 0;
-        copy.OrderCounts(sample.sps, sample.header, top, bottom);
-        if (!sample.header.fieldPic) return std::min(top, bottom);
-        return sample.header.bottomField ? bottom : top;
-    }
+    /// The slice whose lists are wanted of the next picture that is read, and the lists.
+    struct ListRequest {
+        std::uint32_t sliceType = KorvaneSoftware::SLICE_I;
+        std::uint32_t active[2] = {};
+        Modification modification[2];
+    };
+    struct Lists {
+        ModelEntry own;
+        ModelList lists[2];
+    };
+    void RequestLists(const ListRequest& request) { request_ = request; }
+    const std::vector<Lists>& MadeLists() const { return made_; }
 
 private:
     bool AwaitsSecond() const { return current_->fieldCoded && current_->fields == 1; }
@@ -228,11 +231,27 @@ private:
             current_->fieldCoded = head.fieldPic;
             current_->firstParity = head.bottomField;
         }
+        MakeLists(sample);
         if (head.fieldPic) ++current_->fields;
         current_->time = time;
         if (head.nalRefIdc != 0) Mark(sample);
         if (!AwaitsSecond()) HandOver();
         return true;
+    }
+
+    void MakeLists(const Sample& sample) {
+        const KorvaneSoftware::H264SliceHeader& head = sample.header;
+        Lists made;
+        made.own = {current_, head.fieldPic ? 1 + int{head.bottomField} : 0};
+        const std::int64_t poc = head.fieldPic ? current_->poc[head.bottomField] : current_->Poc();
+        ModelList initial[2];
+        for (unsigned list = 0; list < 2; ++list) {
+            if (request_.active[list] == 0) continue;
+            initial[list] = InitialList(sample, request_.sliceType, list, poc);
+            if (list == 1 && initial[1].size() > 1 && initial[1] == initial[0]) std::swap(initial[1][0], initial[1][1]);
+            made.lists[list] = FinalList(sample, initial[list], request_.modification[list], request_.active[list]);
+        }
+        made_.push_back(made);
     }
 
     bool FillGap(const KorvaneSoftware::H264SliceHeader& head, const KorvaneSoftware::H264Sps& sps) {
@@ -475,6 +494,8 @@ private:
     std::int64_t prevMsb_ = 0, prevLsb_ = 0, prevFrameNumOffset_ = 0;
     int prevFrameNum_ = 0, prevRefFrameNum_ = 0;
     std::int64_t lastPoc_[2] = {0, 0};
+    ListRequest request_;
+    std::vector<Lists> made_;
 };
 
 }  // namespace h264
