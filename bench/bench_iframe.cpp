@@ -1,4 +1,4 @@
-// I-frames at 1080 lines: the block kernels, and whole frames beside the MPEG-2 codec of libavcodec with the same
+// I-frames at 1080 lines: the inverse transform, and whole frames beside the MPEG-2 codec of libavcodec with the same
 // quantiser, 4:2:2, intra alone, one thread. Both decoders read the same frame.
 #include <cmath>
 #include <cstdio>
@@ -10,7 +10,6 @@
 #include "bench.h"
 #include "codec/samples.h"
 #include "iframe/block_kernels.h"
-#include "iframe/encoder_tables.h"
 #include "iframe/mmes_decoder.h"
 #include "iframe/mmes_encoder.h"
 
@@ -160,22 +159,6 @@ void AddKernels() {
                      reinterpret_cast<std::int16_t*>(Slice(Arena::Destination, regime, kBlocks * 128, i));
                  for (std::size_t block = 0; block < kBlocks; block += kGroupBlocks)
                      transform(samples + block * 64, coefficients + block * 64, kGroupBlocks);
-             }});
-    });
-    ForEachRunnableRow(km::IFrameQuantise, [](std::size_t row) {
-        auto* const quantise = km::IFrameQuantise.Row(row).function;
-        Add({km::IFrameQuantise.Name(), VariantLabel(km::IFrameQuantise, row), kBlocks * 64.0, kBlocks * 64.0 * 4,
-             [quantise](Regime regime, std::size_t i) {
-                 static const km::iframe::EncoderTables tables = [] {
-                     km::iframe::EncoderTables made;
-                     km::iframe::SetElementaryTables(made, kQuality);
-                     return made;
-                 }();
-                 auto* const blocks =
-                     reinterpret_cast<std::int16_t*>(Slice(Arena::Destination, regime, kBlocks * 128, i));
-                 std::uint64_t nonZero[kGroupBlocks];
-                 for (std::size_t block = 0; block < kBlocks; block += kGroupBlocks)
-                     quantise(blocks + block * 64, tables.reciprocals, nonZero, kGroupBlocks);
              }});
     });
 }

@@ -1,7 +1,6 @@
 #include "iframe/block_kernels.h"
 
 #include "iframe/inverse_transform.h"
-#include "iframe/stream_tables.h"
 #include "iframe/x86/block_kernel_forms.h"
 
 namespace KorvaneSoftware {
@@ -43,21 +42,7 @@ void plain::IFrameInverseTransform(std::int16_t* samples, std::int16_t* coeffici
         InverseTransform(samples + i, coefficients + i);
 }
 
-void plain::IFrameQuantise(std::int16_t* blocks, const std::uint16_t* reciprocals, std::uint64_t* nonZero,
-                           std::size_t count) {
-    for (std::size_t block = 0; block < count; ++block, blocks += kBlockLength) {
-        for (std::size_t i = 0; i < kBlockLength; ++i)
-            blocks[i] = static_cast<std::int16_t>((blocks[i] * reciprocals[i] + 16384) >> 15);
-        nonZero[block] = 0;
-        for (std::size_t place = 0; place < kBlockLength; ++place)
-            nonZero[block] |= std::uint64_t{blocks[kZigzagScan[place]] != 0} << place;
-    }
-}
-
 PIXMORPH_SLOT(DispatchSlot<IFrameInverseSignature>, IFrameInverseTransform, plain::IFrameInverseTransform,
               simd_sse41::IFrameInverseTransform, simd_avx2::IFrameInverseTransform,
               simd_avx512::IFrameInverseTransform);
-PIXMORPH_SLOT(DispatchSlot<IFrameQuantiseSignature>, IFrameQuantise, plain::IFrameQuantise, simd_sse41::IFrameQuantise,
-              simd_avx2::IFrameQuantise, simd_avx512::IFrameQuantise);
-
 }  // namespace KorvaneSoftware

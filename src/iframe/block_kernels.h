@@ -1,5 +1,4 @@
-// The arithmetic of whole blocks that this format does not share with others. Blocks are 64 values, aligned to 64 bytes
-// and one behind the other.
+// What is done to whole blocks here and nowhere else. Blocks are 64 values, aligned to 64 bytes and one behind the other.
 #pragma once
 
 #include <cstddef>
@@ -21,12 +20,5 @@ constexpr std::size_t kBlockLength = 64;
 /// @param count         blocks, an even number.
 using IFrameInverseSignature = void(std::int16_t* samples, std::int16_t* coefficients, std::size_t count);
 extern DispatchSlot<IFrameInverseSignature> IFrameInverseTransform;
-
-/// Coefficients to levels, in place: level = (coefficient * reciprocal + 16384) >> 15.
-/// @param reciprocals  64, in natural order, each at most 32767.
-/// @param nonZero      receives for each block the mask of EncodeBlock: bit k for place k of the zigzag scan.
-using IFrameQuantiseSignature = void(std::int16_t* blocks, const std::uint16_t* reciprocals, std::uint64_t* nonZero,
-                                     std::size_t count);
-extern DispatchSlot<IFrameQuantiseSignature> IFrameQuantise;
 
 }  // namespace KorvaneSoftware

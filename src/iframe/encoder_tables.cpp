@@ -39,7 +39,7 @@ constexpr std::uint8_t kBaseMatrix[64] = {
 // The direct transform gives 16 times the orthonormal coefficient: a level is that over matrix * scale / 16.
 void SetReciprocals(EncoderTables& tables, const auto& matrix) {
     const std::uint32_t scale = kQuantiserScale[tables.scaleType][tables.scaleCode];
-    for (int i = 0; i < 64; ++i) tables.reciprocals[i] = static_cast<std::uint16_t>(32768 / (matrix[i] * scale));
+    for (int i = 0; i < 64; ++i) tables.reciprocals[i] = static_cast<std::int16_t>(32768 / (matrix[i] * scale));
     // DC has 11 bits: its level is the orthonormal coefficient.
     tables.reciprocals[0] = 2048;
 }

@@ -6,10 +6,10 @@
 namespace KorvaneSoftware::iframe {
 
 struct EncoderTables {
-    std::uint32_t scaleType;                    ///< q_scale_type
-    std::uint32_t scaleCode;                    ///< quantiser_scale_code
-    alignas(64) std::uint16_t reciprocals[64];  ///< For IFrameQuantise, in natural order.
-    alignas(64) std::uint16_t matrix[64];       ///< The advanced flavour's intra matrix, in natural order.
+    std::uint32_t scaleType;                   ///< q_scale_type
+    std::uint32_t scaleCode;                   ///< quantiser_scale_code
+    alignas(64) std::int16_t reciprocals[64];  ///< For QuantiseToScan, in natural order.
+    alignas(64) std::uint16_t matrix[64];      ///< The advanced flavour's intra matrix, in natural order.
 };
 
 /// Elementary flavour: the default matrix, and a scale that goes down in 21 steps of quality.

@@ -37,7 +37,6 @@ struct CMMESEncoder::Worker {
     CMMESImageReader reader;
     Status status = IMG_OK;
     alignas(64) std::int16_t blocks[kMacroblockBlocks * kBlockLength];
-    std::uint64_t nonZero[kMacroblockBlocks];
 };
 
 CMMESEncoder::CMMESEncoder() = default;
@@ -168,13 +167,14 @@ Status CMMESEncoder::EncodeRows(unsigned index) {
             if (column == 0) WriteSliceHeader(writer, row, tables_.scaleCode);
             worker.reader.ReadMCU(worker.blocks);
             FDCTBlocks(worker.blocks, kMacroblockBlocks);
-            IFrameQuantise(worker.blocks, tables_.reciprocals, worker.nonZero, kMacroblockBlocks);
             writer.Put(kMacroblockHead, 3);
             for (std::uint32_t block = 0; block < kMacroblockBlocks; ++block) {
                 const std::uint32_t component = block < 4 ? 0 : 1 + block % 2;
                 const std::size_t place = kBlockPlace[block];
-                EncodeBlock(writer, worker.blocks + place * kBlockLength, worker.nonZero[place],
-                            component == 0 ? kLumaSizeEncoder : kChromaSizeEncoder, predictors[component]);
+                std::int16_t* const levels = worker.blocks + place * kBlockLength;
+                const std::uint64_t nonZero = QuantiseToScan(levels, levels, tables_.reciprocals);
+                EncodeBlock(writer, levels, nonZero, component == 0 ? kLumaSizeEncoder : kChromaSizeEncoder,
+                            predictors[component]);
             }
         }
         part.Writer().Align();

@@ -40,16 +40,15 @@ private:
     std::filesystem::path path_;
 };
 
-// A clip's frame cut to a size, in the tool's words; from its middle, so that cuts hold something.
-std::string Cut(std::uint32_t width, std::uint32_t height) {
-    return " -an -vf scale='max(iw," + std::to_string(width) + ")':'max(ih," + std::to_string(height) +
-           ")',crop=" + std::to_string(width) + ":" + std::to_string(height);
+// Frames of a clip in another size, in the tool's words.
+std::string InSize(std::uint32_t width, std::uint32_t height) {
+    return " -an -vf scale=" + std::to_string(width) + ":" + std::to_string(height);
 }
 
 Bytes PictureOf(const Clip& clip, std::uint32_t width, std::uint32_t height) {
     std::string complaints;
     Bytes picture =
-        interop::Output(clip.input + Cut(width, height) + " -frames:v 1 -pix_fmt uyvy422 -f rawvideo", complaints);
+        interop::Output(clip.input + InSize(width, height) + " -frames:v 1 -pix_fmt uyvy422 -f rawvideo", complaints);
     EXPECT_EQ(picture.size(), std::size_t{2} * width * height) << clip.name << ": " << complaints;
     picture.resize(std::size_t{2} * width * height);
     return picture;
@@ -151,7 +150,7 @@ TEST_P(IFrames, TheirsDecodeHere) {
     for (const char* const kind : kKinds) {
         std::string complaints;
         const std::string filter = std::string(kind).find("ildct") == std::string::npos ? "" : ",interlace=lowpass=off";
-        const Bytes stream = interop::Output(GetParam().input + Cut(kWidth, kHeight) + filter +
+        const Bytes stream = interop::Output(GetParam().input + InSize(kWidth, kHeight) + filter +
                                                  " -frames:v 2 -c:v mpeg2video -g 1 " + kind + " -f mpeg2video",
                                              complaints);
         const std::uint32_t chromaLines =

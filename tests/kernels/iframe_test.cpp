@@ -1,4 +1,3 @@
-#include <cstring>
 #include <vector>
 
 #include "iframe/block_kernels.h"
@@ -8,7 +7,7 @@
 namespace pixmorph_test {
 namespace {
 
-const ChecksSlots kChecked{&km::IFrameInverseTransform, &km::IFrameQuantise};
+const ChecksSlots kChecked{&km::IFrameInverseTransform};
 
 constexpr std::size_t kMostBlocks = 12;
 constexpr std::size_t kGuard = 64;
@@ -62,37 +61,6 @@ TEST(IFrameKernels, InverseTransform) {
                 variant(actual.First(), actualLeft.First(), count);
                 ASSERT_TRUE(actual == expected) << count << " blocks, round " << round;
                 ASSERT_TRUE(actualLeft == expectedLeft) << count << " blocks, round " << round;
-            }
-        }
-    });
-}
-
-TEST(IFrameKernels, Quantise) {
-    ForEachVariant(km::IFrameQuantise, [](auto* variant, auto* plain) {
-        ByteGenerator generator(72);
-        for (int round = 0; round < 2000; ++round) {
-            alignas(64) std::uint16_t reciprocals[64];
-            for (std::uint16_t& reciprocal : reciprocals)
-                reciprocal = static_cast<std::uint16_t>(round % 3 == 0   ? generator.Below(32768)
-                                                        : round % 3 == 1 ? generator.Below(2049)
-                                                                         : 8);
-            for (std::size_t count = 0; count <= kMostBlocks; ++count) {
-                Blocks expected;
-                for (std::size_t i = 0; i < count * 64; ++i) {
-                    const std::int16_t value = Word(generator);
-                    expected.First()[i] = static_cast<std::int16_t>(round % 4 == 0   ? value
-                                                                    : round % 4 == 1 ? value < 0 ? -32768 : 32767
-                                                                                     : value >> 8);
-                }
-                Blocks actual = expected;
-                std::uint64_t expectedMaps[kMostBlocks + 1], actualMaps[kMostBlocks + 1];
-                std::memset(expectedMaps, 0x33, sizeof expectedMaps);
-                std::memset(actualMaps, 0x33, sizeof actualMaps);
-                plain(expected.First(), reciprocals, expectedMaps, count);
-                variant(actual.First(), reciprocals, actualMaps, count);
-                ASSERT_TRUE(actual == expected) << count << " blocks, round " << round;
-                ASSERT_EQ(std::memcmp(actualMaps, expectedMaps, sizeof actualMaps), 0)
-                    << count << " blocks, round " << round;
             }
         }
     });

@@ -6,6 +6,5 @@
 namespace KorvaneSoftware {
 
 PIXMORPH_FORMS(IFrameInverseSignature, IFrameInverseTransform)
-PIXMORPH_FORMS(IFrameQuantiseSignature, IFrameQuantise)
 
 }  // namespace KorvaneSoftware

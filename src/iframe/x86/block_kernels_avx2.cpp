@@ -1,10 +1,12 @@
 #include "foundation/simd/vec_avx2.h"
 #include "iframe/inverse_transform.h"
-#include "iframe/x86/quantise.inc.h"
+#include "iframe/x86/block_kernel_forms.h"
 
 namespace KorvaneSoftware {
 namespace PIXMORPH_SIMD {
 namespace {
+
+using namespace iframe;
 
 /// Eight floats, one of each column.
 struct Lanes {

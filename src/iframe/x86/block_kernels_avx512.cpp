@@ -1,6 +1,5 @@
 #include "foundation/simd/vec_avx512.h"
 #include "iframe/inverse_transform.h"
-#include "iframe/stream_tables.h"
 #include "iframe/x86/block_kernel_forms.h"
 
 namespace KorvaneSoftware {
@@ -61,42 +60,12 @@ void InverseTransformTwo(std::int16_t* samples, std::int16_t* coefficients) {
     }
 }
 
-/// The scan as two-register permutation indices for each half of a block.
-struct ScanIndices {
-    alignas(64) std::uint16_t places[64];
-};
-constexpr ScanIndices MakeScanIndices() {
-    ScanIndices indices = {};
-    for (int i = 0; i < 64; ++i) indices.places[i] = kZigzagScan[i];
-    return indices;
-}
-constexpr ScanIndices kScanIndices = MakeScanIndices();
-
 }  // namespace
 }  // namespace PIXMORPH_SIMD
 
 void PIXMORPH_SIMD::IFrameInverseTransform(std::int16_t* samples, std::int16_t* coefficients, std::size_t count) {
     for (std::size_t i = 0; i < count * kBlockLength; i += 2 * kBlockLength)
         InverseTransformTwo(samples + i, coefficients + i);
-}
-
-// A whole block in two registers, which the scan permutes at once.
-void PIXMORPH_SIMD::IFrameQuantise(std::int16_t* blocks, const std::uint16_t* reciprocals, std::uint64_t* nonZero,
-                                   std::size_t count) {
-    const __m512i low = _mm512_loadu_si512(reciprocals);
-    const __m512i high = _mm512_loadu_si512(reciprocals + 32);
-    const __m512i firstPlaces = _mm512_load_si512(kScanIndices.places);
-    const __m512i lastPlaces = _mm512_load_si512(kScanIndices.places + 32);
-    for (std::size_t block = 0; block < count; ++block, blocks += kBlockLength) {
-        const __m512i a = _mm512_mulhrs_epi16(_mm512_load_si512(blocks), low);
-        const __m512i b = _mm512_mulhrs_epi16(_mm512_load_si512(blocks + 32), high);
-        _mm512_store_si512(blocks, a);
-        _mm512_store_si512(blocks + 32, b);
-        const __m512i first = _mm512_permutex2var_epi16(a, firstPlaces, b);
-        const __m512i last = _mm512_permutex2var_epi16(a, lastPlaces, b);
-        nonZero[block] =
-            static_cast<std::uint64_t>(_mm512_test_epi16_mask(last, last)) << 32 | _mm512_test_epi16_mask(first, first);
-    }
 }
 
 }  // namespace KorvaneSoftware

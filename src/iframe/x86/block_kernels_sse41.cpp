@@ -1,10 +1,12 @@
 #include "foundation/simd/vec_sse41.h"
 #include "iframe/inverse_transform.h"
-#include "iframe/x86/quantise.inc.h"
+#include "iframe/x86/block_kernel_forms.h"
 
 namespace KorvaneSoftware {
 namespace PIXMORPH_SIMD {
 namespace {
+
+using namespace iframe;
 
 /// Four floats, one of each of four columns.
 struct Lanes {

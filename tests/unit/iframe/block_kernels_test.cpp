@@ -1,5 +1,4 @@
-// The plain forms: the inverse transform against the exact one by the procedure of IEEE 1180-1990, the quantiser
-// against its formula.
+// The plain form of the inverse transform against the exact one, by the procedure of IEEE 1180-1990.
 #include "iframe/block_kernels.h"
 
 #include <gtest/gtest.h>
@@ -160,34 +159,6 @@ TEST(IFrameInverseTransform, LeavesNoCoefficients) {
     std::fill(std::begin(coefficients), std::end(coefficients), std::int16_t{77});
     km::IFrameInverseTransform(samples, coefficients, 2);
     for (const std::int16_t value : coefficients) EXPECT_EQ(value, 0);
-}
-
-// Worked by hand: 17216 * 2048 is 1076 * 32768; 874 * 1024 is 27.3 * 32768; -47 * 348 is -0.499 * 32768, and -48 * 348
-// -0.51; half a level rounds up.
-TEST(IFrameQuantise, RoundsHalvesUpAndMapsByTheScan) {
-    alignas(64) std::int16_t blocks[128] = {};
-    alignas(64) std::uint16_t reciprocals[64];
-    std::fill(std::begin(reciprocals), std::end(reciprocals), std::uint16_t{1024});
-    reciprocals[0] = 2048;
-    reciprocals[2] = 348;
-    blocks[0] = 17216;
-    blocks[1] = 874;        // Place 1 of the scan.
-    blocks[2] = -47;        // Place 5, to no level.
-    blocks[8] = 16;         // Place 2: half a level.
-    blocks[16] = -16;       // Place 3: half a level below 0.
-    blocks[64 + 2] = -48;   // Place 5.
-    blocks[64 + 63] = 100;  // Place 63.
-    std::uint64_t maps[2] = {};
-    km::IFrameQuantise.Row(0).function(blocks, reciprocals, maps, 2);
-    EXPECT_EQ(blocks[0], 1076);
-    EXPECT_EQ(blocks[1], 27);
-    EXPECT_EQ(blocks[2], 0);
-    EXPECT_EQ(blocks[8], 1);
-    EXPECT_EQ(blocks[16], 0);
-    EXPECT_EQ(blocks[64 + 2], -1);
-    EXPECT_EQ(blocks[64 + 63], 3);
-    EXPECT_EQ(maps[0], 0x7u);
-    EXPECT_EQ(maps[1], std::uint64_t{1} << 63 | 1u << 5);
 }
 
 }  // namespace
