@@ -16,6 +16,11 @@ namespace {
 std::atomic<unsigned> g_allocations{0};
 std::atomic<unsigned> g_threads{0};
 
+void* CountedNew(std::size_t size) {
+    ++g_allocations;
+    return std::malloc(size);
+}
+
 }  // namespace
 
 extern "C" {
@@ -34,8 +39,7 @@ int __wrap_pthread_create(pthread_t* thread, const pthread_attr_t* attributes, v
 }
 
 void* operator new(std::size_t size) {
-    ++g_allocations;
-    if (void* const memory = std::malloc(size)) return memory;
+    if (void* const memory = CountedNew(size)) return memory;
     throw std::bad_alloc();
 }
 void operator delete(void* memory) noexcept { std::free(memory); }
