@@ -213,6 +213,9 @@ TEST(KvmjLayout, WhatIsRefused) {
     jpeg.restart[5] = 0;
     EXPECT_EQ(StatusOf(jpeg), 0);
     jpeg = {};
+    jpeg.frame.clear();
+    EXPECT_EQ(StatusOf(jpeg), -1);
+    jpeg = {};
     jpeg.scan.clear();
     EXPECT_EQ(StatusOf(jpeg), -1);
     jpeg = {};
