@@ -140,33 +140,28 @@ void AddPixelSlots() {
 constexpr std::size_t kUyvyBytes = std::size_t{2} * kWidth * kHeight;
 constexpr std::size_t kFrameRoom = std::size_t{8} * 1024 * 1024;
 
-// A picture like a camera's: shapes of many sizes, edges, and grain. `bytes` of each pixel by format.
-std::vector<std::uint8_t> Picture(bool bgra) {
-    std::vector<std::uint8_t> picture((bgra ? 4 : 2) * std::size_t{kWidth} * kHeight);
-    std::uint32_t state = 1;
-    for (std::uint32_t y = 0; y < kHeight; ++y)
-        for (std::uint32_t x = 0; x < kWidth; ++x) {
-            const double fx = x, fy = y;
-            double value = 110 + 45 * std::sin(fx / 97 + fy / 61) +
-                           25 * std::sin(fx / 17 - fy / 23) * std::sin(fy / 211) +
-                           9 * std::sin(fx / 3.1 + fy / 4.7) * (std::sin(fx / 149) > 0.2);
-            if ((x / 120 + y / 90) % 3 == 0) value += 30;
-            state = state * 1664525u + 1013904223u;
-            value += static_cast<double>(state >> 24) / 64 - 2;
-            const auto sample = static_cast<std::uint8_t>(value < 16 ? 16 : value > 235 ? 235 : value);
-            const auto chroma = static_cast<std::uint8_t>(128 + 50 * std::sin(fx / 203) * std::cos(fy / 157 + (x & 1)));
-            if (bgra) {
-                std::uint8_t* const p = picture.data() + 4 * (std::size_t{y} * kWidth + x);
-                p[0] = chroma;
-                p[1] = p[2] = sample;
-                p[3] = 255;
-            } else {
+// A picture like a camera's: shapes of many sizes, edges, and grain.
+const std::vector<std::uint8_t>& Picture() {
+    static const std::vector<std::uint8_t> made = [] {
+        std::vector<std::uint8_t> picture(kUyvyBytes);
+        std::uint32_t state = 1;
+        for (std::uint32_t y = 0; y < kHeight; ++y)
+            for (std::uint32_t x = 0; x < kWidth; ++x) {
+                const float fx = static_cast<float>(x), fy = static_cast<float>(y);
+                float value = 110 + 45 * std::sin(fx / 97 + fy / 61) +
+                              25 * std::sin(fx / 17 - fy / 23) * std::sin(fy / 211) +
+                              (x / 150 % 2 != 0 ? 9 * std::sin(fx / 3.1f + fy / 4.7f) : 0.f);
+                if ((x / 120 + y / 90) % 3 == 0) value += 30;
+                state = state * 1664525u + 1013904223u;
+                value += static_cast<float>(state >> 24) / 64 - 2;
                 std::uint8_t* const p = picture.data() + 2 * (std::size_t{y} * kWidth + x);
-                p[0] = chroma;
-                p[1] = sample;
+                p[0] = static_cast<std::uint8_t>(128 + 50 * std::sin(fx / 203) *
+                                                           std::cos(fy / 157 + static_cast<float>(x & 1)));
+                p[1] = static_cast<std::uint8_t>(value < 16 ? 16 : value > 235 ? 235 : value);
             }
-        }
-    return picture;
+        return picture;
+    }();
+    return made;
 }
 
 km::BitmapInfoHeader Header(std::uint32_t format) {
@@ -196,6 +191,18 @@ struct Encoder {
     std::vector<std::uint8_t> frame;
 };
 
+void Decode(km::IDecoder& decoder, const Encoder& frame, std::size_t size, std::uint8_t* pixels, std::uint32_t format,
+            std::int64_t stride) {
+    km::DecodeParams params;
+    params.source = Header(km::FMT_UYVY);
+    params.source.biSizeImage = static_cast<std::uint32_t>(size);
+    params.data = frame.frame.data();
+    params.destination = Header(format);
+    params.pixels = pixels;
+    params.stride = stride;
+    decoder.Decode(params, 0);
+}
+
 // Sources and frames are few: a coder's own work is more than the memory's.
 void AddFrames() {
     struct Named {
@@ -204,37 +211,31 @@ void AddFrames() {
         std::uint32_t format;
         std::int64_t stride;
     };
+    auto frame = std::make_shared<Encoder>(1);
+    std::vector<std::uint8_t> uyvy = Picture();
+    const std::size_t size = frame->Encode(uyvy.data(), km::FMT_UYVY, 2 * kWidth);
     for (const Named& named : {Named{"KVMJ encode from UYVY", "KVMJ decode to UYVY", km::FMT_UYVY, 2 * kWidth},
-                               Named{"KVMJ encode from BGRA", "KVMJ decode to BGRA", km::FMT_BGRA, 4 * kWidth}}) {
-        auto picture = std::make_shared<std::vector<std::uint8_t>>(Picture(named.format == km::FMT_BGRA));
+                               Named{"KVMJ encode from BGRA", "KVMJ decode to BGRA", km::FMT_BGRA, 4 * kWidth}})
         for (const unsigned threads : {1u, 2u}) {
             const char* const label = threads == 1 ? "1 thread" : "2 threads";
-            auto encoder = std::make_shared<Encoder>(threads);
-            const std::size_t size = encoder->Encode(picture->data(), named.format, named.stride);
             const std::int64_t stride = named.stride;
             const std::uint32_t format = named.format;
-            Add({named.encode, label, kPixels, static_cast<double>(size),
-                 [=](Regime, std::size_t) { encoder->Encode(picture->data(), format, stride); }, true});
-            // The same frame, of a UYVY picture, for all decoders.
-            auto uyvy = std::make_shared<Encoder>(1);
-            std::vector<std::uint8_t> source = Picture(false);
-            const std::size_t coded = uyvy->Encode(source.data(), km::FMT_UYVY, 2 * kWidth);
             auto decoder = std::make_shared<km::CDecoderKVMJMultiThreads>(threads);
             decoder->Init(0, 0);
-            Add({named.decode, label, kPixels, static_cast<double>(coded),
+            Add({named.decode, label, kPixels, static_cast<double>(size),
                  [=](Regime regime, std::size_t i) {
-                     km::DecodeParams params;
-                     params.source = Header(km::FMT_UYVY);
-                     params.source.biSizeImage = static_cast<std::uint32_t>(coded);
-                     params.data = uyvy->frame.data();
-                     params.destination = Header(format);
-                     params.pixels = Slice(Arena::Destination, regime, static_cast<std::size_t>(stride) * kHeight, i);
-                     params.stride = stride;
-                     decoder->Decode(params, 0);
+                     const std::size_t bytes = static_cast<std::size_t>(stride) * kHeight;
+                     Decode(*decoder, *frame, size, Slice(Arena::Destination, regime, bytes, i), format, stride);
                  },
                  true});
+            // The source of either format shows the same, as the decoder does.
+            auto encoder = std::make_shared<Encoder>(threads);
+            auto source = std::make_shared<std::vector<std::uint8_t>>(static_cast<std::size_t>(stride) * kHeight);
+            Decode(*decoder, *frame, size, source->data(), format, stride);
+            const std::size_t coded = encoder->Encode(source->data(), format, stride);
+            Add({named.encode, label, kPixels, static_cast<double>(coded),
+                 [=](Regime, std::size_t) { encoder->Encode(source->data(), format, stride); }, true});
         }
-    }
 }
 
 #ifdef PIXMORPH_JPEG_PEER
@@ -275,10 +276,10 @@ struct Turbo {
 };
 
 void AddPeer() {
-    auto picture = std::make_shared<std::vector<std::uint8_t>>(Picture(false));
+    auto picture = std::make_shared<std::vector<std::uint8_t>>(Picture());
     auto turbo = std::make_shared<Turbo>();
     const std::size_t size = Encoder(1).Encode(picture->data(), km::FMT_UYVY, 2 * kWidth);
-    int quality = 1;
+    int quality = 70;
     for (turbo->Encode(picture->data(), quality); turbo->size < size && quality < 100;)
         turbo->Encode(picture->data(), ++quality);
     Add({"KVMJ encode from UYVY", "libjpeg-turbo", kPixels, static_cast<double>(turbo->size),

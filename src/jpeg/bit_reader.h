@@ -10,7 +10,7 @@ template <class Packing>
 class TBitReader {
 public:
     /// Bits that Fill makes sure of.
-    static constexpr int kFilled = 48;
+    static constexpr int kFilled = 32;
 
     TBitReader() = default;
     /// Starts `freeBits` bits before the end of the first unit: at its beginning where that is all of it, or more.

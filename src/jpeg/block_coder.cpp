@@ -81,42 +81,62 @@ std::uint64_t PresentLevels(const std::int16_t* block, unsigned count) {
     return present;
 }
 
-// One code as the decoder sees it.
+// What the decoder finds for the bits that come next.
 struct Decoded {
-    std::uint8_t length = 0;
+    std::int16_t value = 0;    // The level; of a code whose value is not in sight its size.
+    std::uint8_t bits = 0;     // To take: the code, and the value where it is in sight. 0: a long code.
     std::uint8_t advance = 1;  // Scan positions to go, the run and the level itself: past the block for its end.
-    std::uint8_t size = 0;
+    bool whole = false;        // The value is in sight.
 };
 
-constexpr int kShortBits = 10;
+constexpr int kShortBits = 11;
 // Longer codes start with so many ones that their first 16 bits are at least this.
 constexpr unsigned kFirstLong = 0xFEC0;
 
-// What the decoder looks up. A pattern that is no code, which is all ones, has length 0 and moves one position.
+// The value that `size` bits stand for.
+constexpr int ValueOf(unsigned bits, int size) {
+    const bool positive = size > 0 && (bits >> (size - 1)) != 0;
+    return static_cast<int>(bits) + (positive ? 0 : 1 - (1 << size));
+}
+
+struct DcSize {
+    std::uint8_t bits = 0;
+    std::uint8_t size = 0;
+};
+
+// What the decoder looks up. A pattern that is no code, which is all ones, takes no bits and moves one position.
 struct DecoderTables {
     Decoded shortCodes[1 << kShortBits];
     Decoded longCodes[0x10000 - kFirstLong];
-    Decoded dc[256];  // By the next 8 bits.
+    DcSize dc[256];  // By the next 8 bits.
 
     constexpr DecoderTables(const HuffmanTable& dcTable, const HuffmanTable& acTable) {
-        ForEachCode(acTable, [this](std::uint8_t symbol, Code code) {
-            const auto length = static_cast<std::uint8_t>(code.length);
-            const auto advance = static_cast<std::uint8_t>(symbol == kEndOfBlock ? 65 : (symbol >> 4) + 1);
-            const Decoded decoded{length, advance, static_cast<std::uint8_t>(symbol & 15)};
-            if (length <= kShortBits) {
-                const unsigned first = static_cast<unsigned>(code.bits) << (kShortBits - length);
-                for (unsigned i = 0; i < 1u << (kShortBits - length); ++i) shortCodes[first + i] = decoded;
-            } else {
-                const unsigned first = (static_cast<unsigned>(code.bits) << (16 - length)) - kFirstLong;
-                for (unsigned i = 0; i < 1u << (16 - length); ++i) longCodes[first + i] = decoded;
-            }
-        });
+        ForEachCode(acTable, [this](std::uint8_t symbol, Code code) { AddCode(symbol, code); });
         ForEachCode(dcTable, [this](std::uint8_t size, Code code) {
             if (code.length > 8) return;
             const unsigned first = static_cast<unsigned>(code.bits) << (8 - code.length);
             for (unsigned i = 0; i < 1u << (8 - code.length); ++i)
-                dc[first + i] = {static_cast<std::uint8_t>(code.length), 0, size};
+                dc[first + i] = {static_cast<std::uint8_t>(code.length), size};
         });
+    }
+
+    constexpr void AddCode(std::uint8_t symbol, Code code) {
+        const int length = code.length, size = symbol & 15;
+        const auto advance = static_cast<std::uint8_t>(symbol == kEndOfBlock ? 65 : (symbol >> 4) + 1);
+        const Decoded codeAlone{static_cast<std::int16_t>(size), static_cast<std::uint8_t>(length), advance, false};
+        if (length > kShortBits) {
+            const unsigned first = (static_cast<unsigned>(code.bits) << (16 - length)) - kFirstLong;
+            for (unsigned i = 0; i < 1u << (16 - length); ++i) longCodes[first + i] = codeAlone;
+            return;
+        }
+        const int behind = kShortBits - length;
+        const unsigned first = static_cast<unsigned>(code.bits) << behind;
+        for (unsigned i = 0; i < 1u << behind; ++i) {
+            shortCodes[first + i] = codeAlone;
+            if (size <= behind)
+                shortCodes[first + i] = {static_cast<std::int16_t>(ValueOf(i >> (behind - size), size)),
+                                         static_cast<std::uint8_t>(length + size), advance, true};
+        }
     }
 };
 
@@ -124,36 +144,37 @@ constexpr DecoderTables kLumaDecoder(kLumaDcTable, kLumaAcTable);
 constexpr DecoderTables kChromaDecoder(kChromaDcTable, kChromaAcTable);
 
 // A size of DC from 8 bits, all ones, and the three that follow.
-constexpr Decoded LongLumaDc(std::uint32_t) { return {9, 0, 11}; }
-constexpr Decoded LongChromaDc(std::uint32_t elevenBits) {
-    const auto ones = static_cast<std::uint8_t>(std::countl_one(elevenBits << 21));
-    return {static_cast<std::uint8_t>(ones + 1), 0, static_cast<std::uint8_t>(ones + 1)};
+constexpr DcSize LongLumaDc(std::uint32_t) { return {9, 11}; }
+constexpr DcSize LongChromaDc(std::uint32_t elevenBits) {
+    const auto length = static_cast<std::uint8_t>(std::countl_one(elevenBits << 21) + 1);
+    return {length, length};
 }
 
 template <class Reader>
 inline unsigned DecodeBlock(std::int16_t* block, std::int16_t& predictor, Reader& in, const DecoderTables& tables,
-                            Decoded (*longDc)(std::uint32_t)) {
+                            DcSize (*longDc)(std::uint32_t)) {
     Reader reader = in;  // In registers.
     reader.Fill();
-    Decoded code = tables.dc[reader.Peek(8)];
-    if (code.length == 0) code = longDc(reader.Peek(11));
-    reader.Skip(code.length);
-    block[0] = predictor = static_cast<std::int16_t>(predictor + reader.TakeValue(code.size));
+    DcSize dc = tables.dc[reader.Peek(8)];
+    if (dc.bits == 0) dc = longDc(reader.Peek(11));
+    reader.Skip(dc.bits);
+    block[0] = predictor = static_cast<std::int16_t>(predictor + reader.TakeValue(dc.size));
 
     unsigned position = 0;
-    for (;;) {
+    while (position < 63) {
         reader.Fill();
-        code = tables.shortCodes[reader.Peek(kShortBits)];
-        if (code.length == 0) code = tables.longCodes[reader.Peek(16) - kFirstLong];
-        reader.Skip(code.length);
-        const unsigned next = position + code.advance;
-        if (next >= 64) {
-            reader.Skip(code.size);
-            break;
+        Decoded found = tables.shortCodes[reader.Peek(kShortBits)];
+        if (!found.whole) [[unlikely]] {
+            if (found.bits == 0) found = tables.longCodes[reader.Peek(16) - kFirstLong];
+            reader.Skip(found.bits);
+            found.bits = 0;
+            found.value = static_cast<std::int16_t>(reader.TakeValue(found.value));
         }
+        reader.Skip(found.bits);
+        const unsigned next = position + found.advance;
+        if (next >= 64) break;
         position = next;
-        block[kZigZag[position]] = static_cast<std::int16_t>(reader.TakeValue(code.size));
-        if (position >= 63) break;
+        block[kZigZag[position]] = found.value;
     }
     in = reader;
     return position + 1;

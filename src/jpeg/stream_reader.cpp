@@ -181,6 +181,7 @@ Status CStreamReaderMJPG::ParseFieldImage(FieldImageState& state, std::int32_t f
     Bytes quantisers[2];
     std::size_t tables = 0;
     std::size_t start = 0;
+    bool hasFrameHeader = false;
     while (next_ < markers_.size()) {
         const MarkerRecord record = markers_[next_++];
         if (record.marker == 0xFFD9) {
@@ -192,6 +193,7 @@ Status CStreamReaderMJPG::ParseFieldImage(FieldImageState& state, std::int32_t f
         switch (record.marker) {
             case 0xFFC0:
                 status = ParseFrameHeader(state, segment);
+                hasFrameHeader = true;
                 break;
             case 0xFFC4:
                 status = CheckHuffmanTables(segment);
@@ -229,7 +231,8 @@ Status CStreamReaderMJPG::ParseFieldImage(FieldImageState& state, std::int32_t f
         }
         if (status != IMG_OK) return status;
     }
-    if (tables == 0 || state.scan == nullptr) return IMG_E_FAILED;
+    // Without a frame header nobody knows how many blocks an MCU has.
+    if (tables == 0 || state.scan == nullptr || !hasFrameHeader) return IMG_E_FAILED;
     return ReadQuantisers(state, std::span(quantisers).first(tables));
 }
 
