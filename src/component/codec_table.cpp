@@ -3,6 +3,7 @@
 #include "dv/dv_codecs.h"
 #include "iframe/mmes_decoder.h"
 #include "iframe/mmes_encoder.h"
+#include "jpeg/kvmj_adapters.h"
 #include "tarvex/tarvex_decoder.h"
 #include "tarvex/tarvex_encoder.h"
 
@@ -26,7 +27,7 @@ constexpr CodecTableEntry kCodecs[] = {
      &CreateMMESEncoder, &CreateMMESDecoder},
     {CODEC_I_FRAME, FourCC('K', 'V', 'E', 'S'), L"Korvane advanced I-frames", 0, &CreateMMESEncoder,
      &CreateMMESDecoder},
-    {CODEC_MOTION_JPEG, FourCC('K', 'V', 'M', 'J'), L"Korvane Motion-JPEG", 0, nullptr, nullptr},
+    {CODEC_MOTION_JPEG, FourCC('K', 'V', 'M', 'J'), L"Korvane Motion-JPEG", 0, &CreateMJPGEncoder, &CreateMJPGDecoder},
     {CODEC_AVC, FourCC('A', 'V', 'C', '1'), L"Korvane AVC", 0, nullptr, nullptr},
 };
 
