@@ -229,7 +229,9 @@ Status CStreamReaderMJPG::ParseFieldImage(FieldImageState& state, std::int32_t f
         }
         if (status != IMG_OK) return status;
     }
-    if (tables == 0 || state.scan == nullptr) return IMG_E_FAILED;
+    // Without a frame header nothing says how the blocks of the scan follow each other.
+    const bool hasFrameHeader = state.components[0].vertical != 0;
+    if (tables == 0 || state.scan == nullptr || !hasFrameHeader) return IMG_E_FAILED;
     return ReadQuantisers(state, std::span(quantisers).first(tables));
 }
 

@@ -160,6 +160,31 @@ TEST(KvmjAdapters, FormatsThatTheCodecDoesNotTake) {
     EXPECT_EQ(Decode(*decoder, {}, Describe(picture, km::FMT_UYVY)), -1);
 }
 
+// An image that does not say how its blocks follow each other: the first one makes no picture, in place of the second
+// the first one shows.
+TEST(KvmjAdapters, ImagesWithoutAFrameHeader) {
+    const auto encoder = Make<km::CMJPGEncoder>();
+    const auto decoder = Make<km::CMJPGDecoder>();
+    CodedPicture picture(0, kWidth, kHeight, 2 * kWidth, 3, "fields");
+    km::Status status = -100;
+    const Bytes frame = Encode(*encoder, Describe(picture, km::FMT_UYVY), status);
+    ASSERT_EQ(status, 0);
+    CodedPicture whole(0, kWidth, kHeight, 2 * kWidth, 77), target(0, kWidth, kHeight, 2 * kWidth, 77);
+    ASSERT_EQ(Decode(*decoder, frame, Describe(whole, km::FMT_UYVY)), 0);
+    const std::uint8_t header[] = {0xFF, 0xC0, 0x00, 0x11};
+    const auto first = std::search(frame.begin(), frame.end(), std::begin(header), std::end(header));
+    const auto second = std::search(first + 1, frame.end(), std::begin(header), std::end(header));
+    ASSERT_NE(second, frame.end());
+    // As a comment both are passed over.
+    Bytes damaged = frame;
+    damaged[static_cast<std::size_t>(second - frame.begin()) + 1] = 0xFE;
+    ASSERT_EQ(Decode(*decoder, damaged, Describe(target, km::FMT_UYVY)), 0);
+    for (std::uint32_t y = 0; y < kHeight; ++y)
+        EXPECT_TRUE(std::equal(target.Row(y).begin(), target.Row(y).end(), whole.Row(y & ~1u).begin())) << y;
+    damaged[static_cast<std::size_t>(first - frame.begin()) + 1] = 0xFE;
+    EXPECT_EQ(Decode(*decoder, damaged, Describe(target, km::FMT_UYVY)), -1);
+}
+
 // The caller's stride counts, whatever it is: with 0 each line lands on the one before.
 TEST(KvmjAdapters, StridesAreTheCallers) {
     const auto encoder = Make<km::CMJPGEncoder>();
