@@ -3,6 +3,9 @@
 #include "dv/dv_codecs.h"
 #include "iframe/mmes_decoder.h"
 #include "iframe/mmes_encoder.h"
+#include "jpeg/kvmj_adapters.h"
+#include "tarvex/tarvex_decoder.h"
+#include "tarvex/tarvex_encoder.h"
 
 namespace KorvaneSoftware {
 
@@ -17,13 +20,14 @@ constexpr CodecTableEntry kCodecs[] = {
      &CreateDVCPRO100Decoder},
     {CODEC_DVCPRO100, FourCC('K', 'V', 'H', '1'), L"Korvane DVCPRO100 (60Hz)", 0, &CreateDVCPRO100Encoder60Hz,
      &CreateDVCPRO100Decoder},
-    {CODEC_TARVEX, FourCC('T', 'R', 'V', 'D'), L"Korvane Tarvex JPEG", 0, nullptr, nullptr},
-    {CODEC_TARVEX_ALPHA, FourCC('T', 'R', 'V', 'T'), L"Korvane Tarvex JPEG + Alpha", 0, nullptr, nullptr},
+    {CODEC_TARVEX, FourCC('T', 'R', 'V', 'D'), L"Korvane Tarvex JPEG", 0, &CreateTRVDEncoder, &CreateTRVDDecoder},
+    {CODEC_TARVEX_ALPHA, FourCC('T', 'R', 'V', 'T'), L"Korvane Tarvex JPEG + Alpha", 0, &CreateTRVTEncoder,
+     &CreateTRVTDecoder},
     {CODEC_I_FRAME, FourCC('K', 'V', 'I', 'F'), L"Korvane elementary I-frames", kElementaryIFrameFlag,
      &CreateMMESEncoder, &CreateMMESDecoder},
     {CODEC_I_FRAME, FourCC('K', 'V', 'E', 'S'), L"Korvane advanced I-frames", 0, &CreateMMESEncoder,
      &CreateMMESDecoder},
-    {CODEC_MOTION_JPEG, FourCC('K', 'V', 'M', 'J'), L"Korvane Motion-JPEG", 0, nullptr, nullptr},
+    {CODEC_MOTION_JPEG, FourCC('K', 'V', 'M', 'J'), L"Korvane Motion-JPEG", 0, &CreateMJPGEncoder, &CreateMJPGDecoder},
     {CODEC_AVC, FourCC('A', 'V', 'C', '1'), L"Korvane AVC", 0, nullptr, nullptr},
 };
 

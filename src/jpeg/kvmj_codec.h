@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 
 #include "foundation/image_descriptor.h"
 #include "foundation/status.h"
@@ -26,9 +27,9 @@ constexpr std::uint32_t kKeyFrame = 16;
 struct DecodeParams {
     BitmapInfoHeader source = {};  ///< Size of the frame; biSizeImage is the number of bytes at `data`.
     const std::uint8_t* data = nullptr;
-    BitmapInfoHeader destination = {};  ///< Format and size of the picture.
-    std::uint8_t* pixels = nullptr;     ///< First byte of the picture's plane.
-    std::int64_t stride = 0;            ///< From a line to the next; 0: the smallest that the format has.
+    BitmapInfoHeader destination = {};   ///< Format and size of the picture.
+    std::uint8_t* pixels = nullptr;      ///< First byte of the picture's plane.
+    std::optional<std::int64_t> stride;  ///< From a line to the next; without one, the smallest that the format has.
 };
 
 class IDecoder {

@@ -40,8 +40,8 @@ Status CDecoderKVMJSingleThread::Prepare(const DecodeParams& params, std::uint32
     Status status = ImageDescriptorFromBitmapInfo(&picture_, &params.destination);
     if (status != IMG_OK) return status;
     if (picture_.width == 0 || picture_.height == 0) return IMG_E_BAD_SIZE;
-    status = params.stride != 0 ? ImageSetPlanes(&picture_, params.pixels, params.stride)
-                                : ImageSetPlanesTight(&picture_, params.pixels, UINT64_MAX);
+    status = params.stride ? ImageSetPlanes(&picture_, params.pixels, *params.stride)
+                           : ImageSetPlanesTight(&picture_, params.pixels, UINT64_MAX);
     if (status != IMG_OK) return status;
     if (params.data == nullptr) return IMG_E_NULL_ARG;
     frame_ = {params.data, params.source.biSizeImage};

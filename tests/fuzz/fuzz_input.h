@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <memory>
+#include <span>
 #include <vector>
 
 #include "support/random.h"
@@ -29,6 +30,8 @@ public:
     /// A number from 0 to `limit` - 1.
     std::uint32_t Below(std::uint32_t limit) { return Take<std::uint16_t>() % limit; }
     bool Flag() { return (Take<std::uint8_t>() & 1) != 0; }
+    /// All that is left.
+    std::span<const std::uint8_t> Rest() const { return {data_, size_}; }
 
 private:
     const std::uint8_t* data_;
@@ -40,6 +43,11 @@ class ExactBuffer {
 public:
     explicit ExactBuffer(std::size_t size, std::uint32_t seed) : size_(size), bytes_(new std::uint8_t[size]) {
         pixmorph_test::ByteGenerator(seed).Fill({bytes_.get(), size});
+    }
+    /// A copy of `bytes`.
+    explicit ExactBuffer(std::span<const std::uint8_t> bytes)
+        : size_(bytes.size()), bytes_(new std::uint8_t[bytes.size()]) {
+        if (size_ > 0) std::memcpy(bytes_.get(), bytes.data(), size_);
     }
     std::uint8_t* Data() { return bytes_.get(); }
     std::size_t Size() const { return size_; }

@@ -40,6 +40,22 @@ bool SizeOf(const std::string& path, std::uint32_t& width, std::uint32_t& height
     return pipe != nullptr && std::fscanf(pipe.get(), "%u,%u", &width, &height) == 2;
 }
 
+// Runs a command and reads what it writes to its standard output.
+std::vector<std::uint8_t> Run(const std::string& command, int& exitStatus) {
+    std::vector<std::uint8_t> bytes;
+    exitStatus = -1;
+    std::FILE* const pipe = ::popen(command.c_str(), "r");
+    if (pipe == nullptr) {
+        ADD_FAILURE() << "cannot run " << command;
+        return bytes;
+    }
+    std::uint8_t part[65536];
+    while (const std::size_t size = std::fread(part, 1, sizeof part, pipe))
+        bytes.insert(bytes.end(), part, part + size);
+    exitStatus = ::pclose(pipe);
+    return bytes;
+}
+
 }  // namespace
 
 std::vector<Clip> DrawnClips() {
@@ -94,18 +110,19 @@ std::vector<std::uint8_t> Output(const std::string& options, std::string& compla
         std::filesystem::path(::testing::TempDir()) / ("tool" + std::to_string(::getpid()));
     const std::string command =
         std::string(PIXMORPH_FFMPEG) + " -v error -nostdin " + options + " - 2>" + Quote(log.string());
-    std::vector<std::uint8_t> bytes;
-    if (const Pipe pipe(::popen(command.c_str(), "r")); pipe != nullptr) {
-        std::uint8_t part[65536];
-        while (const std::size_t size = std::fread(part, 1, sizeof part, pipe.get()))
-            bytes.insert(bytes.end(), part, part + size);
-    } else {
-        ADD_FAILURE() << "cannot run " << command;
-    }
+    int exitStatus;  // The complaints say more.
+    const std::vector<std::uint8_t> bytes = Run(command, exitStatus);
     std::ifstream file(log);
     complaints.assign(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
     std::error_code error;
     std::filesystem::remove(log, error);
+    return bytes;
+}
+
+std::vector<std::uint8_t> OutputOf(const std::string& command) {
+    int exitStatus;
+    std::vector<std::uint8_t> bytes = Run(command, exitStatus);
+    EXPECT_EQ(exitStatus, 0) << command;
     return bytes;
 }
 

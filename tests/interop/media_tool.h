@@ -38,6 +38,9 @@ Frames Decode(const Clip& clip, const std::string& filters, const std::string& p
 /// @param complaints  receives what it says about errors.
 std::vector<std::uint8_t> Output(const std::string& options, std::string& complaints);
 
+/// What a command writes to its standard output. A command that fails is a failure of the test.
+std::vector<std::uint8_t> OutputOf(const std::string& command);
+
 /// Size of the part of a clip that tests work on: multiples of 32 and 8.
 std::uint32_t CutWidth(const Clip& clip);
 std::uint32_t CutHeight(const Clip& clip);
