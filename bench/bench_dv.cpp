@@ -331,7 +331,17 @@ const bool kAdded = [] {
     const auto* const weights = km::dv_tables::kWeights[km::DV_DCT_88].data();
     const auto* const inverse = km::dv_tables::kInverseWeights[km::DV_DCT_88].data();
     const std::uint8_t* const scan = km::dv_tables::kScans[km::DV_DCT_248].data();
-    AddBlockKernel(km::FDCT248Columns, [](auto* form, Out dst, In src) { form(dst, src, 1); });
+    // All blocks of a segment at a time, as the encoder has them.
+    ForEachRunnableRow(km::FDCT248Columns, [](std::size_t row) {
+        auto* const form = km::FDCT248Columns.Row(row).function;
+        Add({km::FDCT248Columns.Name(), VariantLabel(km::FDCT248Columns, row), kBlockPixels,
+             2.0 * kBlocks * kBlockBytes, [form](Regime regime, std::size_t i) {
+                 constexpr std::size_t kSegment = 32;
+                 for (std::size_t b = 0; b < kBlocks; b += kSegment)
+                     form(BlocksIn(Arena::Destination, regime, i) + 64 * b, BlocksIn(Arena::Source, regime, i) + 64 * b,
+                          kSegment);
+             }});
+    });
     AddBlockKernel(km::WeighDvBlock, [=](auto* form, Out dst, In) { form(dst, weights); });
     AddBlockKernel(km::WeighHdBlock, [=](auto* form, Out dst, In) { form(dst, weights); });
     AddBlockKernel(km::ScanDvBlock, [=](auto* form, Out dst, In src) { form(dst, src, scan); });
