@@ -72,14 +72,19 @@ void plain::DequantiseHdBlock(std::int16_t* block, int step, const std::int16_t*
     for (std::size_t i = 1; i < kDvBlockValues; ++i) block[i] = Cut((block[i] * weights[i] * step + 16) >> 5);
 }
 
-PIXMORPH_SLOT(DispatchSlot<DvWeighSignature>, WeighDvBlock, plain::WeighDvBlock, nullptr, nullptr, nullptr);
-PIXMORPH_SLOT(DispatchSlot<DvWeighSignature>, WeighHdBlock, plain::WeighHdBlock, nullptr, nullptr, nullptr);
-PIXMORPH_SLOT(DispatchSlot<DvScanSignature>, ScanDvBlock, plain::ScanDvBlock, nullptr, nullptr, nullptr);
-PIXMORPH_SLOT(DispatchSlot<DvQuantiseSignature>, QuantiseDvBlock, plain::QuantiseDvBlock, nullptr, nullptr, nullptr);
-PIXMORPH_SLOT(DispatchSlot<DvHdQuantiseSignature>, QuantiseHdBlock, plain::QuantiseHdBlock, nullptr, nullptr, nullptr);
-PIXMORPH_SLOT(DispatchSlot<DvDequantiseSignature>, DequantiseDvBlock, plain::DequantiseDvBlock, nullptr, nullptr,
-              nullptr);
-PIXMORPH_SLOT(DispatchSlot<DvHdDequantiseSignature>, DequantiseHdBlock, plain::DequantiseHdBlock, nullptr, nullptr,
-              nullptr);
+PIXMORPH_SLOT(DispatchSlot<DvWeighSignature>, WeighDvBlock, plain::WeighDvBlock, simd_sse41::WeighDvBlock,
+              simd_avx2::WeighDvBlock, simd_avx512::WeighDvBlock);
+PIXMORPH_SLOT(DispatchSlot<DvWeighSignature>, WeighHdBlock, plain::WeighHdBlock, simd_sse41::WeighHdBlock,
+              simd_avx2::WeighHdBlock, simd_avx512::WeighHdBlock);
+PIXMORPH_SLOT(DispatchSlot<DvScanSignature>, ScanDvBlock, plain::ScanDvBlock, nullptr, nullptr,
+              simd_avx512::ScanDvBlock);
+PIXMORPH_SLOT(DispatchSlot<DvQuantiseSignature>, QuantiseDvBlock, plain::QuantiseDvBlock, simd_sse41::QuantiseDvBlock,
+              simd_avx2::QuantiseDvBlock, simd_avx512::QuantiseDvBlock);
+PIXMORPH_SLOT(DispatchSlot<DvHdQuantiseSignature>, QuantiseHdBlock, plain::QuantiseHdBlock, simd_sse41::QuantiseHdBlock,
+              simd_avx2::QuantiseHdBlock, simd_avx512::QuantiseHdBlock);
+PIXMORPH_SLOT(DispatchSlot<DvDequantiseSignature>, DequantiseDvBlock, plain::DequantiseDvBlock,
+              simd_sse41::DequantiseDvBlock, simd_avx2::DequantiseDvBlock, simd_avx512::DequantiseDvBlock);
+PIXMORPH_SLOT(DispatchSlot<DvHdDequantiseSignature>, DequantiseHdBlock, plain::DequantiseHdBlock,
+              simd_sse41::DequantiseHdBlock, simd_avx2::DequantiseHdBlock, simd_avx512::DequantiseHdBlock);
 
 }  // namespace KorvaneSoftware

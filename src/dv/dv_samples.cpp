@@ -80,13 +80,16 @@ PIXMORPH_DV_SAMPLES(Yvyu)
 PIXMORPH_DV_SAMPLES(Y16)
 #undef PIXMORPH_DV_SAMPLES
 
-PIXMORPH_SLOT(DispatchSlot<DvReadSignature>, ReadDvUyvy, plain::ReadDvUyvy, nullptr, nullptr, nullptr);
-PIXMORPH_SLOT(DispatchSlot<DvReadSignature>, ReadDvYuy2, plain::ReadDvYuy2, nullptr, nullptr, nullptr);
-PIXMORPH_SLOT(DispatchSlot<DvReadSignature>, ReadDvYvyu, plain::ReadDvYvyu, nullptr, nullptr, nullptr);
-PIXMORPH_SLOT(DispatchSlot<DvReadSignature>, ReadDvY16, plain::ReadDvY16, nullptr, nullptr, nullptr);
-PIXMORPH_SLOT(DispatchSlot<DvWriteSignature>, WriteDvUyvy, plain::WriteDvUyvy, nullptr, nullptr, nullptr);
-PIXMORPH_SLOT(DispatchSlot<DvWriteSignature>, WriteDvYuy2, plain::WriteDvYuy2, nullptr, nullptr, nullptr);
-PIXMORPH_SLOT(DispatchSlot<DvWriteSignature>, WriteDvYvyu, plain::WriteDvYvyu, nullptr, nullptr, nullptr);
-PIXMORPH_SLOT(DispatchSlot<DvWriteSignature>, WriteDvY16, plain::WriteDvY16, nullptr, nullptr, nullptr);
+PIXMORPH_SLOT(DispatchSlot<DvReadSignature>, ReadDvUyvy, plain::ReadDvUyvy, simd_sse41::ReadDvUyvy, nullptr, nullptr);
+PIXMORPH_SLOT(DispatchSlot<DvReadSignature>, ReadDvYuy2, plain::ReadDvYuy2, simd_sse41::ReadDvYuy2, nullptr, nullptr);
+PIXMORPH_SLOT(DispatchSlot<DvReadSignature>, ReadDvYvyu, plain::ReadDvYvyu, simd_sse41::ReadDvYvyu, nullptr, nullptr);
+PIXMORPH_SLOT(DispatchSlot<DvReadSignature>, ReadDvY16, plain::ReadDvY16, simd_sse41::ReadDvY16, nullptr, nullptr);
+PIXMORPH_SLOT(DispatchSlot<DvWriteSignature>, WriteDvUyvy, plain::WriteDvUyvy, simd_sse41::WriteDvUyvy, nullptr,
+              nullptr);
+PIXMORPH_SLOT(DispatchSlot<DvWriteSignature>, WriteDvYuy2, plain::WriteDvYuy2, simd_sse41::WriteDvYuy2, nullptr,
+              nullptr);
+PIXMORPH_SLOT(DispatchSlot<DvWriteSignature>, WriteDvYvyu, plain::WriteDvYvyu, simd_sse41::WriteDvYvyu, nullptr,
+              nullptr);
+PIXMORPH_SLOT(DispatchSlot<DvWriteSignature>, WriteDvY16, plain::WriteDvY16, simd_sse41::WriteDvY16, nullptr, nullptr);
 
 }  // namespace KorvaneSoftware

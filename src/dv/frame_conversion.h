@@ -2,8 +2,8 @@
 // field by field: the caller's thread takes one field, a further worker the other.
 #pragma once
 
-#include "resize/image_converter.h"
 #include "foundation/worker_team.h"
+#include "resize/image_converter.h"
 
 namespace KorvaneSoftware {
 

@@ -17,11 +17,11 @@ public:
 private:
     static constexpr unsigned kPlaces = kSegmentMacroblocks * kMostMacroblockBlocks;
 
-    void TransformSd(const CodedBlock& block, unsigned number) const;
-    void TransformHd(const CodedBlock& block, unsigned number, bool isChroma) const;
+    void Transform(const std::uint8_t* difBlocks);
 
     const DvStream* stream_ = nullptr;
     const DvBlockLayout* layout_ = nullptr;
+    unsigned blocksPerMacroblock_ = 0;
     CodedBlock blocks_[kPlaces];
     alignas(64) std::int16_t levels_[kPlaces * 64];
 };

@@ -67,6 +67,7 @@ struct OpenBlock {
     CodedBlock* block;
     const std::uint8_t* scan;
     unsigned position;
+    unsigned last;  // Coded position of the last value.
     std::uint32_t begun;
     unsigned begunBits;
 };
@@ -74,34 +75,47 @@ struct OpenBlock {
 // Decodes from `bits` until the block ends or the bits do. @return whether it has ended
 bool DecodeBlock(OpenBlock& open, BitRange& bits) {
     static const DvDecodeTable& table = DvDecodeTable::Get();
-    CodedBlock& block = *open.block;
+    // A look ahead has 57 bits that count: codes are taken from it until fewer than the longest are left.
+    constexpr unsigned kLookAhead = 57;
+    std::int16_t* const levels = open.block->levels;
+    const std::uint8_t* const scan = open.scan;
     unsigned position = open.position;
+    unsigned last = open.last;
     unsigned bit = bits.bit;
-    unsigned begunBits = open.begunBits;
+    unsigned left = bits.Left();
+    std::uint64_t ahead = LoadBigEndian(bits.bytes + bit / 8) << (bit % 8);
+    unsigned counted = kLookAhead;
+    if (open.begunBits != 0) {
+        // As if the bits of the begun code stood before the others.
+        ahead = std::uint64_t{open.begun} << (64 - open.begunBits) | ahead >> open.begunBits;
+        left += open.begunBits;
+        bit -= open.begunBits;
+    }
     while (true) {
-        // 16 bits, those of a code that was begun first.
-        const std::uint64_t ahead = LoadBigEndian(bits.bytes + bit / 8) << (bit % 8);
-        unsigned window = static_cast<unsigned>(ahead >> 48);
-        if (begunBits != 0) window = (open.begun << (16 - begunBits) | window >> begunBits) & 0xFFFF;
-        const unsigned available = begunBits + bits.end - bit;
-        const DvDecodedCode& code = table.At(window);
-        if (code.length > available) {
-            // Fewer than 16 bits are left, which `window` holds.
-            open.begun = window >> (16 - available);
-            open.begunBits = available;
+        const DvDecodedCode& code = table.At(static_cast<unsigned>(ahead >> 48));
+        if (code.length > left) {
+            open.begun = left == 0 ? 0 : static_cast<std::uint32_t>(ahead >> (64 - left));
+            open.begunBits = left;
             open.position = position;
+            open.last = last;
             bits.bit = bits.end;
             return false;
         }
-        bit += code.length - begunBits;
-        begunBits = 0;
+        ahead <<= code.length;
+        left -= code.length;
+        bit += code.length;
+        counted -= code.length;
         position += code.advance;
         if (position >= kDvBlockValues) break;
-        if (code.amplitude != 0) {
-            block.levels[open.scan[position]] = code.amplitude;
-            block.count = static_cast<std::uint8_t>(position + 1);
+        // A run alone stores a zero where there is one.
+        levels[scan[position]] = code.amplitude;
+        last = code.amplitude != 0 ? position : last;
+        if (counted < kLongestDvCode) {
+            ahead = LoadBigEndian(bits.bytes + bit / 8) << (bit % 8);
+            counted = kLookAhead;
         }
     }
+    open.block->count = static_cast<std::uint8_t>(last + 1);
     bits.bit = bit;
     return true;
 }
@@ -140,7 +154,7 @@ void UnpackSegment(const std::uint8_t* difBlocks, const DvBlockLayout& layout, C
             block.count = 1;
             const DvDctMode mode = scan248 ? block.mode : DV_DCT_88;
             OpenBlock& next = open[openCount];
-            next = {&block, dv_tables::kScans[mode].data(), 0, 0, 0};
+            next = {&block, dv_tables::kScans[mode].data(), 0, 0, 0, 0};
             BitRange bits{bytes, kBlockHeadBits, 8u * layout.place[i].bytes};
             if (!DecodeBlock(next, bits))
                 ++openCount;
@@ -152,6 +166,9 @@ void UnpackSegment(const std::uint8_t* difBlocks, const DvBlockLayout& layout, C
         segmentPool.Append(pool.Bits());
     }
     Continue(segmentOpen, segmentOpenCount, segmentPool);
+    // What has not ended counts as far as it came.
+    for (unsigned i = 0; i < segmentOpenCount; ++i)
+        segmentOpen[i].block->count = static_cast<std::uint8_t>(segmentOpen[i].last + 1);
 }
 
 }  // namespace KorvaneSoftware

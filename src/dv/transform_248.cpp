@@ -101,7 +101,9 @@ void plain::InverseDCT248(std::int16_t* block, unsigned count) {
     for (int row = 0; row < 8; ++row) InvertRow(block + 8 * row);
 }
 
-PIXMORPH_SLOT(DispatchSlot<Dv248ColumnsSignature>, FDCT248Columns, plain::FDCT248Columns, nullptr, nullptr, nullptr);
-PIXMORPH_SLOT(DispatchSlot<DvInverse248Signature>, InverseDCT248, plain::InverseDCT248, nullptr, nullptr, nullptr);
+PIXMORPH_SLOT(DispatchSlot<Dv248ColumnsSignature>, FDCT248Columns, plain::FDCT248Columns, simd_sse41::FDCT248Columns,
+              simd_avx2::FDCT248Columns, simd_avx512::FDCT248Columns);
+PIXMORPH_SLOT(DispatchSlot<DvInverse248Signature>, InverseDCT248, plain::InverseDCT248, simd_sse41::InverseDCT248,
+              nullptr, nullptr);
 
 }  // namespace KorvaneSoftware
