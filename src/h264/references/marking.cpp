@@ -44,7 +44,6 @@ private:
     }
     /// The short-term or long-term picture of a number; null where there is none.
     CH264Picture* Find(std::int64_t number, bool longTerm) const;
-    CH264Picture* FindIn(CH264Frame& frame, std::int64_t number, bool longTerm) const;
     void SetMark(CH264Picture& picture, std::uint32_t mark);
     void MarkLongTerm(CH264Picture& picture, std::uint32_t index);
     /// Takes an index of long-term frames from every frame but `keeper`.
@@ -59,25 +58,12 @@ private:
     bool currentMarked_ = false;
 };
 
-CH264Picture* Marker::FindIn(CH264Frame& frame, std::int64_t number, bool longTerm) const {
-    const std::int32_t frameNumber = longTerm ? static_cast<std::int32_t>(frame.longTermFrameIdx) : frame.frameNumWrap;
-    if (!IsField()) {
-        const bool marked = longTerm ? frame.IsLongTerm() : frame.IsShortTerm();
-        return marked && frameNumber == number ? &frame : nullptr;
-    }
-    for (CH264Picture& field : frame.fields) {
-        const bool marked = longTerm ? field.IsLongTerm() : field.IsShortTerm();
-        if (marked && FieldNumber(frameNumber, field.bottomField == picture_.bottomField) == number) return &field;
-    }
-    return nullptr;
-}
-
 CH264Picture* Marker::Find(std::int64_t number, bool longTerm) const {
     for (const auto& frame : store_) {
-        if (CH264Picture* found = FindIn(*frame, number, longTerm)) return found;
+        if (CH264Picture* found = FindByNumber(*frame, picture_, number, longTerm)) return found;
     }
     // A second field may name the first one.
-    return IsField() ? FindIn(current_, number, longTerm) : nullptr;
+    return IsField() ? FindByNumber(current_, picture_, number, longTerm) : nullptr;
 }
 
 void Marker::SetMark(CH264Picture& picture, std::uint32_t mark) {
@@ -225,6 +211,19 @@ void UpdateFrameNumWrap(const H264FrameList& store, std::uint32_t frameNum, std:
         const auto number = static_cast<std::int32_t>(frame->frameNum);
         frame->frameNumWrap = frame->frameNum > frameNum ? number - static_cast<std::int32_t>(maxFrameNum) : number;
     }
+}
+
+CH264Picture* FindByNumber(CH264Frame& frame, const CH264Picture& viewer, std::int64_t number, bool longTerm) {
+    const std::int32_t frameNumber = longTerm ? static_cast<std::int32_t>(frame.longTermFrameIdx) : frame.frameNumWrap;
+    const auto isMarked = [longTerm](const CH264Picture& picture) {
+        return longTerm ? picture.IsLongTerm() : picture.IsShortTerm();
+    };
+    if (!viewer.fieldPic) return isMarked(frame) && frameNumber == number ? &frame : nullptr;
+    for (CH264Picture& field : frame.fields) {
+        const bool sameParity = field.bottomField == viewer.bottomField;
+        if (isMarked(field) && FieldNumber(frameNumber, sameParity) == number) return &field;
+    }
+    return nullptr;
 }
 
 void MarkPicture(CH264Frame& current, CH264Picture& picture, H264BitReader commands, const H264FrameList& store,

@@ -15,6 +15,9 @@ constexpr std::int32_t FieldNumber(std::int32_t frameNumber, bool sameParity) {
     return 2 * frameNumber + (sameParity ? 1 : 0);
 }
 
+/// The frame, or the field of it, that `viewer` names by PicNum or LongTermPicNum; null where that is not in this frame.
+CH264Picture* FindByNumber(CH264Frame& frame, const CH264Picture& viewer, std::int64_t number, bool longTerm);
+
 /// Marks the picture that was last put into `current`, a frame or a field, and unmarks others as its commands or the
 /// sliding window say. `current` is not in the store yet.
 /// @param commands  at the first command; read where the picture has adaptive_ref_pic_marking_mode_flag

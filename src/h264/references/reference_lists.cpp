@@ -168,24 +168,11 @@ PictureList ListBuilder::Initial(unsigned list) {
 }
 
 CH264Picture* ListBuilder::Find(std::int64_t number, bool longTerm) const {
-    const auto findIn = [&](CH264Frame& frame) -> CH264Picture* {
-        const std::int32_t frameNumber =
-            longTerm ? static_cast<std::int32_t>(frame.longTermFrameIdx) : frame.frameNumWrap;
-        const auto isMarked = [&](const CH264Picture& picture) {
-            return longTerm ? picture.IsLongTerm() : picture.IsShortTerm();
-        };
-        if (!IsField()) return isMarked(frame) && frameNumber == number ? &frame : nullptr;
-        for (CH264Picture& field : frame.fields) {
-            const bool sameParity = field.bottomField == picture_.bottomField;
-            if (isMarked(field) && FieldNumber(frameNumber, sameParity) == number) return &field;
-        }
-        return nullptr;
-    };
     for (const auto& frame : store_) {
-        CH264Picture* found = findIn(*frame);
+        CH264Picture* found = FindByNumber(*frame, picture_, number, longTerm);
         if (found != nullptr && found->HasLayoutOf(picture_)) return found;
     }
-    return IsField() ? findIn(current_) : nullptr;
+    return IsField() ? FindByNumber(current_, picture_, number, longTerm) : nullptr;
 }
 
 void ListBuilder::Modify(H264BitReader& reader, std::uint32_t active, const PictureList& initial,
