@@ -50,7 +50,8 @@ function(pixmorph_room name)
   set_property(GLOBAL PROPERTY PIXMORPH_ROOTS_${name} "${roots}")
 endfunction()
 
-# pixmorph_engine(NAME files...): the objects of one engine, which has a room of the same name. They become part of the shared library and of every test.
+# pixmorph_engine(NAME files...): the objects of one engine, which has a room of the same name. They become part of the
+# shared library and of every test.
 set_property(GLOBAL PROPERTY PIXMORPH_ENGINES "")
 function(pixmorph_engine name)
   add_library(pixmorph_${name} OBJECT ${ARGN})

@@ -8,8 +8,7 @@
 // For all methods:
 //  - Sizes are in pixels and lines, strides in bytes from one line to the next. Strides are signed.
 //  - Pictures are trusted to be as large as their sizes and strides say; no byte outside them is read or written. A
-//  null
-//    pointer is recognised and answered as the method says; any other pointer is used, and a bad one faults.
+//    null pointer is recognised and answered as the method says; any other pointer is used, and a bad one faults.
 //  - No alignment is needed. Planes and strides that are multiples of 64 bytes are the fastest.
 //  - Source and destination must not overlap, except where a method allows it.
 //  - BGR and BGRA pictures are stored bottom-up: the pointer names the lowest line in memory, which is the bottom line

@@ -48,8 +48,7 @@ public:
     /// Start of the filled part.
     virtual std::uint8_t* GetData() = 0;
     /// Extends the filled part by `size` bytes. @return IMG_E_FAILED, with nothing changed, past the buffer's end. A
-    /// video
-    ///         sample does not count what is filled already: each addition has to fit by itself.
+    ///         video sample does not count what is filled already: each addition has to fit by itself.
     virtual Status AddDataSize(std::uint64_t size) = 0;
     /// Length of the filled part; 0 when it is not inside the buffer.
     virtual std::uint64_t GetDataSize() = 0;
@@ -62,8 +61,7 @@ public:
     /// Writes the record of the sample's kind, its size word included. @return 0; for a null record its size
     virtual Status GetProperties(SampleProperties* record) = 0;
     /// Takes over all but the size word. @return IMG_E_NULL_ARG; IMG_E_BAD_SIZE where the size word is below the size
-    /// of
-    ///         the kind's record
+    ///         of the kind's record
     virtual Status SetProperties(const SampleProperties* record) = 0;
 };
 

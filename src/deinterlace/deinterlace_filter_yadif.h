@@ -31,9 +31,8 @@ public:
     /// @return 0; IMG_E_BAD_STRUCTURE for a bad structure; IMG_E_NO_MEMORY; what the copy or the conversion gave.
     Status SetSourceFrame(const ImageDescriptor& source, std::uint32_t structure) override;
     /// @return 0; IMG_E_NULL_ARG; IMG_E_BAD_FORMAT when frames and image disagree in format or size; IMG_E_BAD_SIZE for
-    /// a
-    ///         band outside the image or a plane narrower than 16 samples; IMG_E_BAD_ALIGNMENT; IMG_E_BAD_STRUCTURE for
-    ///         a bad structure; IMG_E_UNSUPPORTED for a format without a filter.
+    ///         a band outside the image or a plane narrower than 16 samples; IMG_E_BAD_ALIGNMENT; IMG_E_BAD_STRUCTURE
+    ///         for a bad structure; IMG_E_UNSUPPORTED for a format without a filter.
     Status FilterBand(const ImageDescriptor& image, std::uint32_t parity, const ImageRect& band) override;
     /// @return 0; kFramePending; IMG_E_BAD_SIZE for a size other than the history's; what FilterBand or the conversion
     ///         gave.

@@ -270,34 +270,34 @@ const bool RegisterSlot<Slot>::kRegistered = (Slot.Register(), true);
 
 /// Declares the forms of primitives of one signature, a type, in the namespace of each set. A form that is declared here
 /// need not exist.
-#define PIXMORPH_FORMS(Signature, ...)        \
-    namespace plain {                         \
-    Signature __VA_ARGS__;                    \
-    }                                         \
-    namespace simd_sse41 {                    \
-    Signature __VA_ARGS__;                    \
-    }                                         \
-    namespace simd_avx2 {                     \
-    Signature __VA_ARGS__;                    \
-    }                                         \
-    namespace simd_avx512 {                   \
-    Signature __VA_ARGS__;                    \
+#define PIXMORPH_FORMS(Signature, ...) \
+    namespace plain {                  \
+    Signature __VA_ARGS__;             \
+    }                                  \
+    namespace simd_sse41 {             \
+    Signature __VA_ARGS__;             \
+    }                                  \
+    namespace simd_avx2 {              \
+    Signature __VA_ARGS__;             \
+    }                                  \
+    namespace simd_avx512 {            \
+    Signature __VA_ARGS__;             \
     }
 
 /// Defines slot `name`, declared elsewhere, with its forms: plain, SSE4.1, AVX2, AVX-512BW.
-#define PIXMORPH_SLOT(Slot, name, ...)                                              \
-    constinit Slot name{#name, &ResolveOnFirstCall<name>::Call, {__VA_ARGS__}};     \
+#define PIXMORPH_SLOT(Slot, name, ...)                                          \
+    constinit Slot name{#name, &ResolveOnFirstCall<name>::Call, {__VA_ARGS__}}; \
     template struct RegisterSlot<name>
 
 /// Defines slot `name` of the level scheme with its entries for levels 0 to 5.
-#define PIXMORPH_LEVEL_SLOT(Slot, name, ...)                                        \
-    constinit Slot name{#name, &ResolveOnFirstCall<name>::Call, __VA_ARGS__};       \
+#define PIXMORPH_LEVEL_SLOT(Slot, name, ...)                                  \
+    constinit Slot name{#name, &ResolveOnFirstCall<name>::Call, __VA_ARGS__}; \
     template struct RegisterSlot<name>
 
 /// Defines table `name`, declared elsewhere as SlotTable<Signature, count>, from rows {plain, sse41, avx2, avx512}.
-#define PIXMORPH_SLOT_TABLE(Signature, count, name, ...)                                                            \
-    constinit SlotTable<Signature, count> name{                                                                     \
-        #name, TableResolvers<name, Signature, std::make_index_sequence<count>>::kCalls, {__VA_ARGS__}};            \
+#define PIXMORPH_SLOT_TABLE(Signature, count, name, ...)                                                 \
+    constinit SlotTable<Signature, count> name{                                                          \
+        #name, TableResolvers<name, Signature, std::make_index_sequence<count>>::kCalls, {__VA_ARGS__}}; \
     template struct RegisterSlot<name>
 
 }  // namespace KorvaneSoftware

@@ -43,8 +43,7 @@ public:
     /// nothing.
     /// @param parts  at most Count()
     /// @param make   Status make(unsigned worker, unsigned part, Value& value), on the worker's thread; `value` starts
-    /// as
-    ///               Value{}
+    ///               as Value{}
     /// @param join   Status join(unsigned part, const Value& value), on the calling thread
     /// @return the status of the first part that could not be made or joined, else 0; IMG_E_BAD_SIZE for too many parts
     template <class Make, class Join>

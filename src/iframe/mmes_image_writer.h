@@ -16,8 +16,7 @@ public:
 
     /// Writes what of a macroblock lies in the picture, and goes one column on.
     /// @param samples       less 128, as macroblock.h places them; the chrominance of other structures is turned to
-    /// 4:2:2
-    ///                      in place.
+    ///                      4:2:2 in place.
     /// @param chromaFormat  chroma_format of the stream
     /// @param byFields      luminance, and in 4:2:2 and 4:4:4 also chrominance, is ordered by fields.
     void WriteMacroblock(std::int16_t* samples, std::uint32_t chromaFormat, bool byFields);

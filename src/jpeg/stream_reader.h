@@ -24,8 +24,8 @@ public:
 
     /// Interprets the markers of the next image, up to and including its EOI. Fills in what the image says and leaves
     /// the rest of `state` as it was; its tables must be set.
-    /// @return 0, IMG_E_FAILED (tables, frame header or scan are missing), IMG_E_UNSUPPORTED (no JPEG of the kind that is read
-    ///         here) or IMG_E_MALFORMED
+    /// @return 0, IMG_E_FAILED (tables, frame header or scan are missing), IMG_E_UNSUPPORTED (no JPEG of the kind that
+    ///         is read here) or IMG_E_MALFORMED
     Status ParseFieldImage(FieldImageState& state, std::int32_t fieldIndex, std::span<const std::uint8_t> frame);
 
     const std::vector<MarkerRecord>& Markers() const { return markers_; }

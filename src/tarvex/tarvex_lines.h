@@ -6,8 +6,8 @@
 #pragma once
 
 #include "codec/codec_object.h"
-#include "resize/image_converter.h"
 #include "foundation/worker_team.h"
+#include "resize/image_converter.h"
 #include "tarvex/tarvex_format.h"
 
 namespace KorvaneSoftware {

@@ -147,7 +147,8 @@ TEST(IFrame, Room) {
     for (const std::int32_t row : {kElementary, kAdvanced}) {
         const Bytes whole = FrameOf(row, picture, kUyvy, 48, 80);
         const ComPtr<IVideoEncoder> encoder = MakeEncoder(row, 48, 80);
-        for (std::size_t room = whole.size(); room > 0; room -= std::min<std::size_t>(room, room + 40 > whole.size() ? 1 : 13)) {
+        for (std::size_t room = whole.size(); room > 0;
+             room -= std::min<std::size_t>(room, room + 40 > whole.size() ? 1 : 13)) {
             GuardPageBuffer buffer(room);
             std::uint32_t size = 12345;
             const HRESULT result =

@@ -1,7 +1,10 @@
 // KVMJ frames in other programs, and other programs' JPEG files here.
+#include <unistd.h>
+
 #include <gtest/gtest.h>
 #include <pixmorph/pixmorph.h>
 
+#include <cstdio>
 #include <cstdlib>
 #include <fstream>
 
@@ -16,7 +19,20 @@ constexpr int kLevels = 2;  // Two inverse transforms of the same coefficients, 
 
 constexpr std::uint32_t kWidth = 720, kHeight = 576;
 
-std::string TempPath(const std::string& name) { return testing::TempDir() + "pixmorph_" + name; }
+// A file that goes with the test. Tests run at the same time, as programs of their own.
+class TempFile {
+public:
+    explicit TempFile(const std::string& name)
+        : path_(testing::TempDir() + "pixmorph" + std::to_string(::getpid()) + "_" + name) {}
+    TempFile(const TempFile&) = delete;
+    TempFile& operator=(const TempFile&) = delete;
+    ~TempFile() { std::remove(path_.c_str()); }
+
+    const std::string& Path() const { return path_; }
+
+private:
+    std::string path_;
+};
 
 void WriteFile(const std::string& path, const Bytes& bytes) {
     std::ofstream(path, std::ios::binary)
@@ -95,7 +111,8 @@ protected:
 };
 
 TEST_P(Jpeg, FirstImageOpensInJpegReaders) {
-    const std::string path = TempPath("first_image.jpg");
+    const TempFile pathFile("first_image.jpg");
+    const std::string& path = pathFile.Path();
     for (const Bytes& source : frames_) {
         const Bytes frame = Encode(source);
         const Planes ours = Split(Decode(frame));
@@ -119,7 +136,8 @@ TEST_P(Jpeg, FirstImageOpensInJpegReaders) {
 }
 
 TEST_P(Jpeg, PlayersReadBothFieldsOfAFrame) {
-    const std::string path = TempPath("both_fields.avi");
+    const TempFile pathFile("both_fields.avi");
+    const std::string& path = pathFile.Path();
     interop::AviFile file(kWidth, kHeight);
     std::vector<Planes> ours;
     for (const Bytes& source : frames_) {
@@ -171,8 +189,10 @@ Planes ReadByTool(const std::string& path, bool is420) {
 }
 
 TEST_P(Jpeg, FilesOfOtherProgramsDecodeHere) {
-    const std::string source = TempPath("source.ppm");
-    const std::string path = TempPath("other_program.jpg");
+    const TempFile sourceFile("source.ppm");
+    const std::string& source = sourceFile.Path();
+    const TempFile pathFile("other_program.jpg");
+    const std::string& path = pathFile.Path();
     const std::string clip = GetParam().input;
     (void)interop::OutputOf(PIXMORPH_FFMPEG " -v error -nostdin -y " + clip +
                             " -an -vf scale=720:576 -frames:v 1 -update 1 -pix_fmt rgb24 '" + source + "'");
@@ -204,8 +224,10 @@ TEST_P(Jpeg, FilesOfOtherProgramsDecodeHere) {
 
 // Tables made for the picture, and a sampling that the codec does not have.
 TEST_P(Jpeg, FilesThatAreNotReadAreRefused) {
-    const std::string source = TempPath("refused.ppm");
-    const std::string path = TempPath("refused.jpg");
+    const TempFile sourceFile("refused.ppm");
+    const std::string& source = sourceFile.Path();
+    const TempFile pathFile("refused.jpg");
+    const std::string& path = pathFile.Path();
     (void)interop::OutputOf(PIXMORPH_FFMPEG " -v error -nostdin -y " + GetParam().input +
                             " -an -vf scale=720:576 -frames:v 1 -update 1 -pix_fmt rgb24 '" + source + "'");
     ASSERT_EQ(decoder_->DecSetFormat(kKvmj, kWidth, kHeight), S_OK);
@@ -225,6 +247,6 @@ TEST_P(Jpeg, FilesThatAreNotReadAreRefused) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Clips, Jpeg, testing::ValuesIn(interop::Clips()),
-                         [](const auto& clip) { return std::to_string(clip.index); });
+                         [](const auto& instance) { return instance.param.name; });
 
 }  // namespace

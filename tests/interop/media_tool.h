@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -15,6 +16,8 @@ struct Clip {
     std::uint32_t width;
     std::uint32_t height;
 };
+/// How a test that fails names its clip.
+inline void PrintTo(const Clip& clip, std::ostream* out) { *out << clip.name; }
 
 /// Two clips that the tool draws: moving geometry in strong colours, and a zoom into fine detail.
 std::vector<Clip> DrawnClips();

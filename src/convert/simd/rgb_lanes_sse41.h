@@ -1,8 +1,7 @@
 // Moves of whole lanes and of 12-byte pixel groups, at 16 bytes. What they mean at every width:
 //
 // - dealt: groups of 4 bytes are dealt out to the lanes like cards, group i to lane i mod kVecLanes. After a 4x4
-// transpose
-//   of groups within lanes, register j of four then holds the j-th quarter of the pixels in memory order.
+//   transpose of groups within lanes, register j of four then holds the j-th quarter of the pixels in memory order.
 // - packed: what a lane-wise pack of two registers leaves: half of each lane from either.
 #pragma once
 

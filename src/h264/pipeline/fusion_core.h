@@ -31,8 +31,7 @@ public:
     /// Reads one access unit, or one field, and delivers the frame that is due.
     /// @param source  null to flush
     /// @return        0 with a frame written to the destination, 1 when none is due yet; IMG_E_FAILED for parameter
-    /// sets
-    ///                that are not there and headers out of range; IMG_E_PAST_END when a flush finds nothing left
+    ///                sets that are not there and headers out of range; IMG_E_PAST_END when a flush finds nothing left
     virtual Status Decode(IVideoSample* destination, IMediaSample* source);
     /// Describes the first frame not yet delivered. @return 1 when there is none
     virtual Status GetCurrentFormat(CodedFormat* format);

@@ -5,8 +5,8 @@
 #include <cstdint>
 #include <vector>
 
-#include "deinterlace/field_restorer.h"
 #include "deinterlace/field_restoration.h"
+#include "deinterlace/field_restorer.h"
 #include "support/features.h"
 #include "support/random.h"
 
