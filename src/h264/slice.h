@@ -21,6 +21,7 @@ constexpr unsigned kH264CabacContexts = 460;
 /// The arithmetic decoder between two rows.
 struct H264CabacState {
     const std::uint8_t* next = nullptr;  ///< The next byte to fetch.
+    const std::uint8_t* end = nullptr;   ///< Of the data; ones stand in for what would be fetched behind it.
     std::int32_t bitsLeft = 0;           ///< Before the next fetch.
     std::uint64_t range = 0;             ///< 256 to 510
     std::uint64_t offset = 0;            ///< The standard's nine bits in bits 32 and up, further bits below.
