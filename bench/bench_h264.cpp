@@ -1,0 +1,77 @@
+// Sample primitives of the H.264 decoder, each over the blocks of a frame of 1080 lines.
+#include <algorithm>
+#include <string>
+
+#include "bench.h"
+#include "h264/reconstruction/transforms.h"
+
+namespace pixmorph_bench {
+namespace {
+
+constexpr std::size_t kFrameHeight = 1088;
+constexpr std::size_t kSamples = std::size_t{kWidth} * kFrameHeight;
+constexpr std::ptrdiff_t kStride = kWidth;
+constexpr int kMargin = 32;  ///< Left out around the frame, so that kernels find neighbours.
+
+template <class Sample>
+constexpr std::uint32_t kDepth = sizeof(Sample) == 1 ? 8 : 10;
+
+// Adds every form of a slot: `call(form, samples, other)` is made for each block of the frame, and reads what it likes
+// of a second frame at the same place.
+template <class Sample, class Slot, class Call>
+void AddBlocks(const Slot& slot, int width, int height, Call call) {
+    const std::string name =
+        slot.Index() < 0 ? std::string(slot.Name()) : std::string(slot.Name()) + "_" + std::to_string(slot.Index());
+    ForEachRunnableRow(slot, [&](std::size_t row) {
+        auto* const form = slot.Row(row).function;
+        Add({name, VariantLabel(slot, row), double{kSamples}, kSamples * sizeof(Sample) * 2.0,
+             [form, width, height, call](Regime regime, std::size_t i) {
+                 const std::size_t size = kSamples * sizeof(Sample);
+                 auto* const frame = reinterpret_cast<Sample*>(Slice(Arena::Destination, regime, size, i));
+                 auto* const other = reinterpret_cast<Sample*>(Slice(Arena::Destination2, regime, size, i));
+                 if constexpr (sizeof(Sample) == 2) {
+                     // The arenas hold what other rows left there: bring it within the depth.
+                     static const Sample* prepared = nullptr;
+                     if (prepared != frame) {
+                         for (std::size_t at = 0; at < kSamples; ++at) frame[at] &= 1023, other[at] &= 1023;
+                         prepared = frame;
+                     }
+                 }
+                 for (int y = kMargin; y + height <= static_cast<int>(kFrameHeight) - kMargin; y += height)
+                     for (int x = kMargin; x + width <= static_cast<int>(kWidth) - kMargin; x += width)
+                         call(form, frame + y * kStride + x, other + y * kStride + x);
+             },
+             true});
+    });
+}
+
+template <class Sample>
+void AddTransforms() {
+    using Slots = km::TH264Transforms<Sample>;
+    using Coefficient = typename km::TH264SampleType<Sample>::Coefficient;
+    const auto add = [](auto* form, Sample* samples, Sample*) {
+        alignas(64) static constexpr Coefficient kCoefficients[64] = {300, -70, 20, 0, 50, 0, 0, 0, -40, 10};
+        form(samples, kStride, kCoefficients, kDepth<Sample>);
+    };
+    AddBlocks<Sample>(Slots::kAdd4x4, 4, 4, add);
+    AddBlocks<Sample>(Slots::kAdd8x8, 8, 8, add);
+    AddBlocks<Sample>(Slots::kAdd4x4Dc, 4, 4, add);
+    AddBlocks<Sample>(Slots::kAdd8x8Dc, 8, 8, add);
+    const auto dc = [](auto* form, Sample*, Sample*) {
+        Coefficient coefficients[16] = {300, -70, 20, 0, 50, 0, 0, 0, -40, 10};
+        form(coefficients, 160, 28);
+    };
+    AddBlocks<Sample>(Slots::kLumaDc, 16, 16, dc);
+    AddBlocks<Sample>(Slots::kChromaDc2x2, 8, 8, dc);
+    AddBlocks<Sample>(Slots::kChromaDc2x4, 8, 16, dc);
+}
+
+struct AddAll {
+    AddAll() {
+        AddTransforms<std::uint8_t>();
+        AddTransforms<std::uint16_t>();
+    }
+} const kAll;
+
+}  // namespace
+}  // namespace pixmorph_bench
