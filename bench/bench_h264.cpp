@@ -3,6 +3,7 @@
 #include <string>
 
 #include "bench.h"
+#include "h264/reconstruction/inter_prediction.h"
 #include "h264/reconstruction/transforms.h"
 
 namespace pixmorph_bench {
@@ -66,10 +67,41 @@ void AddTransforms() {
     AddBlocks<Sample>(Slots::kChromaDc2x4, 8, 16, dc);
 }
 
+template <class Sample>
+void AddInterPrediction() {
+    using Slots = km::TH264InterKernels<Sample>;
+    static constexpr km::H264Weights kWeights = {5, {40, 24}, 3};
+    for (const int width : {4, 8, 16})
+        for (int fraction = 0; fraction < 16; ++fraction)
+            AddBlocks<Sample>(Slots::kLuma[km::H264LumaIndex(width, fraction % 4, fraction / 4)], width, width,
+                              [width](auto* form, Sample* samples, Sample* other) {
+                                  form(samples, kStride, other, kStride, width, kDepth<Sample>);
+                              });
+    for (const int width : {2, 4, 8})
+        AddBlocks<Sample>(Slots::kChroma[km::H264WidthIndex(width)], width, width,
+                          [width](auto* form, Sample* samples, Sample* other) {
+                              form(samples, kStride, other, kStride, width, 3, 5);
+                          });
+    for (const int width : {2, 4, 8, 16}) {
+        AddBlocks<Sample>(
+            Slots::kAverage[km::H264WidthIndex(width)], width, width,
+            [width](auto* form, Sample* samples, Sample* other) { form(samples, kStride, other, kStride, width); });
+        AddBlocks<Sample>(
+            Slots::kWeight[km::H264WidthIndex(width)], width, width,
+            [width](auto* form, Sample* samples, Sample*) { form(samples, kStride, width, kWeights, kDepth<Sample>); });
+        AddBlocks<Sample>(Slots::kWeightBoth[km::H264WidthIndex(width)], width, width,
+                          [width](auto* form, Sample* samples, Sample* other) {
+                              form(samples, kStride, other, kStride, width, kWeights, kDepth<Sample>);
+                          });
+    }
+}
+
 struct AddAll {
     AddAll() {
         AddTransforms<std::uint8_t>();
         AddTransforms<std::uint16_t>();
+        AddInterPrediction<std::uint8_t>();
+        AddInterPrediction<std::uint16_t>();
     }
 } const kAll;
 

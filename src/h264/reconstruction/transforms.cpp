@@ -60,8 +60,7 @@ void AddResidual(Sample* samples, std::ptrdiff_t stride, const Coefficient* coef
     for (std::size_t x = 0; x < kSize; ++x) kTransform(block + x, kSize);
     for (std::size_t y = 0; y < kSize; ++y, samples += stride)
         for (std::size_t x = 0; x < kSize; ++x)
-            samples[x] =
-                ClipH264Sample<Sample>(samples[x] + ((block[y * kSize + x] + Word(32)) >> 6).value, maxSample);
+            samples[x] = ClipH264Sample<Sample>(samples[x] + ((block[y * kSize + x] + Word(32)) >> 6).value, maxSample);
 }
 
 template <std::size_t kSize, class Sample, class Coefficient>
@@ -72,8 +71,7 @@ void AddDc(Sample* samples, std::ptrdiff_t stride, const Coefficient* coefficien
     dc.value = *coefficients;
     const int residual = ((dc + Word(32)) >> 6).value;
     for (std::size_t y = 0; y < kSize; ++y, samples += stride)
-        for (std::size_t x = 0; x < kSize; ++x)
-            samples[x] = ClipH264Sample<Sample>(samples[x] + residual, maxSample);
+        for (std::size_t x = 0; x < kSize; ++x) samples[x] = ClipH264Sample<Sample>(samples[x] + residual, maxSample);
 }
 
 using Wide = TWrapping<std::int32_t>;
@@ -106,8 +104,7 @@ void LumaDc(Coefficient* coefficients, int levelScale, int qp) {
     for (int i = 0; i < 16; ++i) block[i].value = coefficients[i];
     for (int i = 0; i < 4; ++i) Hadamard4(block + 4 * i, 1);
     for (int i = 0; i < 4; ++i) Hadamard4(block + i, 4);
-    for (int i = 0; i < 16; ++i)
-        coefficients[i] = static_cast<Coefficient>(ScaleDc(block[i], levelScale, qp).value);
+    for (int i = 0; i < 16; ++i) coefficients[i] = static_cast<Coefficient>(ScaleDc(block[i], levelScale, qp).value);
 }
 
 template <class Coefficient>
@@ -128,8 +125,7 @@ void ChromaDc2x4(Coefficient* coefficients, int levelScale, int qp) {
     for (int i = 0; i < 8; ++i) block[i].value = coefficients[i];
     for (int i = 0; i < 4; ++i) Hadamard2(block + 2 * i, 1);
     for (int i = 0; i < 2; ++i) Hadamard4(block + i, 2);
-    for (int i = 0; i < 8; ++i)
-        coefficients[i] = static_cast<Coefficient>(ScaleDc(block[i], levelScale, qp).value);
+    for (int i = 0; i < 8; ++i) coefficients[i] = static_cast<Coefficient>(ScaleDc(block[i], levelScale, qp).value);
 }
 
 }  // namespace
@@ -186,31 +182,31 @@ void plain::H264ChromaDc2x4Words(std::int32_t* coefficients, int levelScale, int
     ChromaDc2x4(coefficients, levelScale, qp);
 }
 
-PIXMORPH_SLOT(DispatchSlot<H264AddResidualBytes>, H264Add4x4Bytes,
-              plain::H264Add4x4Bytes, simd_sse41::H264Add4x4Bytes, nullptr, nullptr);
-PIXMORPH_SLOT(DispatchSlot<H264AddResidualBytes>, H264Add8x8Bytes,
-              plain::H264Add8x8Bytes, simd_sse41::H264Add8x8Bytes, nullptr, nullptr);
-PIXMORPH_SLOT(DispatchSlot<H264AddResidualBytes>, H264Add4x4DcBytes,
-              plain::H264Add4x4DcBytes, nullptr, nullptr, nullptr);
-PIXMORPH_SLOT(DispatchSlot<H264AddResidualBytes>, H264Add8x8DcBytes,
-              plain::H264Add8x8DcBytes, nullptr, nullptr, nullptr);
-PIXMORPH_SLOT(DispatchSlot<H264AddResidualWords>, H264Add4x4Words,
-              plain::H264Add4x4Words, simd_sse41::H264Add4x4Words, nullptr, nullptr);
-PIXMORPH_SLOT(DispatchSlot<H264AddResidualWords>, H264Add8x8Words,
-              plain::H264Add8x8Words, simd_sse41::H264Add8x8Words, nullptr, nullptr);
-PIXMORPH_SLOT(DispatchSlot<H264AddResidualWords>, H264Add4x4DcWords,
-              plain::H264Add4x4DcWords, nullptr, nullptr, nullptr);
-PIXMORPH_SLOT(DispatchSlot<H264AddResidualWords>, H264Add8x8DcWords,
-              plain::H264Add8x8DcWords, nullptr, nullptr, nullptr);
+PIXMORPH_SLOT(DispatchSlot<H264AddResidualBytes>, H264Add4x4Bytes, plain::H264Add4x4Bytes, simd_sse41::H264Add4x4Bytes,
+              nullptr, nullptr);
+PIXMORPH_SLOT(DispatchSlot<H264AddResidualBytes>, H264Add8x8Bytes, plain::H264Add8x8Bytes, simd_sse41::H264Add8x8Bytes,
+              nullptr, nullptr);
+PIXMORPH_SLOT(DispatchSlot<H264AddResidualBytes>, H264Add4x4DcBytes, plain::H264Add4x4DcBytes, nullptr, nullptr,
+              nullptr);
+PIXMORPH_SLOT(DispatchSlot<H264AddResidualBytes>, H264Add8x8DcBytes, plain::H264Add8x8DcBytes, nullptr, nullptr,
+              nullptr);
+PIXMORPH_SLOT(DispatchSlot<H264AddResidualWords>, H264Add4x4Words, plain::H264Add4x4Words, simd_sse41::H264Add4x4Words,
+              nullptr, nullptr);
+PIXMORPH_SLOT(DispatchSlot<H264AddResidualWords>, H264Add8x8Words, plain::H264Add8x8Words, simd_sse41::H264Add8x8Words,
+              nullptr, nullptr);
+PIXMORPH_SLOT(DispatchSlot<H264AddResidualWords>, H264Add4x4DcWords, plain::H264Add4x4DcWords, nullptr, nullptr,
+              nullptr);
+PIXMORPH_SLOT(DispatchSlot<H264AddResidualWords>, H264Add8x8DcWords, plain::H264Add8x8DcWords, nullptr, nullptr,
+              nullptr);
 PIXMORPH_SLOT(DispatchSlot<H264TransformDcBytes>, H264LumaDcBytes, plain::H264LumaDcBytes, nullptr, nullptr, nullptr);
-PIXMORPH_SLOT(DispatchSlot<H264TransformDcBytes>, H264ChromaDc2x2Bytes,
-              plain::H264ChromaDc2x2Bytes, nullptr, nullptr, nullptr);
-PIXMORPH_SLOT(DispatchSlot<H264TransformDcBytes>, H264ChromaDc2x4Bytes,
-              plain::H264ChromaDc2x4Bytes, nullptr, nullptr, nullptr);
+PIXMORPH_SLOT(DispatchSlot<H264TransformDcBytes>, H264ChromaDc2x2Bytes, plain::H264ChromaDc2x2Bytes, nullptr, nullptr,
+              nullptr);
+PIXMORPH_SLOT(DispatchSlot<H264TransformDcBytes>, H264ChromaDc2x4Bytes, plain::H264ChromaDc2x4Bytes, nullptr, nullptr,
+              nullptr);
 PIXMORPH_SLOT(DispatchSlot<H264TransformDcWords>, H264LumaDcWords, plain::H264LumaDcWords, nullptr, nullptr, nullptr);
-PIXMORPH_SLOT(DispatchSlot<H264TransformDcWords>, H264ChromaDc2x2Words,
-              plain::H264ChromaDc2x2Words, nullptr, nullptr, nullptr);
-PIXMORPH_SLOT(DispatchSlot<H264TransformDcWords>, H264ChromaDc2x4Words,
-              plain::H264ChromaDc2x4Words, nullptr, nullptr, nullptr);
+PIXMORPH_SLOT(DispatchSlot<H264TransformDcWords>, H264ChromaDc2x2Words, plain::H264ChromaDc2x2Words, nullptr, nullptr,
+              nullptr);
+PIXMORPH_SLOT(DispatchSlot<H264TransformDcWords>, H264ChromaDc2x4Words, plain::H264ChromaDc2x4Words, nullptr, nullptr,
+              nullptr);
 
 }  // namespace KorvaneSoftware
