@@ -4,6 +4,7 @@
 
 #include "bench.h"
 #include "h264/reconstruction/inter_prediction.h"
+#include "h264/reconstruction/intra_prediction.h"
 #include "h264/reconstruction/transforms.h"
 
 namespace pixmorph_bench {
@@ -46,6 +47,8 @@ void AddBlocks(const Slot& slot, int width, int height, Call call) {
     });
 }
 
+constexpr km::H264Weights kWeights = {5, {40, 24}, 3};
+
 template <class Sample>
 void AddTransforms() {
     using Slots = km::TH264Transforms<Sample>;
@@ -70,7 +73,6 @@ void AddTransforms() {
 template <class Sample>
 void AddInterPrediction() {
     using Slots = km::TH264InterKernels<Sample>;
-    static constexpr km::H264Weights kWeights = {5, {40, 24}, 3};
     for (const int width : {4, 8, 16})
         for (int fraction = 0; fraction < 16; ++fraction)
             AddBlocks<Sample>(Slots::kLuma[km::H264LumaIndex(width, fraction % 4, fraction / 4)], width, width,
@@ -96,12 +98,29 @@ void AddInterPrediction() {
     }
 }
 
+template <class Sample>
+void AddIntraPrediction() {
+    using Slots = km::TH264IntraKernels<Sample>;
+    const auto addTable = [](const auto& table, int width, int height) {
+        for (std::size_t mode = 0; mode < table.Size(); ++mode)
+            AddBlocks<Sample>(table[mode], width, height,
+                              [](auto* form, Sample* samples, Sample*) { form(samples, kStride, 31, kDepth<Sample>); });
+    };
+    addTable(Slots::k4x4, 4, 4);
+    addTable(Slots::k8x8, 8, 8);
+    addTable(Slots::k16x16, 16, 16);
+    addTable(Slots::kChroma8x8, 8, 8);
+    addTable(Slots::kChroma8x16, 8, 16);
+}
+
 struct AddAll {
     AddAll() {
         AddTransforms<std::uint8_t>();
         AddTransforms<std::uint16_t>();
         AddInterPrediction<std::uint8_t>();
         AddInterPrediction<std::uint16_t>();
+        AddIntraPrediction<std::uint8_t>();
+        AddIntraPrediction<std::uint16_t>();
     }
 } const kAll;
 
