@@ -31,6 +31,9 @@ static inline Vec Repeat128(const void* p) {
 static inline Vec LoadWiden8(const void* p) {
     return {_mm256_cvtepu8_epi16(_mm_loadu_si128(static_cast<const __m128i*>(p)))};
 }
+static inline Vec LoadWiden16(const void* p) {
+    return {_mm256_cvtepu16_epi32(_mm_loadu_si128(static_cast<const __m128i*>(p)))};
+}
 static inline Vec LoadHalf(const void* p) {
     return {_mm256_castsi128_si256(_mm_loadu_si128(static_cast<const __m128i*>(p)))};
 }

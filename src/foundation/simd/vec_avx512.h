@@ -40,6 +40,9 @@ static inline Vec Repeat128(const void* p) {
 static inline Vec LoadWiden8(const void* p) {
     return {_mm512_cvtepu8_epi16(_mm256_loadu_si256(static_cast<const __m256i*>(p)))};
 }
+static inline Vec LoadWiden16(const void* p) {
+    return {_mm512_cvtepu16_epi32(_mm256_loadu_si256(static_cast<const __m256i*>(p)))};
+}
 static inline Vec LoadHalf(const void* p) {
     return {_mm512_castsi256_si512(_mm256_loadu_si256(static_cast<const __m256i*>(p)))};
 }

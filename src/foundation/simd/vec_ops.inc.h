@@ -79,6 +79,9 @@ static inline Vec AlignRight(Vec high, Vec low) {
 static inline Vec ShiftRight16uBy(Vec a, int count) {
     return {PIXMORPH_VEC_OP(srl_epi16)(a.v, _mm_cvtsi32_si128(count))};
 }
+static inline Vec ShiftRight32sBy(Vec a, int count) {
+    return {PIXMORPH_VEC_OP(sra_epi32)(a.v, _mm_cvtsi32_si128(count))};
+}
 
 #undef PIXMORPH_VEC_OP
 #undef PIXMORPH_VEC_BITOP

@@ -31,6 +31,10 @@ static inline Vec Repeat128(const void* p) { return {_mm_loadu_si128(static_cast
 static inline Vec LoadWiden8(const void* p) {
     return {_mm_cvtepu8_epi16(_mm_loadl_epi64(static_cast<const __m128i*>(p)))};
 }
+// Words widened to 32 bits: kVecBytes / 2 bytes are read.
+static inline Vec LoadWiden16(const void* p) {
+    return {_mm_cvtepu16_epi32(_mm_loadl_epi64(static_cast<const __m128i*>(p)))};
+}
 // Half a register, kVecBytes / 2 bytes.
 static inline Vec LoadHalf(const void* p) { return {_mm_loadl_epi64(static_cast<const __m128i*>(p))}; }
 static inline void StoreHalf(void* p, Vec a) { _mm_storel_epi64(static_cast<__m128i*>(p), a.v); }

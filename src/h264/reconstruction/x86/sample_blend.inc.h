@@ -1,0 +1,126 @@
+// Chroma interpolation, averages and weights over the registers of the including file.
+#include "h264/reconstruction/x86/inter_forms.h"
+
+namespace KorvaneSoftware {
+namespace PIXMORPH_SIMD {
+namespace {
+
+#include "h264/reconstruction/x86/inter_lanes.inc.h"
+
+template <class Lanes, int kWidth>
+constexpr int kStep = kWidth < Lanes::kSamples ? kWidth : Lanes::kSamples;
+
+template <class Lanes, int kWidth>
+void InterpolateChroma(typename Lanes::Sample* dst, std::ptrdiff_t dstStride, const typename Lanes::Sample* src,
+                       std::ptrdiff_t srcStride, int height, int xFraction, int yFraction) {
+    constexpr int kCount = kStep<Lanes, kWidth>;
+    const int right = xFraction != 0 ? 1 : 0;
+    const std::ptrdiff_t below = yFraction != 0 ? srcStride : 0;
+    const Vec leftWeight = Lanes::Set(8 - xFraction), rightWeight = Lanes::Set(xFraction);
+    const Vec upperWeight = Lanes::Set(8 - yFraction), lowerWeight = Lanes::Set(yFraction);
+    const Vec round = Lanes::Set(32);
+    const auto mix = [](Vec a, Vec aWeight, Vec b, Vec bWeight) {
+        return Lanes::Add(Lanes::Multiply(a, aWeight), Lanes::Multiply(b, bWeight));
+    };
+    for (int x = 0; x < kWidth; x += kCount) {
+        const typename Lanes::Sample* p = src + x;
+        const auto row = [&](const typename Lanes::Sample* q) {
+            return mix(Lanes::template LoadSamples<kCount>(q), leftWeight,
+                       Lanes::template LoadSamples<kCount>(q + right), rightWeight);
+        };
+        Vec upper = row(p);
+        typename Lanes::Sample* out = dst + x;
+        for (int y = 0; y < height; ++y, out += dstStride, p += srcStride) {
+            const Vec lower = below != 0 ? row(p + below) : upper;
+            const Vec sum = Lanes::Add(mix(upper, upperWeight, lower, lowerWeight), round);
+            Lanes::template StoreSamples<kCount>(out, Lanes::template ShiftRight<6>(sum));
+            upper = below != 0 || y + 1 == height ? lower : row(p + srcStride);
+        }
+    }
+}
+
+template <class Lanes, int kWidth>
+void Average(typename Lanes::Sample* dst, std::ptrdiff_t dstStride, const typename Lanes::Sample* other,
+             std::ptrdiff_t otherStride, int height) {
+    constexpr int kCount = kStep<Lanes, kWidth>;
+    for (int y = 0; y < height; ++y, dst += dstStride, other += otherStride) {
+        for (int x = 0; x < kWidth; x += kCount) {
+            // The upper halves of the lanes are nothing.
+            const Vec mean =
+                Avg16(Lanes::template LoadSamples<kCount>(dst + x), Lanes::template LoadSamples<kCount>(other + x));
+            Lanes::template StoreSamples<kCount>(dst + x, mean);
+        }
+    }
+}
+
+// Weighted sums of two predictions' lanes; `weights` holds both in each 32 bits.
+struct WeightedSum {
+    Vec weights, round;
+    int shift;
+
+    WeightedSum(int first, int second, int roundBy, int shiftBy)
+        : weights(
+              Set32(static_cast<int>((static_cast<unsigned>(first) & 0xFFFF) | static_cast<unsigned>(second) << 16))),
+          round(Set32(roundBy)),
+          shift(shiftBy) {}
+    Vec Scaled(Vec pairs) const { return ShiftRight32sBy(Add32(MulAddPairs16(pairs, weights), round), shift); }
+    Vec Of(ByteLanes, Vec a, Vec b, Vec offset) const {
+        return Add16(Pack32To16s(Scaled(UnpackLow16(a, b)), Scaled(UnpackHigh16(a, b))), offset);
+    }
+    Vec Of(WordLanes, Vec a, Vec b, Vec offset) const { return Add32(Scaled(Or(a, ShiftLeft32<16>(b))), offset); }
+};
+
+template <class Lanes, int kWidth>
+void WeightBoth(typename Lanes::Sample* dst, std::ptrdiff_t dstStride, const typename Lanes::Sample* other,
+                std::ptrdiff_t otherStride, int height, const H264Weights& weights, int maxSample) {
+    constexpr int kCount = kStep<Lanes, kWidth>;
+    const WeightedSum sum(weights.weights[0], weights.weights[1], 1 << weights.logDenominator,
+                          weights.logDenominator + 1);
+    const Vec offset = Lanes::Set(weights.offset), top = Lanes::Set(maxSample);
+    for (int y = 0; y < height; ++y, dst += dstStride, other += otherStride) {
+        for (int x = 0; x < kWidth; x += kCount) {
+            const Vec value = sum.Of(Lanes(), Lanes::template LoadSamples<kCount>(dst + x),
+                                     Lanes::template LoadSamples<kCount>(other + x), offset);
+            Lanes::template StoreSamples<kCount>(dst + x, Lanes::Clip(value, top));
+        }
+    }
+}
+
+template <class Lanes, int kWidth>
+void Weight(typename Lanes::Sample* dst, std::ptrdiff_t dstStride, int height, const H264Weights& weights,
+            int maxSample) {
+    constexpr int kCount = kStep<Lanes, kWidth>;
+    const WeightedSum sum(weights.weights[0], 0, (1 << weights.logDenominator) >> 1, weights.logDenominator);
+    const Vec offset = Lanes::Set(weights.offset), top = Lanes::Set(maxSample);
+    for (int y = 0; y < height; ++y, dst += dstStride) {
+        for (int x = 0; x < kWidth; x += kCount) {
+            const Vec value = sum.Of(Lanes(), Lanes::template LoadSamples<kCount>(dst + x), Zero(), offset);
+            Lanes::template StoreSamples<kCount>(dst + x, Lanes::Clip(value, top));
+        }
+    }
+}
+
+}  // namespace
+}  // namespace PIXMORPH_SIMD
+
+#define PIXMORPH_H264_DEFINE_CHROMA(Kind, Lanes, Sample, width)                                                       \
+    void PIXMORPH_SIMD::H264Chroma##width##Kind(Sample* dst, std::ptrdiff_t dstStride, const Sample* src,             \
+                                                std::ptrdiff_t srcStride, int height, int xFraction, int yFraction) { \
+        InterpolateChroma<Lanes, width>(dst, dstStride, src, srcStride, height, xFraction, yFraction);                \
+    }
+#define PIXMORPH_H264_DEFINE_BLEND(Kind, Lanes, Sample, width)                                                  \
+    void PIXMORPH_SIMD::H264Average##width##Kind(Sample* dst, std::ptrdiff_t dstStride, const Sample* other,    \
+                                                 std::ptrdiff_t otherStride, int height) {                      \
+        Average<Lanes, width>(dst, dstStride, other, otherStride, height);                                      \
+    }                                                                                                           \
+    void PIXMORPH_SIMD::H264Weight##width##Kind(Sample* dst, std::ptrdiff_t dstStride, int height,              \
+                                                const H264Weights& weights, std::uint32_t bitDepth) {           \
+        Weight<Lanes, width>(dst, dstStride, height, weights, (1 << bitDepth) - 1);                             \
+    }                                                                                                           \
+    void PIXMORPH_SIMD::H264WeightBoth##width##Kind(Sample* dst, std::ptrdiff_t dstStride, const Sample* other, \
+                                                    std::ptrdiff_t otherStride, int height,                     \
+                                                    const H264Weights& weights, std::uint32_t bitDepth) {       \
+        WeightBoth<Lanes, width>(dst, dstStride, other, otherStride, height, weights, (1 << bitDepth) - 1);     \
+    }
+
+}  // namespace KorvaneSoftware
