@@ -32,24 +32,29 @@ inline constexpr std::uint8_t kNextLps[64] = {0,  0,  1,  2,  2,  4,  4,  5,  6,
                                               24, 25, 26, 26, 27, 27, 28, 29, 29, 30, 30, 30, 31, 32, 32, 33,
                                               33, 33, 34, 34, 35, 35, 35, 36, 36, 36, 37, 37, 37, 38, 38, 63};
 
-/// The byte that follows a context byte: from 0 behind the more probable symbol, from 128 behind the other.
-struct Transitions {
+/// Both tables as the decoder wants them.
+struct States {
+    std::uint32_t rangesLps[64];  ///< By pStateIdx: a byte for each quarter of the range, the lowest first.
+    /// The byte that follows a context byte: from 0 behind the more probable symbol, from 128 behind the other.
     std::uint8_t next[256];
 };
 
-constexpr Transitions MakeTransitions() {
-    Transitions made = {};
-    for (unsigned byte = 0; byte < 128; ++byte) {
-        const unsigned state = byte / 2;
-        const unsigned mps = byte % 2;
+constexpr States MakeStates() {
+    States made = {};
+    for (unsigned state = 0; state < 64; ++state) {
+        for (unsigned quarter = 4; quarter-- > 0;)
+            made.rangesLps[state] = made.rangesLps[state] << 8 | kRangeLps[quarter][state];
         const unsigned up = state < 62 ? state + 1 : state;
-        made.next[byte] = static_cast<std::uint8_t>(up * 2 + mps);
-        made.next[128 + byte] = static_cast<std::uint8_t>(kNextLps[state] * 2u + (state == 0 ? 1 - mps : mps));
+        for (unsigned mps = 0; mps < 2; ++mps) {
+            const unsigned byte = state * 2 + mps;
+            made.next[byte] = static_cast<std::uint8_t>(up * 2 + mps);
+            made.next[128 + byte] = static_cast<std::uint8_t>(kNextLps[state] * 2u + (state == 0 ? 1 - mps : mps));
+        }
     }
     return made;
 }
 
-inline constexpr Transitions kTransitions = MakeTransitions();
+inline constexpr States kStates = MakeStates();
 
 }  // namespace cabac
 
@@ -90,14 +95,16 @@ public:
     /// A bin with a context below kH264CabacContexts.
     unsigned Bin(unsigned context) {
         const unsigned byte = contexts_[context];
-        const std::uint64_t rangeLps = cabac::kRangeLps[(range_ >> 6) & 3][byte >> 1];
+        // The four ranges of a state come in one word, so that only a shift waits for the range of the bin before.
+        const std::uint64_t rangeLps = cabac::kStates.rangesLps[byte >> 1] >> (range_ >> 3 & 24) & 255;
         range_ -= rangeLps;
         const std::uint64_t scaled = range_ << 32;
         const std::uint64_t lps = 0 - static_cast<std::uint64_t>(offset_ >= scaled);
         offset_ -= scaled & lps;
         range_ += (rangeLps - range_) & lps;
-        contexts_[context] = cabac::kTransitions.next[byte + (lps & 128)];
-        const unsigned shift = static_cast<unsigned>(std::countl_zero(static_cast<std::uint32_t>(range_))) - 23;
+        contexts_[context] = cabac::kStates.next[byte + (lps & 128)];
+        // The lowest bit changes no count; it spares the instructions for 0.
+        const unsigned shift = static_cast<unsigned>(std::countl_zero(static_cast<std::uint32_t>(range_) | 1)) - 23;
         range_ <<= shift;
         Advance(shift);
         return (byte ^ static_cast<unsigned>(lps)) & 1;
