@@ -16,6 +16,7 @@ void StartCabac(H264CabacState& state, H264BitReader reader, unsigned set, std::
 void ConcealCabac(H264CabacState& state, unsigned firstSkipContext) {
     state.range = 510;
     state.offset = std::uint64_t{258} << 32;
+    state.bitsLeft = 32;  // Nothing is fetched, also for a slice that was never started.
     for (unsigned i = 0; i < 3; ++i) state.contexts[firstSkipContext + i] = 0x7F;
 }
 

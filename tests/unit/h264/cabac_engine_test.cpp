@@ -258,6 +258,8 @@ TEST(H264CabacEngine, ConcealedStatesSkip) {
             H264CabacReader bins(state);
             ASSERT_EQ(bins.Bin(first + i % 3), 1u);
             ASSERT_FALSE(bins.Terminate());
+            bins.Store(state);
+            ASSERT_EQ(state.next, nullptr) << "something was fetched";
         }
     }
 }
