@@ -8,9 +8,10 @@
 #define PIXMORPH_H264_FRACTIONS(X, ...)                                                                          \
     X(0, 0, __VA_ARGS__)                                                                                         \
     X(1, 0, __VA_ARGS__)                                                                                         \
-    X(2, 0, __VA_ARGS__) X(3, 0, __VA_ARGS__) X(0, 1, __VA_ARGS__) X(1, 1, __VA_ARGS__) X(2, 1, __VA_ARGS__)     \
-        X(3, 1, __VA_ARGS__) X(0, 2, __VA_ARGS__) X(1, 2, __VA_ARGS__) X(2, 2, __VA_ARGS__) X(3, 2, __VA_ARGS__) \
-            X(0, 3, __VA_ARGS__) X(1, 3, __VA_ARGS__) X(2, 3, __VA_ARGS__) X(3, 3, __VA_ARGS__)
+    X(2, 0, __VA_ARGS__)                                                                                         \
+    X(3, 0, __VA_ARGS__) X(0, 1, __VA_ARGS__) X(1, 1, __VA_ARGS__) X(2, 1, __VA_ARGS__) X(3, 1, __VA_ARGS__)     \
+        X(0, 2, __VA_ARGS__) X(1, 2, __VA_ARGS__) X(2, 2, __VA_ARGS__) X(3, 2, __VA_ARGS__) X(0, 3, __VA_ARGS__) \
+            X(1, 3, __VA_ARGS__) X(2, 3, __VA_ARGS__) X(3, 3, __VA_ARGS__)
 
 namespace KorvaneSoftware {
 
