@@ -133,6 +133,7 @@ struct Vertical {
         Vec v[8];
         for (int i = 0; i < 8; ++i) v[i] = LoadEight(samples + i * stride - 4);
         Transpose(v);
+        if (AllZero(FilteredLines(v, t, tc0))) return;
         Filter::Run(v, t, tc0);
         Transpose(v);
         for (int i = 0; i < 8; ++i) StoreEight(samples + i * stride - 4, v[i]);
