@@ -3,6 +3,7 @@
 #include <string>
 
 #include "bench.h"
+#include "h264/deblocking/edge_filters.h"
 #include "h264/reconstruction/inter_prediction.h"
 #include "h264/reconstruction/intra_prediction.h"
 #include "h264/reconstruction/transforms.h"
@@ -113,6 +114,26 @@ void AddIntraPrediction() {
     addTable(Slots::kChroma8x16, 8, 16);
 }
 
+// Thresholds of a middling QP. The frame's content settles after the first runs, the same for every form.
+template <class Sample>
+void AddEdgeFilters() {
+    using Slots = km::TH264EdgeFilters<Sample>;
+    const auto addSlot = [](const auto& slot, int segment) {
+        AddBlocks<Sample>(slot, 4 * segment, 4 * segment, [segment](auto* form, Sample* samples, Sample*) {
+            static constexpr int kScale = 1 << (kDepth<Sample> - 8);
+            form(samples, kStride, {40 * kScale, 10 * kScale, {2, 3, 2, 3}}, segment, kDepth<Sample>);
+        });
+    };
+    addSlot(Slots::kLumaVerticalWeak, 4);
+    addSlot(Slots::kLumaVerticalStrong, 4);
+    addSlot(Slots::kLumaHorizontalWeak, 4);
+    addSlot(Slots::kLumaHorizontalStrong, 4);
+    addSlot(Slots::kChromaVerticalWeak, 2);
+    addSlot(Slots::kChromaVerticalStrong, 2);
+    addSlot(Slots::kChromaHorizontalWeak, 2);
+    addSlot(Slots::kChromaHorizontalStrong, 2);
+}
+
 struct AddAll {
     AddAll() {
         AddTransforms<std::uint8_t>();
@@ -121,6 +142,8 @@ struct AddAll {
         AddInterPrediction<std::uint16_t>();
         AddIntraPrediction<std::uint8_t>();
         AddIntraPrediction<std::uint16_t>();
+        AddEdgeFilters<std::uint8_t>();
+        AddEdgeFilters<std::uint16_t>();
     }
 } const kAll;
 

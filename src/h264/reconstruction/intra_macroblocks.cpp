@@ -5,6 +5,8 @@
 namespace KorvaneSoftware {
 namespace {
 
+#include "h264/reconstruction/plane_slope.inc.h"
+
 bool HasTop(std::uint32_t neighbours) { return (neighbours & NEIGHBOUR_TOP) != 0; }
 bool HasLeft(std::uint32_t neighbours) { return (neighbours & NEIGHBOUR_LEFT) == NEIGHBOUR_LEFT; }
 
@@ -74,26 +76,15 @@ void PredictHorizontal(Sample* samples, std::ptrdiff_t stride, std::uint32_t nei
     for (int y = 0; y < kHeight; ++y, samples += stride) SetBlock<kWidth, 1>(samples, stride, samples[-1]);
 }
 
-// Slope of a row or column of neighbours, in 32nds of a step. `at(-1)` is the corner.
-template <int kLength, class At>
-int Slope(At at) {
-    int sum = 0;
-    for (int i = 1; i <= kLength / 2; ++i) sum += i * (at(kLength / 2 - 1 + i) - at(kLength / 2 - 1 - i));
-    return ((kLength == 16 ? 5 : 34) * sum + 32) >> 6;
-}
-
 template <int kWidth, int kHeight, class Sample>
 void PredictPlane(Sample* samples, std::ptrdiff_t stride, std::uint32_t neighbours, std::uint32_t bitDepth) {
     if (!HasTop(neighbours) || !HasLeft(neighbours) || (neighbours & NEIGHBOUR_TOP_LEFT) == 0)
         return PredictDc<kWidth, kHeight>(samples, stride, neighbours, bitDepth);
     const int maxSample = TH264SampleType<Sample>::MaxSample(bitDepth);
-    const auto above = [&](int x) { return int{samples[x - stride]}; };
-    const auto left = [&](int y) { return int{samples[y * stride - 1]}; };
-    const int across = Slope<kWidth>(above), down = Slope<kHeight>(left);
-    int rowStart =
-        16 * (left(kHeight - 1) + above(kWidth - 1)) - across * (kWidth / 2 - 1) - down * (kHeight / 2 - 1) + 16;
-    for (int y = 0; y < kHeight; ++y, samples += stride, rowStart += down)
-        for (int x = 0; x < kWidth; ++x) samples[x] = ClipH264Sample<Sample>((rowStart + across * x) >> 5, maxSample);
+    const Plane plane = PlaneOf<kWidth, kHeight>(samples, stride);
+    for (int y = 0; y < kHeight; ++y, samples += stride)
+        for (int x = 0; x < kWidth; ++x)
+            samples[x] = ClipH264Sample<Sample>((plane.origin + plane.across * x + plane.down * y) >> 5, maxSample);
 }
 
 }  // namespace
@@ -111,19 +102,28 @@ PIXMORPH_H264_CHROMA_MODES(PIXMORPH_H264_DEFINE, Chroma8x16, 8, 16, Bytes, std::
 PIXMORPH_H264_CHROMA_MODES(PIXMORPH_H264_DEFINE, Chroma8x16, 8, 16, Words, std::uint16_t)
 #undef PIXMORPH_H264_DEFINE
 
-#define PIXMORPH_H264_ROW(mode, size, Kind) {plain::H264Intra##size##mode##Kind, nullptr, nullptr, nullptr},
-PIXMORPH_SLOT_TABLE(H264PredictIntraBytes, INTRA_16X16_MODES, H264Intra16x16Bytes,
-                    PIXMORPH_H264_16X16_MODES(PIXMORPH_H264_ROW, 16x16, Bytes));
-PIXMORPH_SLOT_TABLE(H264PredictIntraWords, INTRA_16X16_MODES, H264Intra16x16Words,
-                    PIXMORPH_H264_16X16_MODES(PIXMORPH_H264_ROW, 16x16, Words));
-PIXMORPH_SLOT_TABLE(H264PredictIntraBytes, INTRA_CHROMA_MODES, H264IntraChroma8x8Bytes,
-                    PIXMORPH_H264_CHROMA_MODES(PIXMORPH_H264_ROW, Chroma8x8, Bytes));
-PIXMORPH_SLOT_TABLE(H264PredictIntraWords, INTRA_CHROMA_MODES, H264IntraChroma8x8Words,
-                    PIXMORPH_H264_CHROMA_MODES(PIXMORPH_H264_ROW, Chroma8x8, Words));
-PIXMORPH_SLOT_TABLE(H264PredictIntraBytes, INTRA_CHROMA_MODES, H264IntraChroma8x16Bytes,
-                    PIXMORPH_H264_CHROMA_MODES(PIXMORPH_H264_ROW, Chroma8x16, Bytes));
-PIXMORPH_SLOT_TABLE(H264PredictIntraWords, INTRA_CHROMA_MODES, H264IntraChroma8x16Words,
-                    PIXMORPH_H264_CHROMA_MODES(PIXMORPH_H264_ROW, Chroma8x16, Words));
-#undef PIXMORPH_H264_ROW
+#define PIXMORPH_H264_PLAIN(name) \
+    { plain::name, nullptr, nullptr, nullptr }
+#define PIXMORPH_H264_SSE41(name) \
+    { plain::name, simd_sse41::name, nullptr, nullptr }
+// Means of 4x4 blocks are mostly sums: they stay plain.
+#define PIXMORPH_H264_TABLES(Kind)                                                                                    \
+    PIXMORPH_SLOT_TABLE(H264PredictIntra##Kind, INTRA_16X16_MODES, H264Intra16x16##Kind,                              \
+                        PIXMORPH_H264_SSE41(H264Intra16x16Vertical##Kind),                                            \
+                        PIXMORPH_H264_SSE41(H264Intra16x16Horizontal##Kind),                                          \
+                        PIXMORPH_H264_SSE41(H264Intra16x16Dc##Kind), PIXMORPH_H264_SSE41(H264Intra16x16Plane##Kind)); \
+    PIXMORPH_SLOT_TABLE(                                                                                              \
+        H264PredictIntra##Kind, INTRA_CHROMA_MODES, H264IntraChroma8x8##Kind,                                         \
+        PIXMORPH_H264_PLAIN(H264IntraChroma8x8Dc##Kind), PIXMORPH_H264_SSE41(H264IntraChroma8x8Horizontal##Kind),     \
+        PIXMORPH_H264_SSE41(H264IntraChroma8x8Vertical##Kind), PIXMORPH_H264_SSE41(H264IntraChroma8x8Plane##Kind));   \
+    PIXMORPH_SLOT_TABLE(                                                                                              \
+        H264PredictIntra##Kind, INTRA_CHROMA_MODES, H264IntraChroma8x16##Kind,                                        \
+        PIXMORPH_H264_PLAIN(H264IntraChroma8x16Dc##Kind), PIXMORPH_H264_SSE41(H264IntraChroma8x16Horizontal##Kind),   \
+        PIXMORPH_H264_SSE41(H264IntraChroma8x16Vertical##Kind), PIXMORPH_H264_SSE41(H264IntraChroma8x16Plane##Kind))
+PIXMORPH_H264_TABLES(Bytes);
+PIXMORPH_H264_TABLES(Words);
+#undef PIXMORPH_H264_PLAIN
+#undef PIXMORPH_H264_SSE41
+#undef PIXMORPH_H264_TABLES
 
 }  // namespace KorvaneSoftware

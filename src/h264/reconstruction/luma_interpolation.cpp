@@ -66,6 +66,8 @@ PIXMORPH_H264_FRACTIONS(PIXMORPH_H264_DEFINE, Words, std::uint16_t, 16)
 #undef PIXMORPH_H264_DEFINE
 
 // Registers of AVX2 are filled by 16 bytes or 8 words that were widened.
+// A compiler moves whole samples as well as a vector form does.
+#define PIXMORPH_H264_COPY(Kind, width) {plain::H264Luma##width##At00##Kind, nullptr, nullptr, nullptr},
 #define PIXMORPH_H264_NARROW(x, y, Kind, width) \
     {plain::H264Luma##width##At##x##y##Kind, simd_sse41::H264Luma##width##At##x##y##Kind, nullptr, nullptr},
 #define PIXMORPH_H264_WIDE(x, y, Kind, width)                                             \
@@ -73,14 +75,15 @@ PIXMORPH_H264_FRACTIONS(PIXMORPH_H264_DEFINE, Words, std::uint16_t, 16)
      simd_avx2::H264Luma##width##At##x##y##Kind, nullptr},
 
 PIXMORPH_SLOT_TABLE(H264InterpolateLumaBytes, 48, H264LumaBytes,
-                    PIXMORPH_H264_FRACTIONS(PIXMORPH_H264_NARROW, Bytes, 4)
-                        PIXMORPH_H264_FRACTIONS(PIXMORPH_H264_NARROW, Bytes, 8)
-                            PIXMORPH_H264_FRACTIONS(PIXMORPH_H264_WIDE, Bytes, 16));
+                    PIXMORPH_H264_COPY(Bytes, 4) PIXMORPH_H264_PARTS(PIXMORPH_H264_NARROW, Bytes, 4)
+                        PIXMORPH_H264_COPY(Bytes, 8) PIXMORPH_H264_PARTS(PIXMORPH_H264_NARROW, Bytes, 8)
+                            PIXMORPH_H264_COPY(Bytes, 16) PIXMORPH_H264_PARTS(PIXMORPH_H264_WIDE, Bytes, 16));
 PIXMORPH_SLOT_TABLE(H264InterpolateLumaWords, 48, H264LumaWords,
-                    PIXMORPH_H264_FRACTIONS(PIXMORPH_H264_NARROW, Words, 4)
-                        PIXMORPH_H264_FRACTIONS(PIXMORPH_H264_WIDE, Words, 8)
-                            PIXMORPH_H264_FRACTIONS(PIXMORPH_H264_WIDE, Words, 16));
+                    PIXMORPH_H264_COPY(Words, 4) PIXMORPH_H264_PARTS(PIXMORPH_H264_NARROW, Words, 4)
+                        PIXMORPH_H264_COPY(Words, 8) PIXMORPH_H264_PARTS(PIXMORPH_H264_WIDE, Words, 8)
+                            PIXMORPH_H264_COPY(Words, 16) PIXMORPH_H264_PARTS(PIXMORPH_H264_WIDE, Words, 16));
 
+#undef PIXMORPH_H264_COPY
 #undef PIXMORPH_H264_NARROW
 #undef PIXMORPH_H264_WIDE
 

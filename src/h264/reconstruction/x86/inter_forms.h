@@ -4,13 +4,15 @@
 
 #include "h264/reconstruction/inter_prediction.h"
 
-/// `X(x, y, ...)` for the sixteen fractions, in the order of the tables.
-#define PIXMORPH_H264_FRACTIONS(X, ...)                                                                          \
-    X(0, 0, __VA_ARGS__)                                                                                         \
-    X(1, 0, __VA_ARGS__)                                                                                         \
-    X(2, 0, __VA_ARGS__) X(3, 0, __VA_ARGS__) X(0, 1, __VA_ARGS__) X(1, 1, __VA_ARGS__) X(2, 1, __VA_ARGS__)     \
-        X(3, 1, __VA_ARGS__) X(0, 2, __VA_ARGS__) X(1, 2, __VA_ARGS__) X(2, 2, __VA_ARGS__) X(3, 2, __VA_ARGS__) \
-            X(0, 3, __VA_ARGS__) X(1, 3, __VA_ARGS__) X(2, 3, __VA_ARGS__) X(3, 3, __VA_ARGS__)
+/// `X(x, y, ...)` for the fifteen fractions but 0, 0, in the order of the tables.
+// clang-format off
+#define PIXMORPH_H264_PARTS(X, ...)                                                             \
+    X(1, 0, __VA_ARGS__) X(2, 0, __VA_ARGS__) X(3, 0, __VA_ARGS__)                              \
+    X(0, 1, __VA_ARGS__) X(1, 1, __VA_ARGS__) X(2, 1, __VA_ARGS__) X(3, 1, __VA_ARGS__)         \
+    X(0, 2, __VA_ARGS__) X(1, 2, __VA_ARGS__) X(2, 2, __VA_ARGS__) X(3, 2, __VA_ARGS__)         \
+    X(0, 3, __VA_ARGS__) X(1, 3, __VA_ARGS__) X(2, 3, __VA_ARGS__) X(3, 3, __VA_ARGS__)
+#define PIXMORPH_H264_FRACTIONS(X, ...) X(0, 0, __VA_ARGS__) PIXMORPH_H264_PARTS(X, __VA_ARGS__)
+// clang-format on
 
 namespace KorvaneSoftware {
 

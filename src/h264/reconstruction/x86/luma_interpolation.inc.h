@@ -5,7 +5,7 @@ namespace KorvaneSoftware {
 namespace PIXMORPH_SIMD {
 namespace {
 
-#include "h264/reconstruction/x86/inter_lanes.inc.h"
+#include "h264/reconstruction/x86/sample_lanes.inc.h"
 
 // a - 5b + 20c + 20d - 5e + f. Sums of bytes lie within 16 bits.
 template <class Lanes>

@@ -5,7 +5,7 @@ namespace KorvaneSoftware {
 namespace PIXMORPH_SIMD {
 namespace {
 
-#include "h264/reconstruction/x86/inter_lanes.inc.h"
+#include "h264/reconstruction/x86/sample_lanes.inc.h"
 
 template <class Lanes, int kWidth>
 constexpr int kStep = kWidth < Lanes::kSamples ? kWidth : Lanes::kSamples;
