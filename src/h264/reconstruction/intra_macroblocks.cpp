@@ -106,12 +106,12 @@ PIXMORPH_H264_CHROMA_MODES(PIXMORPH_H264_DEFINE, Chroma8x16, 8, 16, Words, std::
     { plain::name, nullptr, nullptr, nullptr }
 #define PIXMORPH_H264_SSE41(name) \
     { plain::name, simd_sse41::name, nullptr, nullptr }
-// Means of 4x4 blocks are mostly sums: they stay plain.
+// DC prediction is mostly sums of single samples: it stays plain.
 #define PIXMORPH_H264_TABLES(Kind)                                                                                    \
     PIXMORPH_SLOT_TABLE(H264PredictIntra##Kind, INTRA_16X16_MODES, H264Intra16x16##Kind,                              \
                         PIXMORPH_H264_SSE41(H264Intra16x16Vertical##Kind),                                            \
                         PIXMORPH_H264_SSE41(H264Intra16x16Horizontal##Kind),                                          \
-                        PIXMORPH_H264_SSE41(H264Intra16x16Dc##Kind), PIXMORPH_H264_SSE41(H264Intra16x16Plane##Kind)); \
+                        PIXMORPH_H264_PLAIN(H264Intra16x16Dc##Kind), PIXMORPH_H264_SSE41(H264Intra16x16Plane##Kind)); \
     PIXMORPH_SLOT_TABLE(                                                                                              \
         H264PredictIntra##Kind, INTRA_CHROMA_MODES, H264IntraChroma8x8##Kind,                                         \
         PIXMORPH_H264_PLAIN(H264IntraChroma8x8Dc##Kind), PIXMORPH_H264_SSE41(H264IntraChroma8x8Horizontal##Kind),     \

@@ -102,9 +102,9 @@ PIXMORPH_SLOT_TABLE(H264InterpolateChromaWords, 3, H264ChromaWords, PIXMORPH_H26
                     PIXMORPH_H264_SSE41(H264Chroma4Words), PIXMORPH_H264_AVX2(H264Chroma8Words));
 PIXMORPH_SLOT_TABLE(H264AverageSignatureBytes, 4, H264AverageBytes, PIXMORPH_H264_PLAIN(H264Average2Bytes),
                     PIXMORPH_H264_SSE41(H264Average4Bytes), PIXMORPH_H264_PLAIN(H264Average8Bytes),
-                    PIXMORPH_H264_AVX2(H264Average16Bytes));
+                    PIXMORPH_H264_PLAIN(H264Average16Bytes));
 PIXMORPH_SLOT_TABLE(H264AverageSignatureWords, 4, H264AverageWords, PIXMORPH_H264_PLAIN(H264Average2Words),
-                    PIXMORPH_H264_SSE41(H264Average4Words), PIXMORPH_H264_AVX2(H264Average8Words),
+                    PIXMORPH_H264_PLAIN(H264Average4Words), PIXMORPH_H264_PLAIN(H264Average8Words),
                     PIXMORPH_H264_AVX2(H264Average16Words));
 PIXMORPH_SLOT_TABLE(H264WeightSignatureBytes, 4, H264WeightBytes, PIXMORPH_H264_PLAIN(H264Weight2Bytes),
                     PIXMORPH_H264_SSE41(H264Weight4Bytes), PIXMORPH_H264_SSE41(H264Weight8Bytes),

@@ -65,18 +65,6 @@ struct Horizontal {
     }
 };
 
-struct Dc {
-    static bool Has(std::uint32_t neighbours) { return HasTop(neighbours) && HasLeft(neighbours); }
-    template <int kWidth, int kHeight, class Sample>
-    static void Run(Sample* samples, std::ptrdiff_t stride, std::uint32_t, std::uint32_t) {
-        static_assert(kWidth == 16 && kHeight == 16);
-        int sum = 16;
-        for (int i = 0; i < 16; ++i) sum += samples[i - stride] + samples[i * stride - 1];
-        const auto row = Row<Sample, 16>::Of(Repeat(static_cast<Sample>(sum >> 5)));
-        for (int y = 0; y < 16; ++y) row.StoreTo(samples + y * stride);
-    }
-};
-
 // Sums of bytes lie within 16 bits: 16 * 510, and twice 8 steps of a slope of at most 717 or 4 of 1355.
 struct PlaneMode {
     static bool Has(std::uint32_t neighbours) {
@@ -125,8 +113,6 @@ PIXMORPH_H264_DEFINE_SIZE(Chroma8x8, 8, 8, Bytes, std::uint8_t)
 PIXMORPH_H264_DEFINE_SIZE(Chroma8x8, 8, 8, Words, std::uint16_t)
 PIXMORPH_H264_DEFINE_SIZE(Chroma8x16, 8, 16, Bytes, std::uint8_t)
 PIXMORPH_H264_DEFINE_SIZE(Chroma8x16, 8, 16, Words, std::uint16_t)
-PIXMORPH_H264_DEFINE(H264Intra16x16DcBytes, Dc, 16, 16, std::uint8_t)
-PIXMORPH_H264_DEFINE(H264Intra16x16DcWords, Dc, 16, 16, std::uint16_t)
 #undef PIXMORPH_H264_DEFINE
 #undef PIXMORPH_H264_DEFINE_SIZE
 
