@@ -3,17 +3,21 @@
 
 #include "h264/reconstruction/intra_prediction.h"
 
+// clang-format off
 /// `X(mode, ...)` for the modes of a kind of block, in the order of its table.
-#define PIXMORPH_H264_BLOCK_MODES(X, ...)                                                         \
-    X(Vertical, __VA_ARGS__)                                                                      \
-    X(Horizontal, __VA_ARGS__)                                                                    \
-    X(Dc, __VA_ARGS__) X(DiagonalDownLeft, __VA_ARGS__) X(DiagonalDownRight, __VA_ARGS__)         \
-        X(VerticalRight, __VA_ARGS__) X(HorizontalDown, __VA_ARGS__) X(VerticalLeft, __VA_ARGS__) \
-            X(HorizontalUp, __VA_ARGS__)
+#define PIXMORPH_H264_BLOCK_MODES(X, ...)                                                     \
+    X(Vertical, __VA_ARGS__)                                                                  \
+    X(Horizontal, __VA_ARGS__)                                                                \
+    X(Dc, __VA_ARGS__)                                                                        \
+    X(DiagonalDownLeft, __VA_ARGS__)                                                          \
+    X(DiagonalDownRight, __VA_ARGS__)                                                         \
+    X(VerticalRight, __VA_ARGS__) X(HorizontalDown, __VA_ARGS__) X(VerticalLeft, __VA_ARGS__) \
+        X(HorizontalUp, __VA_ARGS__)
 #define PIXMORPH_H264_16X16_MODES(X, ...) \
     X(Vertical, __VA_ARGS__) X(Horizontal, __VA_ARGS__) X(Dc, __VA_ARGS__) X(Plane, __VA_ARGS__)
 #define PIXMORPH_H264_CHROMA_MODES(X, ...) \
     X(Dc, __VA_ARGS__) X(Horizontal, __VA_ARGS__) X(Vertical, __VA_ARGS__) X(Plane, __VA_ARGS__)
+// clang-format on
 
 namespace KorvaneSoftware {
 
