@@ -76,6 +76,7 @@ enum H264ListView : unsigned {
     VIEW_BOTTOM_FIELD_MB = 2,
 };
 constexpr unsigned kH264ListViews = 3;
+constexpr unsigned kH264PictureIds = 256;  ///< Of fields; those of frames are below 128.
 
 /// The reference lists of a slice and what prediction derives from them, filled once when the slice is added.
 struct H264ReferenceTables {
@@ -92,6 +93,10 @@ struct H264ReferenceTables {
     /// B slices: the picture whose records direct prediction reads (a frame, or a field of a field-coded frame); null
     /// where list 1 is empty.
     CH264Picture* colocated[kH264ListViews];
+    /// Which field's macroblock stands for a frame macroblock at a pair of field macroblocks in colocated[VIEW_PICTURE].
+    std::uint8_t nearerField;
+    /// B slices with temporal direct prediction: the first entry of list 0 for each picture id; 0 for those not there.
+    std::uint8_t indexOfPicture[kH264ListViews][kH264PictureIds];
 };
 
 class CH264Slice {

@@ -38,17 +38,28 @@ std::int16_t DirectScale(std::int32_t count, const Entry& pic0, const Entry& pic
     return static_cast<std::int16_t>(DistScaleFactor(count, pic0, distance));
 }
 
-/// The picture whose records direct prediction reads for the first entry of list 1.
-CH264Picture* Colocated(const CH264Frame& current, const CH264Picture& picture, unsigned view, CH264Picture* first) {
-    if (first == nullptr) return nullptr;
-    CH264Frame& frame = *first->frame;
-    if (!frame.IsFieldCoded()) return &frame;
-    if (picture.fieldPic || view != VIEW_PICTURE) return first;
-    // A frame macroblock takes the field that is nearer in time, and the bottom one where both are as near.
+/// The first entry that shows a picture is the one that counts.
+void IndexPictures(const Entry* list0, std::uint32_t count, std::uint8_t* indices) {
+    std::fill_n(indices, kH264PictureIds, std::uint8_t{0});
+    for (std::uint32_t i = count; i-- > 0;) {
+        if (list0[i].picture != nullptr) indices[list0[i].pictureId] = static_cast<std::uint8_t>(i);
+    }
+}
+
+/// Which field of a frame is nearer in time to the current one; the bottom one where both are as near.
+std::uint8_t NearerField(const CH264Frame& current, const CH264Frame& frame) {
     const auto distance = [&](const CH264Picture& field) {
         return std::abs(std::int64_t{field.picOrderCnt} - current.picOrderCnt);
     };
-    return &frame.fields[distance(frame.fields[0]) < distance(frame.fields[1]) ? 0 : 1];
+    return distance(frame.fields[0]) < distance(frame.fields[1]) ? 0 : 1;
+}
+
+/// The picture whose records direct prediction reads for the first entry of list 1.
+CH264Picture* Colocated(const CH264Picture& picture, unsigned view, unsigned nearerField, CH264Picture& first) {
+    CH264Frame& frame = *first.frame;
+    if (!frame.IsFieldCoded()) return &frame;
+    // A frame macroblock takes the nearer field.
+    return picture.fieldPic || view != VIEW_PICTURE ? &first : &frame.fields[nearerField];
 }
 
 }  // namespace
@@ -67,7 +78,11 @@ void DerivePredictionTables(CH264Slice& slice, const CH264Frame& current) {
         const std::uint32_t count0 = slice.header.numRefIdxActive[0] * fieldsPerEntry;
         const std::uint32_t count1 = slice.header.numRefIdxActive[1] * fieldsPerEntry;
         for (std::uint32_t i = 0; i < count0; ++i) list0[i].distScale = DirectScale(count, list0[i], list1[0]);
-        tables.colocated[view] = Colocated(current, picture, view, list1[0].picture);
+        if (CH264Picture* first = list1[0].picture; first != nullptr) {
+            if (view == VIEW_PICTURE) tables.nearerField = NearerField(current, *first->frame);
+            tables.colocated[view] = Colocated(picture, view, tables.nearerField, *first);
+        }
+        if (!slice.header.directSpatialMvPred) IndexPictures(list0, count0, tables.indexOfPicture[view]);
         if (slice.pps.weightedBipredIdc != 2) continue;
         for (std::uint32_t i = 0; i < count0; ++i) {
             for (std::uint32_t j = 0; j < count1; ++j) {

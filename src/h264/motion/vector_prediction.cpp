@@ -1,0 +1,106 @@
+#include "h264/motion/vector_prediction.h"
+
+namespace KorvaneSoftware {
+namespace {
+
+constexpr unsigned kBlocksAcross = 4;
+
+/// Bit `block` of entry `width`: whether the block above right of a partition that begins in that block, not in the
+/// first row, is decoded before it. That is so where it comes first in the standard's order of 4x4 blocks.
+constexpr struct CornerTable {
+    std::uint16_t inside[kBlocksAcross + 1] = {};
+
+    constexpr CornerTable() {
+        for (unsigned width = 1; width <= kBlocksAcross; ++width) {
+            for (unsigned block = kBlocksAcross; block < 16; ++block) {
+                if (block % kBlocksAcross + width >= kBlocksAcross) continue;
+                if (DecodingOrder(block - kBlocksAcross + width) < DecodingOrder(block)) {
+                    inside[width] = static_cast<std::uint16_t>(inside[width] | 1u << block);
+                }
+            }
+        }
+    }
+    static constexpr unsigned DecodingOrder(unsigned block) {
+        const unsigned x = block % kBlocksAcross;
+        const unsigned y = block / kBlocksAcross;
+        return y / 2 * 8 + x / 2 * 4 + y % 2 * 2 + x % 2;
+    }
+} kCorners;
+
+H264BlockPlace LeftPlace(const H264MacroblockRecord& mb, const H264Neighbours& neighbours, unsigned block) {
+    return block % kBlocksAcross != 0 ? H264BlockPlace{&mb, block - 1} : neighbours.Left(block / kBlocksAcross);
+}
+
+H264BlockPlace TopPlace(const H264MacroblockRecord& mb, const H264Neighbours& neighbours, unsigned block) {
+    return block >= kBlocksAcross ? H264BlockPlace{&mb, block - kBlocksAcross} : neighbours.Top(block);
+}
+
+H264BlockPlace CornerPlace(const H264MacroblockRecord& mb, const H264Neighbours& neighbours, unsigned block,
+                           unsigned width) {
+    const unsigned x = block % kBlocksAcross;
+    const unsigned y = block / kBlocksAcross;
+    if (y == 0) {
+        const H264BlockPlace above = x + width < kBlocksAcross ? neighbours.Top(x + width) : neighbours.TopRight();
+        if (above.mb != nullptr) return above;
+    } else if ((kCorners.inside[width] >> block & 1) != 0) {
+        return {&mb, block - kBlocksAcross + width};
+    }
+    if (x == 0) return neighbours.corners[y];
+    return y == 0 ? neighbours.Top(x - 1) : H264BlockPlace{&mb, block - kBlocksAcross - 1};
+}
+
+}  // namespace
+
+H264MotionPlaces FindMotionPlaces(const H264MacroblockRecord& mb, const H264Neighbours& neighbours, unsigned block,
+                                  unsigned width) {
+    return {LeftPlace(mb, neighbours, block), TopPlace(mb, neighbours, block),
+            CornerPlace(mb, neighbours, block, width)};
+}
+
+H264Vector MedianPrediction(int refIdx, const H264MotionNeighbour& left, const H264MotionNeighbour& top,
+                            const H264MotionNeighbour& corner) {
+    const bool isLeft = left.refIdx == refIdx;
+    const bool isTop = top.refIdx == refIdx;
+    const bool isCorner = corner.refIdx == refIdx;
+    if (isLeft + isTop + isCorner == 1) return isLeft ? left.vector : isTop ? top.vector : corner.vector;
+    if (top.refIdx == kH264NoNeighbour && corner.refIdx == kH264NoNeighbour) return left.vector;
+    return MedianOf(left.vector, top.vector, corner.vector);
+}
+
+template <bool kMbaff>
+H264Vector PredictVector(const H264MacroblockRecord& mb, const H264Neighbours& neighbours, unsigned list,
+                         unsigned block, unsigned width, unsigned height) {
+    const int refIdx = mb.refIdx[list][block];
+    const auto motionAt = [&](const H264BlockPlace& place) { return MotionAt<kMbaff>(place, list, mb.fieldMb != 0); };
+    if (width + height == 6) {
+        // Of 16x8 the upper one looks up; of 8x16 the right one looks above right; the other two look left.
+        const H264BlockPlace ahead =
+            width == 4   ? block == 0 ? TopPlace(mb, neighbours, block) : LeftPlace(mb, neighbours, block)
+              : block == 0 ? LeftPlace(mb, neighbours, block)
+                         : CornerPlace(mb, neighbours, block, width);
+        const H264MotionNeighbour preferred = motionAt(ahead);
+        if (preferred.refIdx == refIdx) return preferred.vector;
+    }
+    const H264MotionPlaces places = FindMotionPlaces(mb, neighbours, block, width);
+    return MedianPrediction(refIdx, motionAt(places.left), motionAt(places.top), motionAt(places.corner));
+}
+
+template <bool kMbaff>
+H264Vector PredictSkipVector(const H264MacroblockRecord& mb, const H264Neighbours& neighbours) {
+    if (neighbours.left[0] == nullptr || neighbours.top == nullptr) return {};
+    const auto motionAt = [&](const H264BlockPlace& place) { return MotionAt<kMbaff>(place, 0, mb.fieldMb != 0); };
+    const H264MotionNeighbour left = motionAt(neighbours.Left(0));
+    if (left.refIdx == 0 && left.vector.IsZero()) return {};
+    const H264MotionNeighbour top = motionAt(neighbours.Top(0));
+    if (top.refIdx == 0 && top.vector.IsZero()) return {};
+    return MedianPrediction(0, left, top, motionAt(CornerPlace(mb, neighbours, 0, kBlocksAcross)));
+}
+
+template H264Vector PredictVector<false>(const H264MacroblockRecord& mb, const H264Neighbours& neighbours,
+                                         unsigned list, unsigned block, unsigned width, unsigned height);
+template H264Vector PredictVector<true>(const H264MacroblockRecord& mb, const H264Neighbours& neighbours, unsigned list,
+                                        unsigned block, unsigned width, unsigned height);
+template H264Vector PredictSkipVector<false>(const H264MacroblockRecord& mb, const H264Neighbours& neighbours);
+template H264Vector PredictSkipVector<true>(const H264MacroblockRecord& mb, const H264Neighbours& neighbours);
+
+}  // namespace KorvaneSoftware
