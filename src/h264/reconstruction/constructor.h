@@ -37,8 +37,15 @@ protected:
 
     /// Before the residual of a macroblock: no block is coded yet, and the DC levels are zero.
     void BeginResidual();
-    /// The next block, zeroed.
-    Coefficient* NextBlock4x4() { return NextBlock<16>(); }
+    /// The place of the next block, zeroed; Take makes it part of the residual.
+    Coefficient* FreeBlock4x4() { return FreeBlock<16>(); }
+    void TakeBlock4x4() { next_ += 16; }
+    /// Both at once.
+    Coefficient* NextBlock4x4() {
+        Coefficient* const block = FreeBlock4x4();
+        TakeBlock4x4();
+        return block;
+    }
     /// DC levels row by row: 4x4 of Intra_16x16; of Cb (0) or Cr (1) two to a row.
     Coefficient* LumaDc() { return lumaDc_; }
     Coefficient* ChromaDc(unsigned component) { return chromaDc_[component]; }
@@ -76,17 +83,16 @@ protected:
     }
 
     template <std::size_t kCount>
-    Coefficient* NextBlock() {
-        Coefficient* const block = next_;
-        std::memset(block, 0, kCount * sizeof(Coefficient));
-        next_ += kCount;
-        return block;
+    Coefficient* FreeBlock() {
+        std::memset(next_, 0, kCount * sizeof(Coefficient));
+        return next_;
     }
 
     static constexpr unsigned kChromaBlockRows = MotionCompensation::kChromaFormat == 2 ? 4 : 2;
 
     CH264Quantiser quantiser_;
     Coefficient* blocks_ = nullptr;  ///< The coded blocks of the macroblock.
+    Coefficient* next_ = nullptr;    ///< Behind those that were taken.
 
 private:
     /// 16 blocks of each component, and one for the DC coefficients of each.
@@ -105,7 +111,6 @@ private:
     }
 
     AlignedBuffer residual_;
-    Coefficient* next_ = nullptr;
     Coefficient* lumaDc_ = nullptr;
     Coefficient* chromaDc_[2] = {};
 };

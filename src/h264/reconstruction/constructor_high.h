@@ -20,9 +20,15 @@ protected:
     }
     bool IsLossless() const { return quantiser_.Qp(0) == 0 && picture_->sps.qpprimeYZeroTransformBypass; }
 
-    /// The next block of 8x8 coefficients, zeroed.
-    Coefficient* NextBlock8x8() { return Base::template NextBlock<64>(); }
-    /// Where its levels go.
+    /// The same as for blocks of 4x4 coefficients.
+    Coefficient* FreeBlock8x8() { return Base::template FreeBlock<64>(); }
+    void TakeBlock8x8() { next_ += 64; }
+    Coefficient* NextBlock8x8() {
+        Coefficient* const block = FreeBlock8x8();
+        TakeBlock8x8();
+        return block;
+    }
+    /// Where the levels of a block go.
     TScaledCoefficients<Coefficient> Scaled8x8(Coefficient* block, const std::uint8_t* scan) const {
         return quantiser_.Scaled8x8(Base::IsInter(), block, scan);
     }
@@ -36,6 +42,7 @@ protected:
 
     using Base::blocks_;
     using Base::mb_;
+    using Base::next_;
     using Base::picture_;
     using Base::quantiser_;
     using Base::slice_;

@@ -88,18 +88,7 @@ void FetchChroma(Sample* target, std::ptrdiff_t stride, const Plane<Sample>& pla
                                                                     block.height, xFraction, yFraction);
 }
 
-/// All sixteen blocks have the same references and vectors.
-bool IsUniform(const H264MacroblockRecord& mb) {
-    int different = 0;
-    for (unsigned list = 0; list < 2; ++list) {
-        for (unsigned i = 1; i < 16; ++i) {
-            different |= mb.refIdx[list][i] ^ mb.refIdx[list][0];
-            different |= mb.mv[list][i][0] ^ mb.mv[list][0][0];
-            different |= mb.mv[list][i][1] ^ mb.mv[list][0][1];
-        }
-    }
-    return different == 0;
-}
+constexpr unsigned kShape8x8 = 3;
 
 /// A list that a block uses.
 struct Reference {
@@ -116,25 +105,15 @@ public:
 
     void PredictAll() const {
         const H264MacroblockRecord& mb = *macroblock_.mb;
-        // Direct macroblocks seldom have more than one vector.
-        const bool isDirect = mb.mbType == MB_B_DIRECT;
-        switch (isDirect ? IsUniform(mb) ? 0u : 3u : mb.shape) {
-            case 0:
-                return PredictBlock({0, 0, 16, 16});
-            case 1:
-                return PredictParts({0, 0, 16, 16}, 16, 8);
-            case 2:
-                return PredictParts({0, 0, 16, 16}, 8, 16);
-            default:
-                for (int part = 0; part < 4; ++part) {
-                    const unsigned subShape = mb.subShapes[part];
-                    PredictParts({part % 2 * 8, part / 2 * 8, 8, 8}, subShape >= 2 ? 4 : 8, subShape % 2 != 0 ? 4 : 8);
-                }
-        }
+        if (mb.shape != kShape8x8) return PredictParts({0, 0, 16, 16}, mb.shape);
+        for (int part = 0; part < 4; ++part) PredictParts({part % 2 * 8, part / 2 * 8, 8, 8}, mb.subShapes[part]);
     }
 
 private:
-    void PredictParts(const Rectangle& whole, int width, int height) const {
+    /// The parts of a macroblock or of a quarter of one. Bit 0 of a shape halves the height, bit 1 the width.
+    void PredictParts(const Rectangle& whole, unsigned shape) const {
+        const int width = (shape & 2) != 0 ? whole.width / 2 : whole.width;
+        const int height = (shape & 1) != 0 ? whole.height / 2 : whole.height;
         for (int y = 0; y < whole.height; y += height)
             for (int x = 0; x < whole.width; x += width) PredictBlock({whole.x + x, whole.y + y, width, height});
     }
