@@ -13,7 +13,7 @@ namespace KorvaneSoftware {
 
 /// Neighbours that may be used for prediction. The left column counts by halves of the macroblock: in MBAFF pictures
 /// with constrained_intra_pred_flag one may be there without the other.
-enum H264Neighbours : std::uint32_t {
+enum H264IntraNeighbours : std::uint32_t {
     NEIGHBOUR_LEFT_UPPER = 1,
     NEIGHBOUR_LEFT_LOWER = 2,
     NEIGHBOUR_LEFT = 3,
