@@ -32,12 +32,15 @@ ImageDescriptor RewrittenDestination(const ImageDescriptor& dst) {
 
 bool IsKnownFormat(const ImageDescriptor& desc) { return FormatInfoOf(desc) != nullptr || desc.format == FMT_P016; }
 
-Status ConvertBy(const ConversionSource& row, const ImageDescriptor& dst, const ImageDescriptor& src) {
+// The path of a pair, if there is one and the size suits it.
+Status FindPath(const ConversionSource& row, const ImageDescriptor& dst, const ImageDescriptor& src,
+                const ConversionPath** found) {
     if (dst.width != src.width || dst.height != src.height) return IMG_E_BAD_SIZE;
     for (const ConversionPath& path : row.paths) {
         if (!Contains(path.destinations, dst.format)) continue;
         if (src.width % path.rule.width != 0 || src.height % path.rule.height != 0) return IMG_E_BAD_ALIGNMENT;
-        return path.step(RewrittenDestination(dst), RewrittenSource(src, row));
+        *found = &path;
+        return IMG_OK;
     }
     return IsKnownFormat(dst) ? row.noPath : IMG_E_BAD_FORMAT;
 }
@@ -51,8 +54,18 @@ Status ImageConversionDispatch(const ImageDescriptor* dst, const ImageDescriptor
         if (row == nullptr) return IMG_E_BAD_FORMAT;
         if (row->paths.empty()) return row->noPath;
         if (dst == nullptr) return IMG_E_NULL_ARG;
-        return ConvertBy(*row, *dst, *src);
+        const ConversionPath* path = nullptr;
+        if (const Status status = FindPath(*row, *dst, *src, &path); status != IMG_OK) return status;
+        return path->step(RewrittenDestination(*dst), RewrittenSource(*src, *row));
     });
+}
+
+Status CheckImageConversion(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    const ConversionSource* const row = FindConversionSource(src.format);
+    if (row == nullptr) return IMG_E_BAD_FORMAT;
+    if (row->paths.empty()) return row->noPath;
+    const ConversionPath* path = nullptr;
+    return FindPath(*row, dst, src, &path);
 }
 
 bool HasConversion(std::uint32_t dstFormat, std::uint32_t srcFormat) {

@@ -16,6 +16,9 @@ namespace KorvaneSoftware {
 ///         IMG_E_EXCEPTION       something was thrown
 Status ImageConversionDispatch(const ImageDescriptor* dst, const ImageDescriptor* src);
 
+/// What ImageConversionDispatch answers for two pictures that have their planes, with nothing converted.
+Status CheckImageConversion(const ImageDescriptor& dst, const ImageDescriptor& src);
+
 /// Whether pictures of `srcFormat` can be converted into `dstFormat`, at the sizes that the pair allows.
 bool HasConversion(std::uint32_t dstFormat, std::uint32_t srcFormat);
 

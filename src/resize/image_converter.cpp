@@ -3,6 +3,7 @@
 #include <new>
 #include <utility>
 
+#include "convert/conversion_dispatch.h"
 #include "convert/copy_image.h"
 #include "resize/resize_passes.h"
 
@@ -37,7 +38,39 @@ bool IsBlockFormat(std::uint32_t format) { return format >= FMT_Y16 && format <=
 // Samples in 16-bit words.
 bool IsWordFormat(std::uint32_t format) { return format >= FMT_S400 && format <= FMT_P422; }
 
+// Which step comes first where format and size change: what costs less or keeps more.
+bool IsConvertedFirst(const ImageDescriptor& converted, const ImageDescriptor& resized) {
+    if (IsBlockFormat(converted.format)) return false;
+    if (ImageBufferSizeAligned(&converted, kTemporaryAlignment) <=
+        ImageBufferSizeAligned(&resized, kTemporaryAlignment))
+        return true;
+    // Raising the depth before resizing keeps precision, whatever it costs.
+    return IsWordFormat(converted.format) && !IsWordFormat(resized.format);
+}
+
+Status CheckResize(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    ResizePlan plan;
+    return PlanResize(plan, dst, src);
+}
+
 }  // namespace
+
+Status CheckConvert(const ImageDescriptor& dst, const ImageDescriptor& src) {
+    if (dst.format == FMT_NONE) return IMG_E_BAD_FORMAT;
+    if (dst.planes[0] == nullptr || src.planes[0] == nullptr) return IMG_E_NULL_ARG;
+    const bool sameFormat = dst.format == src.format;
+    if (IsSameSize(dst, src)) return sameFormat ? IMG_OK : CheckImageConversion(dst, src);
+    if (sameFormat) return CheckResize(dst, src);
+    const ImageDescriptor resized = HeadAt(src, dst.width, dst.height);
+    const ImageDescriptor converted = HeadAt(dst, src.width, src.height);
+    const bool isConvertedFirst = IsConvertedFirst(converted, resized);
+    ImageDescriptor between = isConvertedFirst ? converted : resized;
+    // Any plane will do: nothing is written.
+    if (const Status status = ImageSetTemporaryPlanes(&between, src.planes[0]); status != IMG_OK) return status;
+    const Status first = isConvertedFirst ? CheckImageConversion(between, src) : CheckResize(between, src);
+    if (first != IMG_OK) return first;
+    return isConvertedFirst ? CheckResize(dst, between) : CheckImageConversion(dst, between);
+}
 
 CImageConverter* CreateImageConverter() { return new (std::nothrow) CImageConverter; }
 
@@ -96,13 +129,7 @@ Status CImageConverter::Resize(const ImageDescriptor& dst, const ImageDescriptor
 Status CImageConverter::ResizeAndConvert(const ImageDescriptor& dst, const ImageDescriptor& src) {
     const ImageDescriptor resized = HeadAt(src, dst.width, dst.height);
     const ImageDescriptor converted = HeadAt(dst, src.width, src.height);
-    bool isConvertFirst = ImageBufferSizeAligned(&converted, kTemporaryAlignment) <=
-                          ImageBufferSizeAligned(&resized, kTemporaryAlignment);
-    if (IsBlockFormat(dst.format))
-        isConvertFirst = false;
-    else if (!isConvertFirst)
-        // Raising the depth before resizing keeps precision, whatever it costs.
-        isConvertFirst = IsWordFormat(dst.format) && !IsWordFormat(src.format);
+    const bool isConvertFirst = IsConvertedFirst(converted, resized);
     ImageDescriptor between = isConvertFirst ? converted : resized;
     const ScopedBuffer buffer(*this, between);
     if (!buffer) return IMG_E_NO_MEMORY;

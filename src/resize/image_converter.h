@@ -82,6 +82,10 @@ private:
     ConversionFunction convert_ = nullptr;
 };
 
+/// Whether Convert has a way from `src` to `dst` where its function is ImageConversionDispatch: everything is looked at
+/// but memory, and nothing is converted. A `dst` of format 0 is none.
+Status CheckConvert(const ImageDescriptor& dst, const ImageDescriptor& src);
+
 /// A converter with one reference and no conversion function; null when memory is short.
 CImageConverter* CreateImageConverter();
 
