@@ -42,9 +42,11 @@ struct H264MacroblockRecord {
     std::int16_t refPicId[2][4];      ///< Picture id behind the index of each 8x8 part; -1 for none.
     std::int16_t mv[2][16][2];        ///< Quarter samples, x and y.
     std::uint8_t mvd[2][16][2];       ///< Absolute differences, clipped, for the contexts of CABAC.
-    std::uint8_t totalCoeff[3][16];   ///< Coefficients of each block of Y, Cb, Cr (CAVLC), coded_block_flag (CABAC).
+    std::uint8_t totalCoeff[3][16];   ///< Levels of each block of Y, Cb, Cr: CAVLC only.
     std::uint32_t sliceNumber;        ///< Counts the slices of a picture from 0.
-    std::uint8_t reserved[84];
+    /// Bits 0 to 3: parts whose coded index is above 0; bits 4 to 7: above 1. By list, for the contexts of CABAC.
+    std::uint8_t refGreater[2];
+    std::uint8_t reserved[82];
 };
 static_assert(sizeof(H264MacroblockRecord) == 448, "seven cache lines; the records' row stride counts on it");
 

@@ -14,6 +14,12 @@ struct H264BlockPlace {
     unsigned block = 0;                        ///< By place, 0 to 15.
 };
 
+/// A block of 4x4 chroma samples of one, numbered down the rows of two.
+struct H264ChromaPlace {
+    const H264MacroblockRecord* mb = nullptr;
+    unsigned block = 0;
+};
+
 /// Null stands for a neighbour that is not available. Whether it may be used for intra prediction is another question.
 struct H264Neighbours {
     /// Beside the upper and the lower half of the left edge: two macroblocks where only one of both pairs is of fields
@@ -29,6 +35,12 @@ struct H264Neighbours {
     H264BlockPlace Left(unsigned row) const { return {left[row / 2], leftRows[row] * 4u + 3}; }
     H264BlockPlace Top(unsigned column) const { return {top, 12 + column}; }
     H264BlockPlace TopRight() const { return {topRight, 12}; }
+    /// The chroma block beside a row of them; format 1 is 4:2:0 with two rows, 2 is 4:2:2 with four.
+    template <unsigned kChromaFormat>
+    H264ChromaPlace LeftChroma(unsigned row) const {
+        if constexpr (kChromaFormat == 2) return {left[row / 2], leftRows[row] * 2u + 1};
+        return {left[row], leftRows[2 * row] / 2u * 2 + 1};
+    }
 };
 
 /// Where the current macroblock stands among those of its slice. In MBAFF pictures the records are those of the top
