@@ -60,6 +60,8 @@ Status CThread::Wait(std::uint32_t) {
     return platform::JoinThread(handle_) ? IMG_OK : IMG_E_FAILED;
 }
 
+std::uint32_t CThread::ExitCode() const { return handle_ == nullptr ? 0 : platform::ThreadExitCode(handle_); }
+
 void CThread::Close() {
     if (handle_ == nullptr) return;
     platform::JoinThread(handle_);

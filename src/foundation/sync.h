@@ -47,6 +47,8 @@ public:
     [[nodiscard]] Status Start(platform::ThreadFunction function, void* argument);
     /// Joins, without a time limit. The handle stays.
     Status Wait(std::uint32_t timeoutMs = kWaitForever) override;
+    /// What the function returned, once Wait has joined; 0 before.
+    std::uint32_t ExitCode() const;
     /// Joins and closes.
     void Close();
 };

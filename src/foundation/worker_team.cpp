@@ -75,12 +75,12 @@ void WorkerTeam::Stop() {
     workers_.clear();
 }
 
-void WorkerTeam::ThreadMain(void* argument) {
+std::uint32_t WorkerTeam::ThreadMain(void* argument) {
     Worker& worker = *static_cast<Worker*>(argument);
     for (;;) {
         // A thread that cannot sleep polls.
         if (worker.start.Wait() != IMG_OK) platform::YieldProcessor();
-        if (worker.stop.load(std::memory_order_acquire)) return;
+        if (worker.stop.load(std::memory_order_acquire)) return 0;
         if (!worker.pending.exchange(false, std::memory_order_acq_rel)) continue;
         worker.status = Guarded([&] { return worker.team->share_(worker.team->context_, worker.index); });
         worker.finishedAt = Clock::now();

@@ -53,7 +53,7 @@ public:
 private:
     using Clock = std::chrono::steady_clock;
     struct Worker;
-    static void ThreadMain(void* worker);
+    static std::uint32_t ThreadMain(void* worker);
     bool Wake(Worker& worker, std::int32_t priority) const;
     Status Join(Worker& worker, Clock::time_point deadline) const;
 

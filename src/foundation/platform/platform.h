@@ -40,11 +40,14 @@ WaitResult WaitEvent(EventHandle event, std::uint32_t timeoutMs);
 
 /// A joinable thread. A handle stays valid after the thread was joined, until it is destroyed.
 using ThreadHandle = void*;
-using ThreadFunction = void (*)(void* argument);
+/// Returns the exit code of the thread.
+using ThreadFunction = std::uint32_t (*)(void* argument);
 
 ThreadHandle StartThread(ThreadFunction function, void* argument);
 /// Waits for the end of the thread. Joining twice is fine.
 bool JoinThread(ThreadHandle thread);
+/// What the function of a joined thread returned; 0 before.
+std::uint32_t ThreadExitCode(ThreadHandle thread);
 /// Frees the handle of a joined thread.
 void DestroyThread(ThreadHandle thread);
 /// Handle of the calling thread for the priority functions; never destroyed.

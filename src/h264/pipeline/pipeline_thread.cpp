@@ -9,9 +9,11 @@ void CH264Thread::RequestStop() {
     event_.Set();
 }
 
-void CH264Thread::Main(void* self) {
+std::uint32_t CH264Thread::Main(void* self) {
+    if (self == nullptr) return kExitCodeWithoutThread;
     auto& thread = *static_cast<CH264Thread*>(self);
     thread.core_.RunThread(thread.index_);
+    return kExitCode + thread.index_;
 }
 
 }  // namespace KorvaneSoftware

@@ -11,6 +11,10 @@ class CH264FusionCore;
 
 class CH264Thread {
 public:
+    /// Exit codes of the threads of the system, by which a debugger's list shows them: the base plus the index.
+    static constexpr std::uint32_t kExitCode = 0x5DEC000;
+    static constexpr std::uint32_t kExitCodeWithoutThread = 0x5DECBAD;
+
     CH264Thread(CH264FusionCore& core, unsigned index) : core_(core), index_(index) {}
 
     Status CreateEvent() { return event_.Create(); }
@@ -25,9 +29,11 @@ public:
     void Wake() { event_.Set(); }
     void WaitForWork() { event_.Wait(kPollMilliseconds); }
 
+    /// What the thread of the system runs. @param self  a CH264Thread
+    static std::uint32_t Main(void* self);
+
 private:
     static constexpr std::uint32_t kPollMilliseconds = 5;
-    static void Main(void* self);
 
     CH264FusionCore& core_;
     std::atomic<bool> stop_ = false;

@@ -70,7 +70,7 @@ protected:
     }
 };
 
-void Nothing(void*) {}
+std::uint32_t Nothing(void*) { return 0; }
 
 TEST_F(RefusingPlatform, AThreadThatCannotBeStartedDoesNotExist) {
     CThread thread;

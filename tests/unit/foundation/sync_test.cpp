@@ -96,10 +96,11 @@ struct Waiters {
     CEvent event;
     std::atomic<int> about{0};
     std::atomic<int> woken{0};
-    static void Run(void* argument) {
+    static std::uint32_t Run(void* argument) {
         auto& waiters = *static_cast<Waiters*>(argument);
         waiters.about.fetch_add(1);
         if (waiters.event.Wait(2000) == 0) waiters.woken.fetch_add(1);
+        return 0;
     }
 };
 
@@ -162,9 +163,9 @@ TEST(CSyncObject, HasAVirtualDestructorAndWait) {
 
 struct SlowWork {
     std::atomic<int> finished{0};
-    static void Run(void* argument) {
+    static std::uint32_t Run(void* argument) {
         std::this_thread::sleep_for(std::chrono::milliseconds(30));
-        static_cast<SlowWork*>(argument)->finished.fetch_add(1);
+        return 0xC0FFEE00 + static_cast<std::uint32_t>(static_cast<SlowWork*>(argument)->finished.fetch_add(1));
     }
 };
 
@@ -192,6 +193,19 @@ TEST(CThread, WaitJoinsAndKeepsTheHandle) {
     thread.Close();
     EXPECT_EQ(thread.Handle(), nullptr);
     EXPECT_EQ(thread.Wait(), -9);
+}
+
+TEST(CThread, TellsWhatItsFunctionReturned) {
+    SlowWork work;
+    CThread thread;
+    EXPECT_EQ(thread.ExitCode(), 0u);
+    ASSERT_EQ(thread.Start(SlowWork::Run, &work), 0);
+    EXPECT_EQ(thread.ExitCode(), 0u);  // Not joined yet.
+    EXPECT_EQ(thread.Wait(), 0);
+    EXPECT_EQ(thread.ExitCode(), 0xC0FFEE00u);
+    ASSERT_EQ(thread.Start(SlowWork::Run, &work), 0);
+    EXPECT_EQ(thread.Wait(), 0);
+    EXPECT_EQ(thread.ExitCode(), 0xC0FFEE01u);
 }
 
 TEST(CThread, StartWaitsForTheThreadBefore) {
@@ -252,14 +266,15 @@ struct AffinityProbe {
     int processors = -1;
     bool onFirst = false;
     int first = 0;
-    static void Run(void* argument) {
+    static std::uint32_t Run(void* argument) {
         auto& probe = *static_cast<AffinityProbe*>(argument);
         probe.go.Wait();
         cpu_set_t set;
         CPU_ZERO(&set);
-        if (sched_getaffinity(0, sizeof(set), &set) != 0) return;
+        if (sched_getaffinity(0, sizeof(set), &set) != 0) return 1;
         probe.processors = CPU_COUNT(&set);
         probe.onFirst = CPU_ISSET(probe.first, &set);
+        return 0;
     }
 };
 
@@ -302,7 +317,7 @@ TEST(ThreadAffinity, AnswersNothingElse) {
 struct CountProbe {
     bool bindsItself = false;
     unsigned count = 0;
-    static void Run(void* argument) {
+    static std::uint32_t Run(void* argument) {
         auto& probe = *static_cast<CountProbe*>(argument);
         if (probe.bindsItself) {
             cpu_set_t set;
@@ -311,6 +326,7 @@ struct CountProbe {
             sched_setaffinity(0, sizeof(set), &set);
         }
         probe.count = GetProcessorCount();
+        return 0;
     }
 };
 

@@ -2,45 +2,12 @@
 #include <gtest/gtest.h>
 
 #include "h264/h264_decoder.h"
-#include "support/h264_bits.h"
+#include "support/h264_pictures.h"
 #include "support/h264_samples.h"
 #include "support/h264_stand_in.h"
 
 namespace h264 {
 namespace {
-
-using Bytes = std::vector<std::uint8_t>;
-
-Bytes Join(std::initializer_list<Bytes> parts) {
-    Bytes all;
-    for (const Bytes& part : parts) all.insert(all.end(), part.begin(), part.end());
-    return all;
-}
-
-SpsValues SmallSps(std::uint32_t dpbSize) {
-    SpsValues sps;
-    sps.restriction = true;
-    sps.maxDecFrameBuffering = dpbSize;
-    return sps;
-}
-
-/// A slice of the sets above. Without filtering where `filterIdc` is 1.
-Bytes Slice(std::uint32_t firstMb, std::uint32_t type, std::uint32_t frameNum, std::uint32_t lsb, bool idr = false,
-            std::uint32_t filterIdc = 0, std::uint32_t ppsId = 0) {
-    BitWriter w;
-    w.Ue(firstMb).Ue(type).Ue(ppsId).U(4, frameNum);
-    if (idr) w.Ue(0);
-    w.U(8, lsb);
-    if (type == 0) w.Flag(false).Flag(false);
-    if (idr) {
-        w.Flag(false).Flag(false);
-    } else {
-        w.Flag(false);
-    }
-    w.Se(0).Ue(filterIdc);
-    if (filterIdc != 1) w.Se(0).Se(0);
-    return w.U(16, 0x5A5A).Unit(1, idr ? 5 : 1);
-}
 
 struct Core {
     explicit Core(unsigned threads) : core(layers, threads) { EXPECT_EQ(core.Initialize({}), IMG_OK); }
@@ -61,9 +28,9 @@ struct Core {
 
 TEST(H264Core, FirstFramesWait) {
     Core core(1);
-    EXPECT_EQ(core.Decode(Join({SmallSps(4).Unit(), PpsValues().Unit(), Slice(0, 2, 0, 0, true)}), 0), 1);
-    for (std::uint32_t i = 1; i < 4; ++i) EXPECT_EQ(core.Decode(Slice(0, 0, i, 2 * i), i), 1);
-    EXPECT_EQ(core.Decode(Slice(0, 0, 4, 8), 4), 0);
+    EXPECT_EQ(core.Decode(Join({PlainSps(4).Unit(), PpsValues().Unit(), PlainSlice(0, 2, 0, 0, true)}), 0), 1);
+    for (std::uint32_t i = 1; i < 4; ++i) EXPECT_EQ(core.Decode(PlainSlice(0, 0, i, 2 * i), i), 1);
+    EXPECT_EQ(core.Decode(PlainSlice(0, 0, 4, 8), 4), 0);
     EXPECT_EQ(core.picture.GetTimes()->start, 0.0);
     // A single thread does all the work inside the call.
     EXPECT_EQ(core.layers.counts.macroblocks, 5u * 16);
@@ -77,9 +44,9 @@ TEST(H264Core, FirstFramesWait) {
 
 TEST(H264Core, SetsAloneAreNoPicture) {
     Core core(1);
-    EXPECT_EQ(core.Decode(Join({SmallSps(1).Unit(), PpsValues().Unit()})), 1);
+    EXPECT_EQ(core.Decode(Join({PlainSps(1).Unit(), PpsValues().Unit()})), 1);
     EXPECT_EQ(core.left, 0u);
-    EXPECT_EQ(core.Decode(Slice(0, 2, 0, 0, true, 0, 3)), IMG_E_FAILED);  // No such PPS.
+    EXPECT_EQ(core.Decode(PlainSlice(0, 2, 0, 0, true, 0, 3)), IMG_E_FAILED);  // No such PPS.
     EXPECT_EQ(core.left, 0u);
     EXPECT_EQ(core.Decode({}), 1);
     EXPECT_EQ(core.Decode({0, 0, 1}), 1);
@@ -91,13 +58,14 @@ TEST(H264Core, SetsAloneAreNoPicture) {
 
 TEST(H264Core, SlicesThatDoNotRiseAreRefused) {
     Core core(1);
-    const Bytes sets = Join({SmallSps(1).Unit(), PpsValues().Unit()});
+    const Bytes sets = Join({PlainSps(1).Unit(), PpsValues().Unit()});
     // 0, 8, again 8, back to 4, then 12: the last status is the last unit's.
-    EXPECT_EQ(core.Decode(Join({sets, Slice(0, 2, 0, 0, true), Slice(8, 2, 0, 0, true), Slice(8, 2, 0, 0, true),
-                                Slice(4, 2, 0, 0, true), Slice(12, 2, 0, 0, true)})),
-              1);
+    EXPECT_EQ(
+        core.Decode(Join({sets, PlainSlice(0, 2, 0, 0, true), PlainSlice(8, 2, 0, 0, true),
+                          PlainSlice(8, 2, 0, 0, true), PlainSlice(4, 2, 0, 0, true), PlainSlice(12, 2, 0, 0, true)})),
+        1);
     EXPECT_EQ(core.layers.counts.macroblocks, 16u);
-    EXPECT_EQ(core.Decode(Join({Slice(0, 0, 1, 2), Slice(0, 0, 1, 2)})), IMG_E_FAILED);
+    EXPECT_EQ(core.Decode(Join({PlainSlice(0, 0, 1, 2), PlainSlice(0, 0, 1, 2)})), IMG_E_FAILED);
     // The picture is there all the same.
     EXPECT_EQ(core.Flush(), 0);
     EXPECT_EQ(core.Flush(), 0);
@@ -112,10 +80,11 @@ TEST(H264Core, DamagedRowsAreConcealedAndNothingStaysPending) {
             core.layers.faults.throwAlways = kind == 1;
             core.layers.faults.filterThrowsEvery = kind == 2 ? 3 : 0;
             // Every picture comes, sooner or later.
-            int pictures = core.Decode(Join({SmallSps(2).Unit(), PpsValues().Unit(), Slice(0, 2, 0, 0, true)}), 0) == 0;
+            int pictures =
+                core.Decode(Join({PlainSps(2).Unit(), PpsValues().Unit(), PlainSlice(0, 2, 0, 0, true)}), 0) == 0;
             for (std::uint32_t i = 1; i < 30; ++i) {
-                const Bytes slices[] = {Slice(0, 0, i % 16, 2 * i, false, i % 3),
-                                        Slice(7, 0, i % 16, 2 * i, false, i % 2)};
+                const Bytes slices[] = {PlainSlice(0, 0, i % 16, 2 * i, false, i % 3),
+                                        PlainSlice(7, 0, i % 16, 2 * i, false, i % 2)};
                 pictures += core.Decode(Join({slices[0], slices[1]}), i) == 0;
             }
             while (core.Flush() == IMG_OK) ++pictures;
@@ -126,13 +95,13 @@ TEST(H264Core, DamagedRowsAreConcealedAndNothingStaysPending) {
 
 TEST(H264Core, FailingDeliveryIsTriedAgainAndAThrownOneCounts) {
     Core core(1);
-    core.Decode(Join({SmallSps(1).Unit(), PpsValues().Unit(), Slice(0, 2, 0, 0, true)}), 0);
+    core.Decode(Join({PlainSps(1).Unit(), PpsValues().Unit(), PlainSlice(0, 2, 0, 0, true)}), 0);
     core.layers.faults.failingDeliveries = 5;
-    EXPECT_EQ(core.Decode(Slice(0, 0, 1, 2), 1), 0);
+    EXPECT_EQ(core.Decode(PlainSlice(0, 0, 1, 2), 1), 0);
     EXPECT_EQ(core.layers.faults.failingDeliveries, 0u);
     EXPECT_EQ(core.picture.GetTimes()->start, 0.0);
     core.layers.faults.throwingDeliveries = 1;
-    EXPECT_EQ(core.Decode(Slice(0, 0, 2, 4), 2), 0);
+    EXPECT_EQ(core.Decode(PlainSlice(0, 0, 2, 4), 2), 0);
     EXPECT_EQ(core.picture.GetTimes()->start, 0.0);  // Nothing came of frame 1.
     EXPECT_EQ(core.Flush(), 0);
     EXPECT_EQ(core.picture.GetTimes()->start, 2.0);
@@ -140,9 +109,9 @@ TEST(H264Core, FailingDeliveryIsTriedAgainAndAThrownOneCounts) {
 
 TEST(H264Core, ADestinationThatCannotBeServedFailsBeforeItIsKept) {
     Core core(2);
-    core.Decode(Join({SmallSps(1).Unit(), PpsValues().Unit(), Slice(0, 2, 0, 0, true)}), 0);
+    core.Decode(Join({PlainSps(1).Unit(), PpsValues().Unit(), PlainSlice(0, 2, 0, 0, true)}), 0);
     core.layers.faults.check = IMG_E_UNSUPPORTED;
-    EXPECT_EQ(core.Decode(Slice(0, 0, 1, 2), 1), IMG_E_UNSUPPORTED);
+    EXPECT_EQ(core.Decode(PlainSlice(0, 0, 1, 2), 1), IMG_E_UNSUPPORTED);
     core.layers.faults.check = IMG_OK;
     EXPECT_EQ(core.Flush(), 0);
     EXPECT_EQ(core.picture.GetTimes()->start, 0.0);
@@ -151,9 +120,9 @@ TEST(H264Core, ADestinationThatCannotBeServedFailsBeforeItIsKept) {
 TEST(H264Core, RestartDropsPicturesAndKeepsSetsAsAsked) {
     for (unsigned threads : {1u, 4u}) {
         Core core(threads);
-        const Bytes idr = Slice(0, 2, 0, 0, true);
-        core.Decode(Join({SmallSps(3).Unit(), PpsValues().Unit(), idr}), 0);
-        core.Decode(Slice(0, 0, 1, 2), 1);
+        const Bytes idr = PlainSlice(0, 2, 0, 0, true);
+        core.Decode(Join({PlainSps(3).Unit(), PpsValues().Unit(), idr}), 0);
+        core.Decode(PlainSlice(0, 0, 1, 2), 1);
         EXPECT_EQ(core.core.Restart(false), IMG_OK);
         EXPECT_EQ(core.Flush(), IMG_E_PAST_END);
         EXPECT_EQ(core.Decode(idr, 7), 1);
@@ -166,17 +135,17 @@ TEST(H264Core, RestartDropsPicturesAndKeepsSetsAsAsked) {
 
 TEST(H264Core, AnotherSizeWithoutIdrRefersToNothing) {
     Core core(2);
-    SpsValues larger = SmallSps(2);
+    SpsValues larger = PlainSps(2);
     larger.id = 1;
     larger.widthInMbs = 40;
     larger.levelIdc = 40;
     PpsValues second;
     second.id = 1;
     second.spsId = 1;
-    core.Decode(Join({SmallSps(2).Unit(), PpsValues().Unit(), Slice(0, 2, 0, 0, true)}), 0);
-    core.Decode(Slice(0, 0, 1, 2), 1);
+    core.Decode(Join({PlainSps(2).Unit(), PpsValues().Unit(), PlainSlice(0, 2, 0, 0, true)}), 0);
+    core.Decode(PlainSlice(0, 0, 1, 2), 1);
     const std::uint64_t read = core.layers.counts.referencesRead;
-    core.Decode(Join({larger.Unit(), second.Unit(), Slice(0, 0, 2, 4, false, 0, 1)}), 2);
+    core.Decode(Join({larger.Unit(), second.Unit(), PlainSlice(0, 0, 2, 4, false, 0, 1)}), 2);
     while (core.Flush() == IMG_OK) {
     }
     EXPECT_LE(core.layers.counts.referencesRead - read, 16u);  // Those of the small picture only.

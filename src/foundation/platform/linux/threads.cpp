@@ -43,13 +43,13 @@ struct Thread {
     pthread_t id{};
     ThreadFunction function = nullptr;
     void* argument = nullptr;
+    std::uint32_t exitCode = 0;
     bool joined = false;
 };
 
 void* RunThread(void* raw) {
     const Thread* const thread = static_cast<Thread*>(raw);
-    thread->function(thread->argument);
-    return nullptr;
+    return reinterpret_cast<void*>(std::uintptr_t{thread->function(thread->argument)});
 }
 
 }  // namespace
@@ -115,9 +115,13 @@ ThreadHandle StartThread(ThreadFunction function, void* argument) {
 bool JoinThread(ThreadHandle handle) {
     Thread* const thread = static_cast<Thread*>(handle);
     if (thread->joined) return true;
-    thread->joined = pthread_join(thread->id, nullptr) == 0;
+    void* result = nullptr;
+    thread->joined = pthread_join(thread->id, &result) == 0;
+    if (thread->joined) thread->exitCode = static_cast<std::uint32_t>(reinterpret_cast<std::uintptr_t>(result));
     return thread->joined;
 }
+
+std::uint32_t ThreadExitCode(ThreadHandle handle) { return static_cast<Thread*>(handle)->exitCode; }
 
 void DestroyThread(ThreadHandle handle) { delete static_cast<Thread*>(handle); }
 
