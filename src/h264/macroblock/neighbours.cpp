@@ -71,8 +71,7 @@ void FindNeighboursMbaff(const H264NeighbourPairs& around, const H264MacroblockR
             found.leftRows[row] = static_cast<std::uint8_t>((first + 4 * row) / 2 / 4);
             if (row > 0) found.corners[row] = {left + stride, RightBlock((first + 4 * row - 1) / 2)};
         }
-        // The table of the standard takes the top field here all the same.
-        if (bottom) found.corners[0] = {left, RightBlock(7)};
+        if (bottom) found.corners[0] = {left + stride, RightBlock(7)};
     }
     if (field || !bottom) found.corners[0] = {above(around.topLeft), kLastBlock};
 }
