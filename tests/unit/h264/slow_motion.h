@@ -95,7 +95,7 @@ private:
             if (x >= 0) return Block(static_cast<int>(current_) - 1, x, y);
             const int left = Around(-1, 0);
             if (left < 0) return {};
-            return IsFrame(left) ? Block(left, x, y) : Block(left + kLeftFieldOfRow15, x, 7);
+            return IsFrame(left) ? Block(left, x, y) : Block(left + 1, x, 7);
         }
         if (y < 0) {
             const int above = Around(x < 0 ? -1 : x > 15 ? 1 : 0, -1);
@@ -113,7 +113,6 @@ private:
         const int inPair = 2 * y + (top ? 0 : 1);
         return Block(left + inPair / 16, x, inPair % 16);
     }
-    static constexpr int kLeftFieldOfRow15 = 0;
 
     const SlowPicture& picture_;
     unsigned current_;
