@@ -34,7 +34,8 @@ TEST(H264IntraAvailability, UpperRightBlocksFollowTheCodingOrder) {
         if (y > 0 && x < 12) expected = CodingIndex(x + 4, y - 1) < CodingIndex(x, y);
         const std::uint32_t found = all.Of4x4(static_cast<unsigned>(place));
         EXPECT_EQ((found & NEIGHBOUR_TOP_RIGHT) != 0, expected) << place;
-        EXPECT_EQ(found | NEIGHBOUR_TOP_RIGHT, NEIGHBOUR_LEFT | NEIGHBOUR_TOP | NEIGHBOUR_TOP_LEFT | NEIGHBOUR_TOP_RIGHT);
+        EXPECT_EQ(found | NEIGHBOUR_TOP_RIGHT,
+                  NEIGHBOUR_LEFT | NEIGHBOUR_TOP | NEIGHBOUR_TOP_LEFT | NEIGHBOUR_TOP_RIGHT);
     }
     EXPECT_NE(all.Of8x8(0) & NEIGHBOUR_TOP_RIGHT, 0u);
     EXPECT_NE(all.Of8x8(1) & NEIGHBOUR_TOP_RIGHT, 0u);
@@ -90,7 +91,8 @@ LeftSample LeftOf(bool currentIsFrame, bool currentIsBottom, bool leftIsFrame, i
 }
 
 using Layer = h264::ChosenMacroblock<
-    2, CH264ConstructorHigh<2, 1, 0, std::uint8_t, TH264MotionCompensation<2, 1, std::uint8_t, CH264DecompressorMBAFF>>>;
+    2,
+    CH264ConstructorHigh<2, 1, 0, std::uint8_t, TH264MotionCompensation<2, 1, std::uint8_t, CH264DecompressorMBAFF>>>;
 struct Processor : Layer {
     using Layer::Availability;
     using Layer::neighbours_;
@@ -122,6 +124,11 @@ TEST(H264IntraAvailability, LeftSamplesOfMbaffAreBesideTheirRows) {
             EXPECT_EQ(processor.planes_[0] + y * processor.stride_ - 1, expected) << "row " << y << ", mix " << mix;
             const H264MacroblockRecord& mb = left[sample.bottomMb ? frame->recordStride : 0];
             available[y] = !slice.pps.constrainedIntraPred || (mb.mbType & 1) != 0;
+        }
+        if (!isField && isBottom) {
+            // Row 15 of the pair: the last of the top frame macroblock, or one of the bottom field.
+            const H264MacroblockRecord& mb = left[leftIsField ? frame->recordStride : 0];
+            EXPECT_EQ(found.corners[0], !slice.pps.constrainedIntraPred || (mb.mbType & 1) != 0) << "mix " << mix;
         }
         for (unsigned block = 0; block < 4; ++block) {
             bool expected = true;
