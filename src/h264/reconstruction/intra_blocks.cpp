@@ -78,26 +78,30 @@ int DcOf(const NeighbourLine<kSize>& line, std::uint32_t bitDepth) {
     return 1 << (bitDepth - 1);
 }
 
+/// What a mode makes of each sample, where its neighbours are there.
+template <int kSize, H264IntraBlockMode kMode>
+struct Mode;
+
 template <int kSize>
-struct Dc {
+struct Mode<kSize, INTRA_BLOCK_DC> {
     static bool Has(const NeighbourLine<kSize>&) { return false; }
     static int At(const NeighbourLine<kSize>&, int, int) { return 0; }
 };
 
 template <int kSize>
-struct Vertical {
+struct Mode<kSize, INTRA_BLOCK_VERTICAL> {
     static bool Has(const NeighbourLine<kSize>& line) { return line.HasTop(); }
     static int At(const NeighbourLine<kSize>& line, int x, int) { return line.Top(x); }
 };
 
 template <int kSize>
-struct Horizontal {
+struct Mode<kSize, INTRA_BLOCK_HORIZONTAL> {
     static bool Has(const NeighbourLine<kSize>& line) { return line.HasLeft(); }
     static int At(const NeighbourLine<kSize>& line, int, int y) { return line.Left(y); }
 };
 
 template <int kSize>
-struct DiagonalDownLeft {
+struct Mode<kSize, INTRA_BLOCK_DIAGONAL_DOWN_LEFT> {
     static bool Has(const NeighbourLine<kSize>& line) { return line.HasTop(); }
     static int At(const NeighbourLine<kSize>& line, int x, int y) {
         const int i = x + y + 2;
@@ -106,13 +110,13 @@ struct DiagonalDownLeft {
 };
 
 template <int kSize>
-struct DiagonalDownRight {
+struct Mode<kSize, INTRA_BLOCK_DIAGONAL_DOWN_RIGHT> {
     static bool Has(const NeighbourLine<kSize>& line) { return line.HasAll(); }
     static int At(const NeighbourLine<kSize>& line, int x, int y) { return line.Smooth(x - y); }
 };
 
 template <int kSize>
-struct VerticalRight {
+struct Mode<kSize, INTRA_BLOCK_VERTICAL_RIGHT> {
     static bool Has(const NeighbourLine<kSize>& line) { return line.HasAll(); }
     static int At(const NeighbourLine<kSize>& line, int x, int y) {
         const int place = 2 * x - y, i = x - (y >> 1);
@@ -122,7 +126,7 @@ struct VerticalRight {
 };
 
 template <int kSize>
-struct HorizontalDown {
+struct Mode<kSize, INTRA_BLOCK_HORIZONTAL_DOWN> {
     static bool Has(const NeighbourLine<kSize>& line) { return line.HasAll(); }
     static int At(const NeighbourLine<kSize>& line, int x, int y) {
         const int place = 2 * y - x, i = y - (x >> 1);
@@ -132,7 +136,7 @@ struct HorizontalDown {
 };
 
 template <int kSize>
-struct VerticalLeft {
+struct Mode<kSize, INTRA_BLOCK_VERTICAL_LEFT> {
     static bool Has(const NeighbourLine<kSize>& line) { return line.HasTop(); }
     static int At(const NeighbourLine<kSize>& line, int x, int y) {
         const int i = x + (y >> 1) + 1;
@@ -141,7 +145,7 @@ struct VerticalLeft {
 };
 
 template <int kSize>
-struct HorizontalUp {
+struct Mode<kSize, INTRA_BLOCK_HORIZONTAL_UP> {
     static bool Has(const NeighbourLine<kSize>& line) { return line.HasLeft(); }
     static int At(const NeighbourLine<kSize>& line, int x, int y) {
         const int place = x + 2 * y, i = -(y + (x >> 1)) - 1;
@@ -151,11 +155,11 @@ struct HorizontalUp {
     }
 };
 
-template <int kSize, template <int> class Mode, class Sample>
+template <int kSize, H264IntraBlockMode kMode, class Sample>
 void Predict(Sample* samples, std::ptrdiff_t stride, std::uint32_t neighbours, std::uint32_t bitDepth) {
     const NeighbourLine<kSize> line(samples, stride, neighbours);
-    if (Mode<kSize>::Has(line)) {
-        SetBlock<kSize>(samples, stride, [&](int x, int y) { return Mode<kSize>::At(line, x, y); });
+    if (Mode<kSize, kMode>::Has(line)) {
+        SetBlock<kSize>(samples, stride, [&](int x, int y) { return Mode<kSize, kMode>::At(line, x, y); });
     } else {
         const int dc = DcOf(line, bitDepth);
         SetBlock<kSize>(samples, stride, [dc](int, int) { return dc; });
@@ -164,26 +168,69 @@ void Predict(Sample* samples, std::ptrdiff_t stride, std::uint32_t neighbours, s
 
 }  // namespace
 
-#define PIXMORPH_H264_DEFINE(mode, size, length, Kind, Sample)                                                \
-    void plain::H264Intra##size##mode##Kind(Sample* samples, std::ptrdiff_t stride, std::uint32_t neighbours, \
-                                            std::uint32_t bitDepth) {                                         \
-        Predict<length, mode>(samples, stride, neighbours, bitDepth);                                         \
-    }
-PIXMORPH_H264_BLOCK_MODES(PIXMORPH_H264_DEFINE, 4x4, 4, Bytes, std::uint8_t)
-PIXMORPH_H264_BLOCK_MODES(PIXMORPH_H264_DEFINE, 4x4, 4, Words, std::uint16_t)
-PIXMORPH_H264_BLOCK_MODES(PIXMORPH_H264_DEFINE, 8x8, 8, Bytes, std::uint8_t)
-PIXMORPH_H264_BLOCK_MODES(PIXMORPH_H264_DEFINE, 8x8, 8, Words, std::uint16_t)
-#undef PIXMORPH_H264_DEFINE
+template <H264IntraBlockMode kMode>
+void plain::H264Intra4x4Bytes(std::uint8_t* samples, std::ptrdiff_t stride, std::uint32_t neighbours,
+                              std::uint32_t bitDepth) {
+    Predict<4, kMode>(samples, stride, neighbours, bitDepth);
+}
 
-#define PIXMORPH_H264_ROW(mode, size, Kind) {plain::H264Intra##size##mode##Kind, nullptr, nullptr, nullptr},
+template <H264IntraBlockMode kMode>
+void plain::H264Intra4x4Words(std::uint16_t* samples, std::ptrdiff_t stride, std::uint32_t neighbours,
+                              std::uint32_t bitDepth) {
+    Predict<4, kMode>(samples, stride, neighbours, bitDepth);
+}
+
+template <H264IntraBlockMode kMode>
+void plain::H264Intra8x8Bytes(std::uint8_t* samples, std::ptrdiff_t stride, std::uint32_t neighbours,
+                              std::uint32_t bitDepth) {
+    Predict<8, kMode>(samples, stride, neighbours, bitDepth);
+}
+
+template <H264IntraBlockMode kMode>
+void plain::H264Intra8x8Words(std::uint16_t* samples, std::ptrdiff_t stride, std::uint32_t neighbours,
+                              std::uint32_t bitDepth) {
+    Predict<8, kMode>(samples, stride, neighbours, bitDepth);
+}
+
 PIXMORPH_SLOT_TABLE(H264PredictIntraBytes, INTRA_BLOCK_MODES, H264Intra4x4Bytes,
-                    PIXMORPH_H264_BLOCK_MODES(PIXMORPH_H264_ROW, 4x4, Bytes));
+                    {plain::H264Intra4x4Bytes<INTRA_BLOCK_VERTICAL>, nullptr, nullptr, nullptr},
+                    {plain::H264Intra4x4Bytes<INTRA_BLOCK_HORIZONTAL>, nullptr, nullptr, nullptr},
+                    {plain::H264Intra4x4Bytes<INTRA_BLOCK_DC>, nullptr, nullptr, nullptr},
+                    {plain::H264Intra4x4Bytes<INTRA_BLOCK_DIAGONAL_DOWN_LEFT>, nullptr, nullptr, nullptr},
+                    {plain::H264Intra4x4Bytes<INTRA_BLOCK_DIAGONAL_DOWN_RIGHT>, nullptr, nullptr, nullptr},
+                    {plain::H264Intra4x4Bytes<INTRA_BLOCK_VERTICAL_RIGHT>, nullptr, nullptr, nullptr},
+                    {plain::H264Intra4x4Bytes<INTRA_BLOCK_HORIZONTAL_DOWN>, nullptr, nullptr, nullptr},
+                    {plain::H264Intra4x4Bytes<INTRA_BLOCK_VERTICAL_LEFT>, nullptr, nullptr, nullptr},
+                    {plain::H264Intra4x4Bytes<INTRA_BLOCK_HORIZONTAL_UP>, nullptr, nullptr, nullptr});
 PIXMORPH_SLOT_TABLE(H264PredictIntraWords, INTRA_BLOCK_MODES, H264Intra4x4Words,
-                    PIXMORPH_H264_BLOCK_MODES(PIXMORPH_H264_ROW, 4x4, Words));
+                    {plain::H264Intra4x4Words<INTRA_BLOCK_VERTICAL>, nullptr, nullptr, nullptr},
+                    {plain::H264Intra4x4Words<INTRA_BLOCK_HORIZONTAL>, nullptr, nullptr, nullptr},
+                    {plain::H264Intra4x4Words<INTRA_BLOCK_DC>, nullptr, nullptr, nullptr},
+                    {plain::H264Intra4x4Words<INTRA_BLOCK_DIAGONAL_DOWN_LEFT>, nullptr, nullptr, nullptr},
+                    {plain::H264Intra4x4Words<INTRA_BLOCK_DIAGONAL_DOWN_RIGHT>, nullptr, nullptr, nullptr},
+                    {plain::H264Intra4x4Words<INTRA_BLOCK_VERTICAL_RIGHT>, nullptr, nullptr, nullptr},
+                    {plain::H264Intra4x4Words<INTRA_BLOCK_HORIZONTAL_DOWN>, nullptr, nullptr, nullptr},
+                    {plain::H264Intra4x4Words<INTRA_BLOCK_VERTICAL_LEFT>, nullptr, nullptr, nullptr},
+                    {plain::H264Intra4x4Words<INTRA_BLOCK_HORIZONTAL_UP>, nullptr, nullptr, nullptr});
 PIXMORPH_SLOT_TABLE(H264PredictIntraBytes, INTRA_BLOCK_MODES, H264Intra8x8Bytes,
-                    PIXMORPH_H264_BLOCK_MODES(PIXMORPH_H264_ROW, 8x8, Bytes));
+                    {plain::H264Intra8x8Bytes<INTRA_BLOCK_VERTICAL>, nullptr, nullptr, nullptr},
+                    {plain::H264Intra8x8Bytes<INTRA_BLOCK_HORIZONTAL>, nullptr, nullptr, nullptr},
+                    {plain::H264Intra8x8Bytes<INTRA_BLOCK_DC>, nullptr, nullptr, nullptr},
+                    {plain::H264Intra8x8Bytes<INTRA_BLOCK_DIAGONAL_DOWN_LEFT>, nullptr, nullptr, nullptr},
+                    {plain::H264Intra8x8Bytes<INTRA_BLOCK_DIAGONAL_DOWN_RIGHT>, nullptr, nullptr, nullptr},
+                    {plain::H264Intra8x8Bytes<INTRA_BLOCK_VERTICAL_RIGHT>, nullptr, nullptr, nullptr},
+                    {plain::H264Intra8x8Bytes<INTRA_BLOCK_HORIZONTAL_DOWN>, nullptr, nullptr, nullptr},
+                    {plain::H264Intra8x8Bytes<INTRA_BLOCK_VERTICAL_LEFT>, nullptr, nullptr, nullptr},
+                    {plain::H264Intra8x8Bytes<INTRA_BLOCK_HORIZONTAL_UP>, nullptr, nullptr, nullptr});
 PIXMORPH_SLOT_TABLE(H264PredictIntraWords, INTRA_BLOCK_MODES, H264Intra8x8Words,
-                    PIXMORPH_H264_BLOCK_MODES(PIXMORPH_H264_ROW, 8x8, Words));
-#undef PIXMORPH_H264_ROW
+                    {plain::H264Intra8x8Words<INTRA_BLOCK_VERTICAL>, nullptr, nullptr, nullptr},
+                    {plain::H264Intra8x8Words<INTRA_BLOCK_HORIZONTAL>, nullptr, nullptr, nullptr},
+                    {plain::H264Intra8x8Words<INTRA_BLOCK_DC>, nullptr, nullptr, nullptr},
+                    {plain::H264Intra8x8Words<INTRA_BLOCK_DIAGONAL_DOWN_LEFT>, nullptr, nullptr, nullptr},
+                    {plain::H264Intra8x8Words<INTRA_BLOCK_DIAGONAL_DOWN_RIGHT>, nullptr, nullptr, nullptr},
+                    {plain::H264Intra8x8Words<INTRA_BLOCK_VERTICAL_RIGHT>, nullptr, nullptr, nullptr},
+                    {plain::H264Intra8x8Words<INTRA_BLOCK_HORIZONTAL_DOWN>, nullptr, nullptr, nullptr},
+                    {plain::H264Intra8x8Words<INTRA_BLOCK_VERTICAL_LEFT>, nullptr, nullptr, nullptr},
+                    {plain::H264Intra8x8Words<INTRA_BLOCK_HORIZONTAL_UP>, nullptr, nullptr, nullptr});
 
 }  // namespace KorvaneSoftware

@@ -5,10 +5,7 @@
 namespace KorvaneSoftware {
 namespace {
 
-#include "h264/reconstruction/plane_slope.inc.h"
-
-bool HasTop(std::uint32_t neighbours) { return (neighbours & NEIGHBOUR_TOP) != 0; }
-bool HasLeft(std::uint32_t neighbours) { return (neighbours & NEIGHBOUR_LEFT) == NEIGHBOUR_LEFT; }
+#include "h264/reconstruction/macroblock_neighbours.inc.h"
 
 template <int kWidth, int kHeight, class Sample>
 void SetBlock(Sample* samples, std::ptrdiff_t stride, int value) {
@@ -78,8 +75,7 @@ void PredictHorizontal(Sample* samples, std::ptrdiff_t stride, std::uint32_t nei
 
 template <int kWidth, int kHeight, class Sample>
 void PredictPlane(Sample* samples, std::ptrdiff_t stride, std::uint32_t neighbours, std::uint32_t bitDepth) {
-    if (!HasTop(neighbours) || !HasLeft(neighbours) || (neighbours & NEIGHBOUR_TOP_LEFT) == 0)
-        return PredictDc<kWidth, kHeight>(samples, stride, neighbours, bitDepth);
+    if (!HasAll(neighbours)) return PredictDc<kWidth, kHeight>(samples, stride, neighbours, bitDepth);
     const int maxSample = TH264SampleType<Sample>::MaxSample(bitDepth);
     const Plane plane = PlaneOf<kWidth, kHeight>(samples, stride);
     for (int y = 0; y < kHeight; ++y, samples += stride)
@@ -87,43 +83,115 @@ void PredictPlane(Sample* samples, std::ptrdiff_t stride, std::uint32_t neighbou
             samples[x] = ClipH264Sample<Sample>((plane.origin + plane.across * x + plane.down * y) >> 5, maxSample);
 }
 
+/// Which of the four kinds a mode is.
+enum class Kind { DC, VERTICAL, HORIZONTAL, PLANE };
+
+template <int kWidth, int kHeight, Kind kKind, class Sample>
+void Predict(Sample* samples, std::ptrdiff_t stride, std::uint32_t neighbours, std::uint32_t bitDepth) {
+    if constexpr (kKind == Kind::DC) PredictDc<kWidth, kHeight>(samples, stride, neighbours, bitDepth);
+    if constexpr (kKind == Kind::VERTICAL) PredictVertical<kWidth, kHeight>(samples, stride, neighbours, bitDepth);
+    if constexpr (kKind == Kind::HORIZONTAL) PredictHorizontal<kWidth, kHeight>(samples, stride, neighbours, bitDepth);
+    if constexpr (kKind == Kind::PLANE) PredictPlane<kWidth, kHeight>(samples, stride, neighbours, bitDepth);
+}
+
+constexpr Kind KindOf(H264Intra16x16Mode mode) {
+    constexpr Kind kKinds[] = {Kind::VERTICAL, Kind::HORIZONTAL, Kind::DC, Kind::PLANE};
+    return kKinds[mode];
+}
+constexpr Kind KindOf(H264IntraChromaMode mode) {
+    constexpr Kind kKinds[] = {Kind::DC, Kind::HORIZONTAL, Kind::VERTICAL, Kind::PLANE};
+    return kKinds[mode];
+}
+
 }  // namespace
 
-#define PIXMORPH_H264_DEFINE(mode, size, width, height, Kind, Sample)                                         \
-    void plain::H264Intra##size##mode##Kind(Sample* samples, std::ptrdiff_t stride, std::uint32_t neighbours, \
-                                            std::uint32_t bitDepth) {                                         \
-        Predict##mode<width, height>(samples, stride, neighbours, bitDepth);                                  \
-    }
-PIXMORPH_H264_16X16_MODES(PIXMORPH_H264_DEFINE, 16x16, 16, 16, Bytes, std::uint8_t)
-PIXMORPH_H264_16X16_MODES(PIXMORPH_H264_DEFINE, 16x16, 16, 16, Words, std::uint16_t)
-PIXMORPH_H264_CHROMA_MODES(PIXMORPH_H264_DEFINE, Chroma8x8, 8, 8, Bytes, std::uint8_t)
-PIXMORPH_H264_CHROMA_MODES(PIXMORPH_H264_DEFINE, Chroma8x8, 8, 8, Words, std::uint16_t)
-PIXMORPH_H264_CHROMA_MODES(PIXMORPH_H264_DEFINE, Chroma8x16, 8, 16, Bytes, std::uint8_t)
-PIXMORPH_H264_CHROMA_MODES(PIXMORPH_H264_DEFINE, Chroma8x16, 8, 16, Words, std::uint16_t)
-#undef PIXMORPH_H264_DEFINE
+template <H264Intra16x16Mode kMode>
+void plain::H264Intra16x16Bytes(std::uint8_t* samples, std::ptrdiff_t stride, std::uint32_t neighbours,
+                                std::uint32_t bitDepth) {
+    Predict<16, 16, KindOf(kMode)>(samples, stride, neighbours, bitDepth);
+}
+template <H264Intra16x16Mode kMode>
+void plain::H264Intra16x16Words(std::uint16_t* samples, std::ptrdiff_t stride, std::uint32_t neighbours,
+                                std::uint32_t bitDepth) {
+    Predict<16, 16, KindOf(kMode)>(samples, stride, neighbours, bitDepth);
+}
+template <H264IntraChromaMode kMode>
+void plain::H264IntraChroma8x8Bytes(std::uint8_t* samples, std::ptrdiff_t stride, std::uint32_t neighbours,
+                                    std::uint32_t bitDepth) {
+    Predict<8, 8, KindOf(kMode)>(samples, stride, neighbours, bitDepth);
+}
+template <H264IntraChromaMode kMode>
+void plain::H264IntraChroma8x8Words(std::uint16_t* samples, std::ptrdiff_t stride, std::uint32_t neighbours,
+                                    std::uint32_t bitDepth) {
+    Predict<8, 8, KindOf(kMode)>(samples, stride, neighbours, bitDepth);
+}
+template <H264IntraChromaMode kMode>
+void plain::H264IntraChroma8x16Bytes(std::uint8_t* samples, std::ptrdiff_t stride, std::uint32_t neighbours,
+                                     std::uint32_t bitDepth) {
+    Predict<8, 16, KindOf(kMode)>(samples, stride, neighbours, bitDepth);
+}
+template <H264IntraChromaMode kMode>
+void plain::H264IntraChroma8x16Words(std::uint16_t* samples, std::ptrdiff_t stride, std::uint32_t neighbours,
+                                     std::uint32_t bitDepth) {
+    Predict<8, 16, KindOf(kMode)>(samples, stride, neighbours, bitDepth);
+}
 
-#define PIXMORPH_H264_PLAIN(name) \
-    { plain::name, nullptr, nullptr, nullptr }
-#define PIXMORPH_H264_SSE41(name) \
-    { plain::name, simd_sse41::name, nullptr, nullptr }
+// What the vector forms fall back to.
+template H264PredictIntraBytes plain::H264Intra16x16Bytes<INTRA_16X16_DC>;
+template H264PredictIntraWords plain::H264Intra16x16Words<INTRA_16X16_DC>;
+template H264PredictIntraBytes plain::H264IntraChroma8x8Bytes<INTRA_CHROMA_DC>;
+template H264PredictIntraWords plain::H264IntraChroma8x8Words<INTRA_CHROMA_DC>;
+template H264PredictIntraBytes plain::H264IntraChroma8x16Bytes<INTRA_CHROMA_DC>;
+template H264PredictIntraWords plain::H264IntraChroma8x16Words<INTRA_CHROMA_DC>;
+
 // DC prediction is mostly sums of single samples: it stays plain.
-#define PIXMORPH_H264_TABLES(Kind)                                                                                    \
-    PIXMORPH_SLOT_TABLE(H264PredictIntra##Kind, INTRA_16X16_MODES, H264Intra16x16##Kind,                              \
-                        PIXMORPH_H264_SSE41(H264Intra16x16Vertical##Kind),                                            \
-                        PIXMORPH_H264_SSE41(H264Intra16x16Horizontal##Kind),                                          \
-                        PIXMORPH_H264_PLAIN(H264Intra16x16Dc##Kind), PIXMORPH_H264_SSE41(H264Intra16x16Plane##Kind)); \
-    PIXMORPH_SLOT_TABLE(                                                                                              \
-        H264PredictIntra##Kind, INTRA_CHROMA_MODES, H264IntraChroma8x8##Kind,                                         \
-        PIXMORPH_H264_PLAIN(H264IntraChroma8x8Dc##Kind), PIXMORPH_H264_SSE41(H264IntraChroma8x8Horizontal##Kind),     \
-        PIXMORPH_H264_SSE41(H264IntraChroma8x8Vertical##Kind), PIXMORPH_H264_SSE41(H264IntraChroma8x8Plane##Kind));   \
-    PIXMORPH_SLOT_TABLE(                                                                                              \
-        H264PredictIntra##Kind, INTRA_CHROMA_MODES, H264IntraChroma8x16##Kind,                                        \
-        PIXMORPH_H264_PLAIN(H264IntraChroma8x16Dc##Kind), PIXMORPH_H264_SSE41(H264IntraChroma8x16Horizontal##Kind),   \
-        PIXMORPH_H264_SSE41(H264IntraChroma8x16Vertical##Kind), PIXMORPH_H264_SSE41(H264IntraChroma8x16Plane##Kind))
-PIXMORPH_H264_TABLES(Bytes);
-PIXMORPH_H264_TABLES(Words);
-#undef PIXMORPH_H264_PLAIN
-#undef PIXMORPH_H264_SSE41
-#undef PIXMORPH_H264_TABLES
+PIXMORPH_SLOT_TABLE(H264PredictIntraBytes, INTRA_16X16_MODES, H264Intra16x16Bytes,
+                    {plain::H264Intra16x16Bytes<INTRA_16X16_VERTICAL>,
+                     simd_sse41::H264Intra16x16Bytes<INTRA_16X16_VERTICAL>, nullptr, nullptr},
+                    {plain::H264Intra16x16Bytes<INTRA_16X16_HORIZONTAL>,
+                     simd_sse41::H264Intra16x16Bytes<INTRA_16X16_HORIZONTAL>, nullptr, nullptr},
+                    {plain::H264Intra16x16Bytes<INTRA_16X16_DC>, nullptr, nullptr, nullptr},
+                    {plain::H264Intra16x16Bytes<INTRA_16X16_PLANE>, simd_sse41::H264Intra16x16Bytes<INTRA_16X16_PLANE>,
+                     nullptr, nullptr});
+PIXMORPH_SLOT_TABLE(H264PredictIntraWords, INTRA_16X16_MODES, H264Intra16x16Words,
+                    {plain::H264Intra16x16Words<INTRA_16X16_VERTICAL>,
+                     simd_sse41::H264Intra16x16Words<INTRA_16X16_VERTICAL>, nullptr, nullptr},
+                    {plain::H264Intra16x16Words<INTRA_16X16_HORIZONTAL>,
+                     simd_sse41::H264Intra16x16Words<INTRA_16X16_HORIZONTAL>, nullptr, nullptr},
+                    {plain::H264Intra16x16Words<INTRA_16X16_DC>, nullptr, nullptr, nullptr},
+                    {plain::H264Intra16x16Words<INTRA_16X16_PLANE>, simd_sse41::H264Intra16x16Words<INTRA_16X16_PLANE>,
+                     nullptr, nullptr});
+PIXMORPH_SLOT_TABLE(H264PredictIntraBytes, INTRA_CHROMA_MODES, H264IntraChroma8x8Bytes,
+                    {plain::H264IntraChroma8x8Bytes<INTRA_CHROMA_DC>, nullptr, nullptr, nullptr},
+                    {plain::H264IntraChroma8x8Bytes<INTRA_CHROMA_HORIZONTAL>,
+                     simd_sse41::H264IntraChroma8x8Bytes<INTRA_CHROMA_HORIZONTAL>, nullptr, nullptr},
+                    {plain::H264IntraChroma8x8Bytes<INTRA_CHROMA_VERTICAL>,
+                     simd_sse41::H264IntraChroma8x8Bytes<INTRA_CHROMA_VERTICAL>, nullptr, nullptr},
+                    {plain::H264IntraChroma8x8Bytes<INTRA_CHROMA_PLANE>,
+                     simd_sse41::H264IntraChroma8x8Bytes<INTRA_CHROMA_PLANE>, nullptr, nullptr});
+PIXMORPH_SLOT_TABLE(H264PredictIntraWords, INTRA_CHROMA_MODES, H264IntraChroma8x8Words,
+                    {plain::H264IntraChroma8x8Words<INTRA_CHROMA_DC>, nullptr, nullptr, nullptr},
+                    {plain::H264IntraChroma8x8Words<INTRA_CHROMA_HORIZONTAL>,
+                     simd_sse41::H264IntraChroma8x8Words<INTRA_CHROMA_HORIZONTAL>, nullptr, nullptr},
+                    {plain::H264IntraChroma8x8Words<INTRA_CHROMA_VERTICAL>,
+                     simd_sse41::H264IntraChroma8x8Words<INTRA_CHROMA_VERTICAL>, nullptr, nullptr},
+                    {plain::H264IntraChroma8x8Words<INTRA_CHROMA_PLANE>,
+                     simd_sse41::H264IntraChroma8x8Words<INTRA_CHROMA_PLANE>, nullptr, nullptr});
+PIXMORPH_SLOT_TABLE(H264PredictIntraBytes, INTRA_CHROMA_MODES, H264IntraChroma8x16Bytes,
+                    {plain::H264IntraChroma8x16Bytes<INTRA_CHROMA_DC>, nullptr, nullptr, nullptr},
+                    {plain::H264IntraChroma8x16Bytes<INTRA_CHROMA_HORIZONTAL>,
+                     simd_sse41::H264IntraChroma8x16Bytes<INTRA_CHROMA_HORIZONTAL>, nullptr, nullptr},
+                    {plain::H264IntraChroma8x16Bytes<INTRA_CHROMA_VERTICAL>,
+                     simd_sse41::H264IntraChroma8x16Bytes<INTRA_CHROMA_VERTICAL>, nullptr, nullptr},
+                    {plain::H264IntraChroma8x16Bytes<INTRA_CHROMA_PLANE>,
+                     simd_sse41::H264IntraChroma8x16Bytes<INTRA_CHROMA_PLANE>, nullptr, nullptr});
+PIXMORPH_SLOT_TABLE(H264PredictIntraWords, INTRA_CHROMA_MODES, H264IntraChroma8x16Words,
+                    {plain::H264IntraChroma8x16Words<INTRA_CHROMA_DC>, nullptr, nullptr, nullptr},
+                    {plain::H264IntraChroma8x16Words<INTRA_CHROMA_HORIZONTAL>,
+                     simd_sse41::H264IntraChroma8x16Words<INTRA_CHROMA_HORIZONTAL>, nullptr, nullptr},
+                    {plain::H264IntraChroma8x16Words<INTRA_CHROMA_VERTICAL>,
+                     simd_sse41::H264IntraChroma8x16Words<INTRA_CHROMA_VERTICAL>, nullptr, nullptr},
+                    {plain::H264IntraChroma8x16Words<INTRA_CHROMA_PLANE>,
+                     simd_sse41::H264IntraChroma8x16Words<INTRA_CHROMA_PLANE>, nullptr, nullptr});
 
 }  // namespace KorvaneSoftware

@@ -52,39 +52,120 @@ void Interpolate(Sample* dst, std::ptrdiff_t dstStride, const Sample* src, std::
 
 }  // namespace
 
-#define PIXMORPH_H264_DEFINE(x, y, Kind, Sample, width)                                                         \
-    void plain::H264Luma##width##At##x##y##Kind(Sample* dst, std::ptrdiff_t dstStride, const Sample* src,       \
-                                                std::ptrdiff_t srcStride, int height, std::uint32_t bitDepth) { \
-        Interpolate<width, x, y>(dst, dstStride, src, srcStride, height, bitDepth);                             \
-    }
-PIXMORPH_H264_FRACTIONS(PIXMORPH_H264_DEFINE, Bytes, std::uint8_t, 4)
-PIXMORPH_H264_FRACTIONS(PIXMORPH_H264_DEFINE, Bytes, std::uint8_t, 8)
-PIXMORPH_H264_FRACTIONS(PIXMORPH_H264_DEFINE, Bytes, std::uint8_t, 16)
-PIXMORPH_H264_FRACTIONS(PIXMORPH_H264_DEFINE, Words, std::uint16_t, 4)
-PIXMORPH_H264_FRACTIONS(PIXMORPH_H264_DEFINE, Words, std::uint16_t, 8)
-PIXMORPH_H264_FRACTIONS(PIXMORPH_H264_DEFINE, Words, std::uint16_t, 16)
-#undef PIXMORPH_H264_DEFINE
+template <int kWidth, int kXFraction, int kYFraction>
+void plain::H264LumaBytes(std::uint8_t* dst, std::ptrdiff_t dstStride, const std::uint8_t* src,
+                          std::ptrdiff_t srcStride, int height, std::uint32_t bitDepth) {
+    Interpolate<kWidth, kXFraction, kYFraction>(dst, dstStride, src, srcStride, height, bitDepth);
+}
 
-// Registers of AVX2 are filled by 16 bytes or 8 words that were widened.
-// A compiler moves whole samples as well as a vector form does.
-#define PIXMORPH_H264_COPY(Kind, width) {plain::H264Luma##width##At00##Kind, nullptr, nullptr, nullptr},
-#define PIXMORPH_H264_NARROW(x, y, Kind, width) \
-    {plain::H264Luma##width##At##x##y##Kind, simd_sse41::H264Luma##width##At##x##y##Kind, nullptr, nullptr},
-#define PIXMORPH_H264_WIDE(x, y, Kind, width)                                             \
-    {plain::H264Luma##width##At##x##y##Kind, simd_sse41::H264Luma##width##At##x##y##Kind, \
-     simd_avx2::H264Luma##width##At##x##y##Kind, nullptr},
+template <int kWidth, int kXFraction, int kYFraction>
+void plain::H264LumaWords(std::uint16_t* dst, std::ptrdiff_t dstStride, const std::uint16_t* src,
+                          std::ptrdiff_t srcStride, int height, std::uint32_t bitDepth) {
+    Interpolate<kWidth, kXFraction, kYFraction>(dst, dstStride, src, srcStride, height, bitDepth);
+}
 
+// A compiler moves whole samples as well as a vector form does. Registers of AVX2 are filled by 16 bytes or 8 words that
+// were widened.
+// clang-format off
 PIXMORPH_SLOT_TABLE(H264InterpolateLumaBytes, 48, H264LumaBytes,
-                    PIXMORPH_H264_COPY(Bytes, 4) PIXMORPH_H264_PARTS(PIXMORPH_H264_NARROW, Bytes, 4)
-                        PIXMORPH_H264_COPY(Bytes, 8) PIXMORPH_H264_PARTS(PIXMORPH_H264_NARROW, Bytes, 8)
-                            PIXMORPH_H264_COPY(Bytes, 16) PIXMORPH_H264_PARTS(PIXMORPH_H264_WIDE, Bytes, 16));
-PIXMORPH_SLOT_TABLE(H264InterpolateLumaWords, 48, H264LumaWords,
-                    PIXMORPH_H264_COPY(Words, 4) PIXMORPH_H264_PARTS(PIXMORPH_H264_NARROW, Words, 4)
-                        PIXMORPH_H264_COPY(Words, 8) PIXMORPH_H264_PARTS(PIXMORPH_H264_WIDE, Words, 8)
-                            PIXMORPH_H264_COPY(Words, 16) PIXMORPH_H264_PARTS(PIXMORPH_H264_WIDE, Words, 16));
+    {plain::H264LumaBytes<4, 0, 0>, nullptr, nullptr, nullptr},
+    {plain::H264LumaBytes<4, 1, 0>, simd_sse41::H264LumaBytes<4, 1, 0>, nullptr, nullptr},
+    {plain::H264LumaBytes<4, 2, 0>, simd_sse41::H264LumaBytes<4, 2, 0>, nullptr, nullptr},
+    {plain::H264LumaBytes<4, 3, 0>, simd_sse41::H264LumaBytes<4, 3, 0>, nullptr, nullptr},
+    {plain::H264LumaBytes<4, 0, 1>, simd_sse41::H264LumaBytes<4, 0, 1>, nullptr, nullptr},
+    {plain::H264LumaBytes<4, 1, 1>, simd_sse41::H264LumaBytes<4, 1, 1>, nullptr, nullptr},
+    {plain::H264LumaBytes<4, 2, 1>, simd_sse41::H264LumaBytes<4, 2, 1>, nullptr, nullptr},
+    {plain::H264LumaBytes<4, 3, 1>, simd_sse41::H264LumaBytes<4, 3, 1>, nullptr, nullptr},
+    {plain::H264LumaBytes<4, 0, 2>, simd_sse41::H264LumaBytes<4, 0, 2>, nullptr, nullptr},
+    {plain::H264LumaBytes<4, 1, 2>, simd_sse41::H264LumaBytes<4, 1, 2>, nullptr, nullptr},
+    {plain::H264LumaBytes<4, 2, 2>, simd_sse41::H264LumaBytes<4, 2, 2>, nullptr, nullptr},
+    {plain::H264LumaBytes<4, 3, 2>, simd_sse41::H264LumaBytes<4, 3, 2>, nullptr, nullptr},
+    {plain::H264LumaBytes<4, 0, 3>, simd_sse41::H264LumaBytes<4, 0, 3>, nullptr, nullptr},
+    {plain::H264LumaBytes<4, 1, 3>, simd_sse41::H264LumaBytes<4, 1, 3>, nullptr, nullptr},
+    {plain::H264LumaBytes<4, 2, 3>, simd_sse41::H264LumaBytes<4, 2, 3>, nullptr, nullptr},
+    {plain::H264LumaBytes<4, 3, 3>, simd_sse41::H264LumaBytes<4, 3, 3>, nullptr, nullptr},
+    {plain::H264LumaBytes<8, 0, 0>, nullptr, nullptr, nullptr},
+    {plain::H264LumaBytes<8, 1, 0>, simd_sse41::H264LumaBytes<8, 1, 0>, nullptr, nullptr},
+    {plain::H264LumaBytes<8, 2, 0>, simd_sse41::H264LumaBytes<8, 2, 0>, nullptr, nullptr},
+    {plain::H264LumaBytes<8, 3, 0>, simd_sse41::H264LumaBytes<8, 3, 0>, nullptr, nullptr},
+    {plain::H264LumaBytes<8, 0, 1>, simd_sse41::H264LumaBytes<8, 0, 1>, nullptr, nullptr},
+    {plain::H264LumaBytes<8, 1, 1>, simd_sse41::H264LumaBytes<8, 1, 1>, nullptr, nullptr},
+    {plain::H264LumaBytes<8, 2, 1>, simd_sse41::H264LumaBytes<8, 2, 1>, nullptr, nullptr},
+    {plain::H264LumaBytes<8, 3, 1>, simd_sse41::H264LumaBytes<8, 3, 1>, nullptr, nullptr},
+    {plain::H264LumaBytes<8, 0, 2>, simd_sse41::H264LumaBytes<8, 0, 2>, nullptr, nullptr},
+    {plain::H264LumaBytes<8, 1, 2>, simd_sse41::H264LumaBytes<8, 1, 2>, nullptr, nullptr},
+    {plain::H264LumaBytes<8, 2, 2>, simd_sse41::H264LumaBytes<8, 2, 2>, nullptr, nullptr},
+    {plain::H264LumaBytes<8, 3, 2>, simd_sse41::H264LumaBytes<8, 3, 2>, nullptr, nullptr},
+    {plain::H264LumaBytes<8, 0, 3>, simd_sse41::H264LumaBytes<8, 0, 3>, nullptr, nullptr},
+    {plain::H264LumaBytes<8, 1, 3>, simd_sse41::H264LumaBytes<8, 1, 3>, nullptr, nullptr},
+    {plain::H264LumaBytes<8, 2, 3>, simd_sse41::H264LumaBytes<8, 2, 3>, nullptr, nullptr},
+    {plain::H264LumaBytes<8, 3, 3>, simd_sse41::H264LumaBytes<8, 3, 3>, nullptr, nullptr},
+    {plain::H264LumaBytes<16, 0, 0>, nullptr, nullptr, nullptr},
+    {plain::H264LumaBytes<16, 1, 0>, simd_sse41::H264LumaBytes<16, 1, 0>, simd_avx2::H264LumaBytes<16, 1, 0>, nullptr},
+    {plain::H264LumaBytes<16, 2, 0>, simd_sse41::H264LumaBytes<16, 2, 0>, simd_avx2::H264LumaBytes<16, 2, 0>, nullptr},
+    {plain::H264LumaBytes<16, 3, 0>, simd_sse41::H264LumaBytes<16, 3, 0>, simd_avx2::H264LumaBytes<16, 3, 0>, nullptr},
+    {plain::H264LumaBytes<16, 0, 1>, simd_sse41::H264LumaBytes<16, 0, 1>, simd_avx2::H264LumaBytes<16, 0, 1>, nullptr},
+    {plain::H264LumaBytes<16, 1, 1>, simd_sse41::H264LumaBytes<16, 1, 1>, simd_avx2::H264LumaBytes<16, 1, 1>, nullptr},
+    {plain::H264LumaBytes<16, 2, 1>, simd_sse41::H264LumaBytes<16, 2, 1>, simd_avx2::H264LumaBytes<16, 2, 1>, nullptr},
+    {plain::H264LumaBytes<16, 3, 1>, simd_sse41::H264LumaBytes<16, 3, 1>, simd_avx2::H264LumaBytes<16, 3, 1>, nullptr},
+    {plain::H264LumaBytes<16, 0, 2>, simd_sse41::H264LumaBytes<16, 0, 2>, simd_avx2::H264LumaBytes<16, 0, 2>, nullptr},
+    {plain::H264LumaBytes<16, 1, 2>, simd_sse41::H264LumaBytes<16, 1, 2>, simd_avx2::H264LumaBytes<16, 1, 2>, nullptr},
+    {plain::H264LumaBytes<16, 2, 2>, simd_sse41::H264LumaBytes<16, 2, 2>, simd_avx2::H264LumaBytes<16, 2, 2>, nullptr},
+    {plain::H264LumaBytes<16, 3, 2>, simd_sse41::H264LumaBytes<16, 3, 2>, simd_avx2::H264LumaBytes<16, 3, 2>, nullptr},
+    {plain::H264LumaBytes<16, 0, 3>, simd_sse41::H264LumaBytes<16, 0, 3>, simd_avx2::H264LumaBytes<16, 0, 3>, nullptr},
+    {plain::H264LumaBytes<16, 1, 3>, simd_sse41::H264LumaBytes<16, 1, 3>, simd_avx2::H264LumaBytes<16, 1, 3>, nullptr},
+    {plain::H264LumaBytes<16, 2, 3>, simd_sse41::H264LumaBytes<16, 2, 3>, simd_avx2::H264LumaBytes<16, 2, 3>, nullptr},
+    {plain::H264LumaBytes<16, 3, 3>, simd_sse41::H264LumaBytes<16, 3, 3>, simd_avx2::H264LumaBytes<16, 3, 3>, nullptr});
 
-#undef PIXMORPH_H264_COPY
-#undef PIXMORPH_H264_NARROW
-#undef PIXMORPH_H264_WIDE
+PIXMORPH_SLOT_TABLE(H264InterpolateLumaWords, 48, H264LumaWords,
+    {plain::H264LumaWords<4, 0, 0>, nullptr, nullptr, nullptr},
+    {plain::H264LumaWords<4, 1, 0>, simd_sse41::H264LumaWords<4, 1, 0>, nullptr, nullptr},
+    {plain::H264LumaWords<4, 2, 0>, simd_sse41::H264LumaWords<4, 2, 0>, nullptr, nullptr},
+    {plain::H264LumaWords<4, 3, 0>, simd_sse41::H264LumaWords<4, 3, 0>, nullptr, nullptr},
+    {plain::H264LumaWords<4, 0, 1>, simd_sse41::H264LumaWords<4, 0, 1>, nullptr, nullptr},
+    {plain::H264LumaWords<4, 1, 1>, simd_sse41::H264LumaWords<4, 1, 1>, nullptr, nullptr},
+    {plain::H264LumaWords<4, 2, 1>, simd_sse41::H264LumaWords<4, 2, 1>, nullptr, nullptr},
+    {plain::H264LumaWords<4, 3, 1>, simd_sse41::H264LumaWords<4, 3, 1>, nullptr, nullptr},
+    {plain::H264LumaWords<4, 0, 2>, simd_sse41::H264LumaWords<4, 0, 2>, nullptr, nullptr},
+    {plain::H264LumaWords<4, 1, 2>, simd_sse41::H264LumaWords<4, 1, 2>, nullptr, nullptr},
+    {plain::H264LumaWords<4, 2, 2>, simd_sse41::H264LumaWords<4, 2, 2>, nullptr, nullptr},
+    {plain::H264LumaWords<4, 3, 2>, simd_sse41::H264LumaWords<4, 3, 2>, nullptr, nullptr},
+    {plain::H264LumaWords<4, 0, 3>, simd_sse41::H264LumaWords<4, 0, 3>, nullptr, nullptr},
+    {plain::H264LumaWords<4, 1, 3>, simd_sse41::H264LumaWords<4, 1, 3>, nullptr, nullptr},
+    {plain::H264LumaWords<4, 2, 3>, simd_sse41::H264LumaWords<4, 2, 3>, nullptr, nullptr},
+    {plain::H264LumaWords<4, 3, 3>, simd_sse41::H264LumaWords<4, 3, 3>, nullptr, nullptr},
+    {plain::H264LumaWords<8, 0, 0>, nullptr, nullptr, nullptr},
+    {plain::H264LumaWords<8, 1, 0>, simd_sse41::H264LumaWords<8, 1, 0>, simd_avx2::H264LumaWords<8, 1, 0>, nullptr},
+    {plain::H264LumaWords<8, 2, 0>, simd_sse41::H264LumaWords<8, 2, 0>, simd_avx2::H264LumaWords<8, 2, 0>, nullptr},
+    {plain::H264LumaWords<8, 3, 0>, simd_sse41::H264LumaWords<8, 3, 0>, simd_avx2::H264LumaWords<8, 3, 0>, nullptr},
+    {plain::H264LumaWords<8, 0, 1>, simd_sse41::H264LumaWords<8, 0, 1>, simd_avx2::H264LumaWords<8, 0, 1>, nullptr},
+    {plain::H264LumaWords<8, 1, 1>, simd_sse41::H264LumaWords<8, 1, 1>, simd_avx2::H264LumaWords<8, 1, 1>, nullptr},
+    {plain::H264LumaWords<8, 2, 1>, simd_sse41::H264LumaWords<8, 2, 1>, simd_avx2::H264LumaWords<8, 2, 1>, nullptr},
+    {plain::H264LumaWords<8, 3, 1>, simd_sse41::H264LumaWords<8, 3, 1>, simd_avx2::H264LumaWords<8, 3, 1>, nullptr},
+    {plain::H264LumaWords<8, 0, 2>, simd_sse41::H264LumaWords<8, 0, 2>, simd_avx2::H264LumaWords<8, 0, 2>, nullptr},
+    {plain::H264LumaWords<8, 1, 2>, simd_sse41::H264LumaWords<8, 1, 2>, simd_avx2::H264LumaWords<8, 1, 2>, nullptr},
+    {plain::H264LumaWords<8, 2, 2>, simd_sse41::H264LumaWords<8, 2, 2>, simd_avx2::H264LumaWords<8, 2, 2>, nullptr},
+    {plain::H264LumaWords<8, 3, 2>, simd_sse41::H264LumaWords<8, 3, 2>, simd_avx2::H264LumaWords<8, 3, 2>, nullptr},
+    {plain::H264LumaWords<8, 0, 3>, simd_sse41::H264LumaWords<8, 0, 3>, simd_avx2::H264LumaWords<8, 0, 3>, nullptr},
+    {plain::H264LumaWords<8, 1, 3>, simd_sse41::H264LumaWords<8, 1, 3>, simd_avx2::H264LumaWords<8, 1, 3>, nullptr},
+    {plain::H264LumaWords<8, 2, 3>, simd_sse41::H264LumaWords<8, 2, 3>, simd_avx2::H264LumaWords<8, 2, 3>, nullptr},
+    {plain::H264LumaWords<8, 3, 3>, simd_sse41::H264LumaWords<8, 3, 3>, simd_avx2::H264LumaWords<8, 3, 3>, nullptr},
+    {plain::H264LumaWords<16, 0, 0>, nullptr, nullptr, nullptr},
+    {plain::H264LumaWords<16, 1, 0>, simd_sse41::H264LumaWords<16, 1, 0>, simd_avx2::H264LumaWords<16, 1, 0>, nullptr},
+    {plain::H264LumaWords<16, 2, 0>, simd_sse41::H264LumaWords<16, 2, 0>, simd_avx2::H264LumaWords<16, 2, 0>, nullptr},
+    {plain::H264LumaWords<16, 3, 0>, simd_sse41::H264LumaWords<16, 3, 0>, simd_avx2::H264LumaWords<16, 3, 0>, nullptr},
+    {plain::H264LumaWords<16, 0, 1>, simd_sse41::H264LumaWords<16, 0, 1>, simd_avx2::H264LumaWords<16, 0, 1>, nullptr},
+    {plain::H264LumaWords<16, 1, 1>, simd_sse41::H264LumaWords<16, 1, 1>, simd_avx2::H264LumaWords<16, 1, 1>, nullptr},
+    {plain::H264LumaWords<16, 2, 1>, simd_sse41::H264LumaWords<16, 2, 1>, simd_avx2::H264LumaWords<16, 2, 1>, nullptr},
+    {plain::H264LumaWords<16, 3, 1>, simd_sse41::H264LumaWords<16, 3, 1>, simd_avx2::H264LumaWords<16, 3, 1>, nullptr},
+    {plain::H264LumaWords<16, 0, 2>, simd_sse41::H264LumaWords<16, 0, 2>, simd_avx2::H264LumaWords<16, 0, 2>, nullptr},
+    {plain::H264LumaWords<16, 1, 2>, simd_sse41::H264LumaWords<16, 1, 2>, simd_avx2::H264LumaWords<16, 1, 2>, nullptr},
+    {plain::H264LumaWords<16, 2, 2>, simd_sse41::H264LumaWords<16, 2, 2>, simd_avx2::H264LumaWords<16, 2, 2>, nullptr},
+    {plain::H264LumaWords<16, 3, 2>, simd_sse41::H264LumaWords<16, 3, 2>, simd_avx2::H264LumaWords<16, 3, 2>, nullptr},
+    {plain::H264LumaWords<16, 0, 3>, simd_sse41::H264LumaWords<16, 0, 3>, simd_avx2::H264LumaWords<16, 0, 3>, nullptr},
+    {plain::H264LumaWords<16, 1, 3>, simd_sse41::H264LumaWords<16, 1, 3>, simd_avx2::H264LumaWords<16, 1, 3>, nullptr},
+    {plain::H264LumaWords<16, 2, 3>, simd_sse41::H264LumaWords<16, 2, 3>, simd_avx2::H264LumaWords<16, 2, 3>, nullptr},
+    {plain::H264LumaWords<16, 3, 3>, simd_sse41::H264LumaWords<16, 3, 3>, simd_avx2::H264LumaWords<16, 3, 3>, nullptr});
+// clang-format on
 
 }  // namespace KorvaneSoftware

@@ -52,75 +52,91 @@ void WeightBoth(Sample* dst, std::ptrdiff_t dstStride, const Sample* other, std:
 
 }  // namespace
 
-#define PIXMORPH_H264_DEFINE_BLEND(Kind, Sample, width)                                                                \
-    void plain::H264Average##width##Kind(Sample* dst, std::ptrdiff_t dstStride, const Sample* other,                   \
-                                         std::ptrdiff_t otherStride, int height) {                                     \
-        Average<width>(dst, dstStride, other, otherStride, height);                                                    \
-    }                                                                                                                  \
-    void plain::H264Weight##width##Kind(Sample* dst, std::ptrdiff_t dstStride, int height, const H264Weights& weights, \
-                                        std::uint32_t bitDepth) {                                                      \
-        Weight<width>(dst, dstStride, height, weights, bitDepth);                                                      \
-    }                                                                                                                  \
-    void plain::H264WeightBoth##width##Kind(Sample* dst, std::ptrdiff_t dstStride, const Sample* other,                \
-                                            std::ptrdiff_t otherStride, int height, const H264Weights& weights,        \
-                                            std::uint32_t bitDepth) {                                                  \
-        WeightBoth<width>(dst, dstStride, other, otherStride, height, weights, bitDepth);                              \
-    }
-#define PIXMORPH_H264_DEFINE_CHROMA(Kind, Sample, width)                                                      \
-    void plain::H264Chroma##width##Kind(Sample* dst, std::ptrdiff_t dstStride, const Sample* src,             \
-                                        std::ptrdiff_t srcStride, int height, int xFraction, int yFraction) { \
-        InterpolateChroma<width>(dst, dstStride, src, srcStride, height, xFraction, yFraction);               \
-    }
-PIXMORPH_H264_DEFINE_CHROMA(Bytes, std::uint8_t, 2)
-PIXMORPH_H264_DEFINE_CHROMA(Bytes, std::uint8_t, 4)
-PIXMORPH_H264_DEFINE_CHROMA(Bytes, std::uint8_t, 8)
-PIXMORPH_H264_DEFINE_CHROMA(Words, std::uint16_t, 2)
-PIXMORPH_H264_DEFINE_CHROMA(Words, std::uint16_t, 4)
-PIXMORPH_H264_DEFINE_CHROMA(Words, std::uint16_t, 8)
-PIXMORPH_H264_DEFINE_BLEND(Bytes, std::uint8_t, 2)
-PIXMORPH_H264_DEFINE_BLEND(Bytes, std::uint8_t, 4)
-PIXMORPH_H264_DEFINE_BLEND(Bytes, std::uint8_t, 8)
-PIXMORPH_H264_DEFINE_BLEND(Bytes, std::uint8_t, 16)
-PIXMORPH_H264_DEFINE_BLEND(Words, std::uint16_t, 2)
-PIXMORPH_H264_DEFINE_BLEND(Words, std::uint16_t, 4)
-PIXMORPH_H264_DEFINE_BLEND(Words, std::uint16_t, 8)
-PIXMORPH_H264_DEFINE_BLEND(Words, std::uint16_t, 16)
-#undef PIXMORPH_H264_DEFINE_BLEND
-#undef PIXMORPH_H264_DEFINE_CHROMA
+template <int kWidth>
+void plain::H264ChromaBytes(std::uint8_t* dst, std::ptrdiff_t dstStride, const std::uint8_t* src,
+                            std::ptrdiff_t srcStride, int height, int xFraction, int yFraction) {
+    InterpolateChroma<kWidth>(dst, dstStride, src, srcStride, height, xFraction, yFraction);
+}
+template <int kWidth>
+void plain::H264AverageBytes(std::uint8_t* dst, std::ptrdiff_t dstStride, const std::uint8_t* other,
+                             std::ptrdiff_t otherStride, int height) {
+    Average<kWidth>(dst, dstStride, other, otherStride, height);
+}
+template <int kWidth>
+void plain::H264WeightBytes(std::uint8_t* dst, std::ptrdiff_t dstStride, int height, const H264Weights& weights,
+                            std::uint32_t bitDepth) {
+    Weight<kWidth>(dst, dstStride, height, weights, bitDepth);
+}
+template <int kWidth>
+void plain::H264WeightBothBytes(std::uint8_t* dst, std::ptrdiff_t dstStride, const std::uint8_t* other,
+                                std::ptrdiff_t otherStride, int height, const H264Weights& weights,
+                                std::uint32_t bitDepth) {
+    WeightBoth<kWidth>(dst, dstStride, other, otherStride, height, weights, bitDepth);
+}
+
+template <int kWidth>
+void plain::H264ChromaWords(std::uint16_t* dst, std::ptrdiff_t dstStride, const std::uint16_t* src,
+                            std::ptrdiff_t srcStride, int height, int xFraction, int yFraction) {
+    InterpolateChroma<kWidth>(dst, dstStride, src, srcStride, height, xFraction, yFraction);
+}
+template <int kWidth>
+void plain::H264AverageWords(std::uint16_t* dst, std::ptrdiff_t dstStride, const std::uint16_t* other,
+                             std::ptrdiff_t otherStride, int height) {
+    Average<kWidth>(dst, dstStride, other, otherStride, height);
+}
+template <int kWidth>
+void plain::H264WeightWords(std::uint16_t* dst, std::ptrdiff_t dstStride, int height, const H264Weights& weights,
+                            std::uint32_t bitDepth) {
+    Weight<kWidth>(dst, dstStride, height, weights, bitDepth);
+}
+template <int kWidth>
+void plain::H264WeightBothWords(std::uint16_t* dst, std::ptrdiff_t dstStride, const std::uint16_t* other,
+                                std::ptrdiff_t otherStride, int height, const H264Weights& weights,
+                                std::uint32_t bitDepth) {
+    WeightBoth<kWidth>(dst, dstStride, other, otherStride, height, weights, bitDepth);
+}
 
 // Two samples are too few for registers, and one of SSE4.1 holds most rows.
-#define PIXMORPH_H264_PLAIN(name) \
-    { plain::name, nullptr, nullptr, nullptr }
-#define PIXMORPH_H264_SSE41(name) \
-    { plain::name, simd_sse41::name, nullptr, nullptr }
-#define PIXMORPH_H264_AVX2(name) \
-    { plain::name, simd_sse41::name, simd_avx2::name, nullptr }
-
-PIXMORPH_SLOT_TABLE(H264InterpolateChromaBytes, 3, H264ChromaBytes, PIXMORPH_H264_PLAIN(H264Chroma2Bytes),
-                    PIXMORPH_H264_SSE41(H264Chroma4Bytes), PIXMORPH_H264_SSE41(H264Chroma8Bytes));
-PIXMORPH_SLOT_TABLE(H264InterpolateChromaWords, 3, H264ChromaWords, PIXMORPH_H264_PLAIN(H264Chroma2Words),
-                    PIXMORPH_H264_SSE41(H264Chroma4Words), PIXMORPH_H264_AVX2(H264Chroma8Words));
-PIXMORPH_SLOT_TABLE(H264AverageSignatureBytes, 4, H264AverageBytes, PIXMORPH_H264_PLAIN(H264Average2Bytes),
-                    PIXMORPH_H264_SSE41(H264Average4Bytes), PIXMORPH_H264_PLAIN(H264Average8Bytes),
-                    PIXMORPH_H264_PLAIN(H264Average16Bytes));
-PIXMORPH_SLOT_TABLE(H264AverageSignatureWords, 4, H264AverageWords, PIXMORPH_H264_PLAIN(H264Average2Words),
-                    PIXMORPH_H264_PLAIN(H264Average4Words), PIXMORPH_H264_PLAIN(H264Average8Words),
-                    PIXMORPH_H264_AVX2(H264Average16Words));
-PIXMORPH_SLOT_TABLE(H264WeightSignatureBytes, 4, H264WeightBytes, PIXMORPH_H264_PLAIN(H264Weight2Bytes),
-                    PIXMORPH_H264_SSE41(H264Weight4Bytes), PIXMORPH_H264_SSE41(H264Weight8Bytes),
-                    PIXMORPH_H264_AVX2(H264Weight16Bytes));
-PIXMORPH_SLOT_TABLE(H264WeightSignatureWords, 4, H264WeightWords, PIXMORPH_H264_PLAIN(H264Weight2Words),
-                    PIXMORPH_H264_SSE41(H264Weight4Words), PIXMORPH_H264_AVX2(H264Weight8Words),
-                    PIXMORPH_H264_AVX2(H264Weight16Words));
-PIXMORPH_SLOT_TABLE(H264WeightBothSignatureBytes, 4, H264WeightBothBytes, PIXMORPH_H264_PLAIN(H264WeightBoth2Bytes),
-                    PIXMORPH_H264_SSE41(H264WeightBoth4Bytes), PIXMORPH_H264_SSE41(H264WeightBoth8Bytes),
-                    PIXMORPH_H264_AVX2(H264WeightBoth16Bytes));
-PIXMORPH_SLOT_TABLE(H264WeightBothSignatureWords, 4, H264WeightBothWords, PIXMORPH_H264_PLAIN(H264WeightBoth2Words),
-                    PIXMORPH_H264_SSE41(H264WeightBoth4Words), PIXMORPH_H264_AVX2(H264WeightBoth8Words),
-                    PIXMORPH_H264_AVX2(H264WeightBoth16Words));
-
-#undef PIXMORPH_H264_PLAIN
-#undef PIXMORPH_H264_SSE41
-#undef PIXMORPH_H264_AVX2
+PIXMORPH_SLOT_TABLE(H264InterpolateChromaBytes, 3, H264ChromaBytes,
+                    {plain::H264ChromaBytes<2>, nullptr, nullptr, nullptr},
+                    {plain::H264ChromaBytes<4>, simd_sse41::H264ChromaBytes<4>, nullptr, nullptr},
+                    {plain::H264ChromaBytes<8>, simd_sse41::H264ChromaBytes<8>, nullptr, nullptr});
+PIXMORPH_SLOT_TABLE(H264InterpolateChromaWords, 3, H264ChromaWords,
+                    {plain::H264ChromaWords<2>, nullptr, nullptr, nullptr},
+                    {plain::H264ChromaWords<4>, simd_sse41::H264ChromaWords<4>, nullptr, nullptr},
+                    {plain::H264ChromaWords<8>, simd_sse41::H264ChromaWords<8>, simd_avx2::H264ChromaWords<8>,
+                     nullptr});
+PIXMORPH_SLOT_TABLE(H264AverageSignatureBytes, 4, H264AverageBytes,
+                    {plain::H264AverageBytes<2>, nullptr, nullptr, nullptr},
+                    {plain::H264AverageBytes<4>, simd_sse41::H264AverageBytes<4>, nullptr, nullptr},
+                    {plain::H264AverageBytes<8>, nullptr, nullptr, nullptr},
+                    {plain::H264AverageBytes<16>, nullptr, nullptr, nullptr});
+PIXMORPH_SLOT_TABLE(
+    H264AverageSignatureWords, 4, H264AverageWords, {plain::H264AverageWords<2>, nullptr, nullptr, nullptr},
+    {plain::H264AverageWords<4>, nullptr, nullptr, nullptr}, {plain::H264AverageWords<8>, nullptr, nullptr, nullptr},
+    {plain::H264AverageWords<16>, simd_sse41::H264AverageWords<16>, simd_avx2::H264AverageWords<16>, nullptr});
+PIXMORPH_SLOT_TABLE(H264WeightSignatureBytes, 4, H264WeightBytes,
+                    {plain::H264WeightBytes<2>, nullptr, nullptr, nullptr},
+                    {plain::H264WeightBytes<4>, simd_sse41::H264WeightBytes<4>, nullptr, nullptr},
+                    {plain::H264WeightBytes<8>, simd_sse41::H264WeightBytes<8>, nullptr, nullptr},
+                    {plain::H264WeightBytes<16>, simd_sse41::H264WeightBytes<16>, simd_avx2::H264WeightBytes<16>,
+                     nullptr});
+PIXMORPH_SLOT_TABLE(H264WeightSignatureWords, 4, H264WeightWords,
+                    {plain::H264WeightWords<2>, nullptr, nullptr, nullptr},
+                    {plain::H264WeightWords<4>, simd_sse41::H264WeightWords<4>, nullptr, nullptr},
+                    {plain::H264WeightWords<8>, simd_sse41::H264WeightWords<8>, simd_avx2::H264WeightWords<8>, nullptr},
+                    {plain::H264WeightWords<16>, simd_sse41::H264WeightWords<16>, simd_avx2::H264WeightWords<16>,
+                     nullptr});
+PIXMORPH_SLOT_TABLE(H264WeightBothSignatureBytes, 4, H264WeightBothBytes,
+                    {plain::H264WeightBothBytes<2>, nullptr, nullptr, nullptr},
+                    {plain::H264WeightBothBytes<4>, simd_sse41::H264WeightBothBytes<4>, nullptr, nullptr},
+                    {plain::H264WeightBothBytes<8>, simd_sse41::H264WeightBothBytes<8>, nullptr, nullptr},
+                    {plain::H264WeightBothBytes<16>, simd_sse41::H264WeightBothBytes<16>,
+                     simd_avx2::H264WeightBothBytes<16>, nullptr});
+PIXMORPH_SLOT_TABLE(
+    H264WeightBothSignatureWords, 4, H264WeightBothWords, {plain::H264WeightBothWords<2>, nullptr, nullptr, nullptr},
+    {plain::H264WeightBothWords<4>, simd_sse41::H264WeightBothWords<4>, nullptr, nullptr},
+    {plain::H264WeightBothWords<8>, simd_sse41::H264WeightBothWords<8>, simd_avx2::H264WeightBothWords<8>, nullptr},
+    {plain::H264WeightBothWords<16>, simd_sse41::H264WeightBothWords<16>, simd_avx2::H264WeightBothWords<16>, nullptr});
 
 }  // namespace KorvaneSoftware

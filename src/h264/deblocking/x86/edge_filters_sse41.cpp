@@ -7,6 +7,8 @@ namespace KorvaneSoftware {
 namespace PIXMORPH_SIMD {
 namespace {
 
+#include "foundation/simd/transpose_words.inc.h"
+
 // Above this sums of eight samples pass 16 bits.
 constexpr std::uint32_t kMostBits = 12;
 
@@ -101,24 +103,6 @@ Vec LoadEight(const std::uint16_t* p) { return Load(p); }
 void StoreEight(std::uint8_t* p, Vec v) { StoreNarrow16To8(p, v); }
 void StoreEight(std::uint16_t* p, Vec v) { Store(p, v); }
 
-void Transpose(Vec* v) {
-    Vec a[8], b[8];
-    for (int i = 0; i < 4; ++i) {
-        a[2 * i] = UnpackLow16(v[2 * i], v[2 * i + 1]);
-        a[2 * i + 1] = UnpackHigh16(v[2 * i], v[2 * i + 1]);
-    }
-    for (int i = 0; i < 2; ++i) {
-        b[4 * i] = UnpackLow32(a[4 * i], a[4 * i + 2]);
-        b[4 * i + 1] = UnpackHigh32(a[4 * i], a[4 * i + 2]);
-        b[4 * i + 2] = UnpackLow32(a[4 * i + 1], a[4 * i + 3]);
-        b[4 * i + 3] = UnpackHigh32(a[4 * i + 1], a[4 * i + 3]);
-    }
-    for (int i = 0; i < 4; ++i) {
-        v[2 * i] = UnpackLow64(b[i], b[i + 4]);
-        v[2 * i + 1] = UnpackHigh64(b[i], b[i + 4]);
-    }
-}
-
 // Rows across a horizontal edge that a filter reads and writes, on each side.
 template <class Filter>
 constexpr int kReach = 4;
@@ -132,10 +116,10 @@ struct Vertical {
     static void FilterEight(Sample* samples, std::ptrdiff_t stride, const Thresholds& t, Vec tc0) {
         Vec v[8];
         for (int i = 0; i < 8; ++i) v[i] = LoadEight(samples + i * stride - 4);
-        Transpose(v);
+        TransposeWords(v);
         if (AllZero(FilteredLines(v, t, tc0))) return;
         Filter::Run(v, t, tc0);
-        Transpose(v);
+        TransposeWords(v);
         for (int i = 0; i < 8; ++i) StoreEight(samples + i * stride - 4, v[i]);
     }
     static std::ptrdiff_t Along(std::ptrdiff_t stride) { return stride; }

@@ -1,37 +1,54 @@
-// Forms of intra prediction.
+// Forms of intra prediction. Each has the name of its table, and its mode as an argument.
 #pragma once
 
 #include "h264/reconstruction/intra_prediction.h"
 
-// clang-format off
-/// `X(mode, ...)` for the modes of a kind of block, in the order of its table.
-#define PIXMORPH_H264_BLOCK_MODES(X, ...)                                                     \
-    X(Vertical, __VA_ARGS__)                                                                  \
-    X(Horizontal, __VA_ARGS__)                                                                \
-    X(Dc, __VA_ARGS__)                                                                        \
-    X(DiagonalDownLeft, __VA_ARGS__)                                                          \
-    X(DiagonalDownRight, __VA_ARGS__)                                                         \
-    X(VerticalRight, __VA_ARGS__) X(HorizontalDown, __VA_ARGS__) X(VerticalLeft, __VA_ARGS__) \
-        X(HorizontalUp, __VA_ARGS__)
-#define PIXMORPH_H264_16X16_MODES(X, ...) \
-    X(Vertical, __VA_ARGS__) X(Horizontal, __VA_ARGS__) X(Dc, __VA_ARGS__) X(Plane, __VA_ARGS__)
-#define PIXMORPH_H264_CHROMA_MODES(X, ...) \
-    X(Dc, __VA_ARGS__) X(Horizontal, __VA_ARGS__) X(Vertical, __VA_ARGS__) X(Plane, __VA_ARGS__)
-// clang-format on
-
 namespace KorvaneSoftware {
 
-#define PIXMORPH_H264_DECLARE(mode, size, Kind) PIXMORPH_FORMS(H264PredictIntra##Kind, H264Intra##size##mode##Kind)
-PIXMORPH_H264_BLOCK_MODES(PIXMORPH_H264_DECLARE, 4x4, Bytes)
-PIXMORPH_H264_BLOCK_MODES(PIXMORPH_H264_DECLARE, 4x4, Words)
-PIXMORPH_H264_BLOCK_MODES(PIXMORPH_H264_DECLARE, 8x8, Bytes)
-PIXMORPH_H264_BLOCK_MODES(PIXMORPH_H264_DECLARE, 8x8, Words)
-PIXMORPH_H264_16X16_MODES(PIXMORPH_H264_DECLARE, 16x16, Bytes)
-PIXMORPH_H264_16X16_MODES(PIXMORPH_H264_DECLARE, 16x16, Words)
-PIXMORPH_H264_CHROMA_MODES(PIXMORPH_H264_DECLARE, Chroma8x8, Bytes)
-PIXMORPH_H264_CHROMA_MODES(PIXMORPH_H264_DECLARE, Chroma8x8, Words)
-PIXMORPH_H264_CHROMA_MODES(PIXMORPH_H264_DECLARE, Chroma8x16, Bytes)
-PIXMORPH_H264_CHROMA_MODES(PIXMORPH_H264_DECLARE, Chroma8x16, Words)
-#undef PIXMORPH_H264_DECLARE
+namespace plain {
+template <H264IntraBlockMode kMode>
+H264PredictIntraBytes H264Intra4x4Bytes;
+template <H264IntraBlockMode kMode>
+H264PredictIntraWords H264Intra4x4Words;
+template <H264IntraBlockMode kMode>
+H264PredictIntraBytes H264Intra8x8Bytes;
+template <H264IntraBlockMode kMode>
+H264PredictIntraWords H264Intra8x8Words;
+template <H264Intra16x16Mode kMode>
+H264PredictIntraBytes H264Intra16x16Bytes;
+template <H264Intra16x16Mode kMode>
+H264PredictIntraWords H264Intra16x16Words;
+template <H264IntraChromaMode kMode>
+H264PredictIntraBytes H264IntraChroma8x8Bytes;
+template <H264IntraChromaMode kMode>
+H264PredictIntraWords H264IntraChroma8x8Words;
+template <H264IntraChromaMode kMode>
+H264PredictIntraBytes H264IntraChroma8x16Bytes;
+template <H264IntraChromaMode kMode>
+H264PredictIntraWords H264IntraChroma8x16Words;
+}  // namespace plain
+
+namespace simd_sse41 {
+template <H264IntraBlockMode kMode>
+H264PredictIntraBytes H264Intra4x4Bytes;
+template <H264IntraBlockMode kMode>
+H264PredictIntraWords H264Intra4x4Words;
+template <H264IntraBlockMode kMode>
+H264PredictIntraBytes H264Intra8x8Bytes;
+template <H264IntraBlockMode kMode>
+H264PredictIntraWords H264Intra8x8Words;
+template <H264Intra16x16Mode kMode>
+H264PredictIntraBytes H264Intra16x16Bytes;
+template <H264Intra16x16Mode kMode>
+H264PredictIntraWords H264Intra16x16Words;
+template <H264IntraChromaMode kMode>
+H264PredictIntraBytes H264IntraChroma8x8Bytes;
+template <H264IntraChromaMode kMode>
+H264PredictIntraWords H264IntraChroma8x8Words;
+template <H264IntraChromaMode kMode>
+H264PredictIntraBytes H264IntraChroma8x16Bytes;
+template <H264IntraChromaMode kMode>
+H264PredictIntraWords H264IntraChroma8x16Words;
+}  // namespace simd_sse41
 
 }  // namespace KorvaneSoftware

@@ -6,7 +6,7 @@ namespace KorvaneSoftware {
 namespace PIXMORPH_SIMD {
 namespace {
 
-#include "h264/reconstruction/plane_slope.inc.h"
+#include "h264/reconstruction/macroblock_neighbours.inc.h"
 #include "h264/reconstruction/x86/sample_lanes.inc.h"
 
 template <class Sample>
@@ -19,9 +19,6 @@ template <>
 struct LanesOf<std::uint16_t> {
     using Lanes = WordLanes;
 };
-
-bool HasTop(std::uint32_t neighbours) { return (neighbours & NEIGHBOUR_TOP) != 0; }
-bool HasLeft(std::uint32_t neighbours) { return (neighbours & NEIGHBOUR_LEFT) == NEIGHBOUR_LEFT; }
 
 Vec Repeat(std::uint8_t sample) { return Set8(sample); }
 Vec Repeat(std::uint16_t sample) { return Set16(sample); }
@@ -67,9 +64,7 @@ struct Horizontal {
 
 // Sums of bytes lie within 16 bits: 16 * 510, and twice 8 steps of a slope of at most 717 or 4 of 1355.
 struct PlaneMode {
-    static bool Has(std::uint32_t neighbours) {
-        return HasTop(neighbours) && HasLeft(neighbours) && (neighbours & NEIGHBOUR_TOP_LEFT) != 0;
-    }
+    static bool Has(std::uint32_t neighbours) { return HasAll(neighbours); }
     template <int kWidth, int kHeight, class Sample>
     static void Run(Sample* samples, std::ptrdiff_t stride, std::uint32_t, std::uint32_t bitDepth) {
         using Lanes = typename LanesOf<Sample>::Lanes;
@@ -93,27 +88,81 @@ struct PlaneMode {
     }
 };
 
+template <auto kMode>
+struct ModeOf;
+template <>
+struct ModeOf<INTRA_16X16_VERTICAL> : Vertical {};
+template <>
+struct ModeOf<INTRA_16X16_HORIZONTAL> : Horizontal {};
+template <>
+struct ModeOf<INTRA_16X16_PLANE> : PlaneMode {};
+template <>
+struct ModeOf<INTRA_CHROMA_VERTICAL> : Vertical {};
+template <>
+struct ModeOf<INTRA_CHROMA_HORIZONTAL> : Horizontal {};
+template <>
+struct ModeOf<INTRA_CHROMA_PLANE> : PlaneMode {};
+
+// Without the neighbours that a mode needs, a mean of what there is: the work of the plain form of DC.
+template <int kWidth, int kHeight, auto kMode, class Sample, class Fallback>
+void Predict(Sample* samples, std::ptrdiff_t stride, std::uint32_t neighbours, std::uint32_t bitDepth, Fallback dc) {
+    if (!ModeOf<kMode>::Has(neighbours)) return dc(samples, stride, neighbours, bitDepth);
+    ModeOf<kMode>::template Run<kWidth, kHeight>(samples, stride, neighbours, bitDepth);
+}
+
 }  // namespace
 }  // namespace PIXMORPH_SIMD
 
-// Without the neighbours that a mode needs, a mean of what there is: the plain form's work.
-#define PIXMORPH_H264_DEFINE(name, Mode, width, height, Sample)                                \
-    void PIXMORPH_SIMD::name(Sample* samples, std::ptrdiff_t stride, std::uint32_t neighbours, \
-                             std::uint32_t bitDepth) {                                         \
-        if (!Mode::Has(neighbours)) return plain::name(samples, stride, neighbours, bitDepth); \
-        Mode::Run<width, height>(samples, stride, neighbours, bitDepth);                       \
-    }
-#define PIXMORPH_H264_DEFINE_SIZE(size, width, height, Kind, Sample)                           \
-    PIXMORPH_H264_DEFINE(H264Intra##size##Vertical##Kind, Vertical, width, height, Sample)     \
-    PIXMORPH_H264_DEFINE(H264Intra##size##Horizontal##Kind, Horizontal, width, height, Sample) \
-    PIXMORPH_H264_DEFINE(H264Intra##size##Plane##Kind, PlaneMode, width, height, Sample)
-PIXMORPH_H264_DEFINE_SIZE(16x16, 16, 16, Bytes, std::uint8_t)
-PIXMORPH_H264_DEFINE_SIZE(16x16, 16, 16, Words, std::uint16_t)
-PIXMORPH_H264_DEFINE_SIZE(Chroma8x8, 8, 8, Bytes, std::uint8_t)
-PIXMORPH_H264_DEFINE_SIZE(Chroma8x8, 8, 8, Words, std::uint16_t)
-PIXMORPH_H264_DEFINE_SIZE(Chroma8x16, 8, 16, Bytes, std::uint8_t)
-PIXMORPH_H264_DEFINE_SIZE(Chroma8x16, 8, 16, Words, std::uint16_t)
-#undef PIXMORPH_H264_DEFINE
-#undef PIXMORPH_H264_DEFINE_SIZE
+template <H264Intra16x16Mode kMode>
+void PIXMORPH_SIMD::H264Intra16x16Bytes(std::uint8_t* samples, std::ptrdiff_t stride, std::uint32_t neighbours,
+                                        std::uint32_t bitDepth) {
+    Predict<16, 16, kMode>(samples, stride, neighbours, bitDepth, plain::H264Intra16x16Bytes<INTRA_16X16_DC>);
+}
+template <H264Intra16x16Mode kMode>
+void PIXMORPH_SIMD::H264Intra16x16Words(std::uint16_t* samples, std::ptrdiff_t stride, std::uint32_t neighbours,
+                                        std::uint32_t bitDepth) {
+    Predict<16, 16, kMode>(samples, stride, neighbours, bitDepth, plain::H264Intra16x16Words<INTRA_16X16_DC>);
+}
+template <H264IntraChromaMode kMode>
+void PIXMORPH_SIMD::H264IntraChroma8x8Bytes(std::uint8_t* samples, std::ptrdiff_t stride, std::uint32_t neighbours,
+                                            std::uint32_t bitDepth) {
+    Predict<8, 8, kMode>(samples, stride, neighbours, bitDepth, plain::H264IntraChroma8x8Bytes<INTRA_CHROMA_DC>);
+}
+template <H264IntraChromaMode kMode>
+void PIXMORPH_SIMD::H264IntraChroma8x8Words(std::uint16_t* samples, std::ptrdiff_t stride, std::uint32_t neighbours,
+                                            std::uint32_t bitDepth) {
+    Predict<8, 8, kMode>(samples, stride, neighbours, bitDepth, plain::H264IntraChroma8x8Words<INTRA_CHROMA_DC>);
+}
+template <H264IntraChromaMode kMode>
+void PIXMORPH_SIMD::H264IntraChroma8x16Bytes(std::uint8_t* samples, std::ptrdiff_t stride, std::uint32_t neighbours,
+                                             std::uint32_t bitDepth) {
+    Predict<8, 16, kMode>(samples, stride, neighbours, bitDepth, plain::H264IntraChroma8x16Bytes<INTRA_CHROMA_DC>);
+}
+template <H264IntraChromaMode kMode>
+void PIXMORPH_SIMD::H264IntraChroma8x16Words(std::uint16_t* samples, std::ptrdiff_t stride, std::uint32_t neighbours,
+                                             std::uint32_t bitDepth) {
+    Predict<8, 16, kMode>(samples, stride, neighbours, bitDepth, plain::H264IntraChroma8x16Words<INTRA_CHROMA_DC>);
+}
+
+namespace PIXMORPH_SIMD {
+template H264PredictIntraBytes H264Intra16x16Bytes<INTRA_16X16_VERTICAL>;
+template H264PredictIntraBytes H264Intra16x16Bytes<INTRA_16X16_HORIZONTAL>;
+template H264PredictIntraBytes H264Intra16x16Bytes<INTRA_16X16_PLANE>;
+template H264PredictIntraWords H264Intra16x16Words<INTRA_16X16_VERTICAL>;
+template H264PredictIntraWords H264Intra16x16Words<INTRA_16X16_HORIZONTAL>;
+template H264PredictIntraWords H264Intra16x16Words<INTRA_16X16_PLANE>;
+template H264PredictIntraBytes H264IntraChroma8x8Bytes<INTRA_CHROMA_HORIZONTAL>;
+template H264PredictIntraBytes H264IntraChroma8x8Bytes<INTRA_CHROMA_VERTICAL>;
+template H264PredictIntraBytes H264IntraChroma8x8Bytes<INTRA_CHROMA_PLANE>;
+template H264PredictIntraWords H264IntraChroma8x8Words<INTRA_CHROMA_HORIZONTAL>;
+template H264PredictIntraWords H264IntraChroma8x8Words<INTRA_CHROMA_VERTICAL>;
+template H264PredictIntraWords H264IntraChroma8x8Words<INTRA_CHROMA_PLANE>;
+template H264PredictIntraBytes H264IntraChroma8x16Bytes<INTRA_CHROMA_HORIZONTAL>;
+template H264PredictIntraBytes H264IntraChroma8x16Bytes<INTRA_CHROMA_VERTICAL>;
+template H264PredictIntraBytes H264IntraChroma8x16Bytes<INTRA_CHROMA_PLANE>;
+template H264PredictIntraWords H264IntraChroma8x16Words<INTRA_CHROMA_HORIZONTAL>;
+template H264PredictIntraWords H264IntraChroma8x16Words<INTRA_CHROMA_VERTICAL>;
+template H264PredictIntraWords H264IntraChroma8x16Words<INTRA_CHROMA_PLANE>;
+}  // namespace PIXMORPH_SIMD
 
 }  // namespace KorvaneSoftware

@@ -95,17 +95,16 @@ void Interpolate(typename Lanes::Sample* dst, std::ptrdiff_t dstStride, const ty
 }  // namespace
 }  // namespace PIXMORPH_SIMD
 
-#define PIXMORPH_H264_DEFINE_BYTES(x, y, width)                                                             \
-    void PIXMORPH_SIMD::H264Luma##width##At##x##y##Bytes(std::uint8_t* dst, std::ptrdiff_t dstStride,       \
-                                                         const std::uint8_t* src, std::ptrdiff_t srcStride, \
-                                                         int height, std::uint32_t) {                       \
-        Interpolate<ByteLanes, width, x, y>(dst, dstStride, src, srcStride, height, 255);                   \
-    }
-#define PIXMORPH_H264_DEFINE_WORDS(x, y, width)                                                              \
-    void PIXMORPH_SIMD::H264Luma##width##At##x##y##Words(std::uint16_t* dst, std::ptrdiff_t dstStride,       \
-                                                         const std::uint16_t* src, std::ptrdiff_t srcStride, \
-                                                         int height, std::uint32_t bitDepth) {               \
-        Interpolate<WordLanes, width, x, y>(dst, dstStride, src, srcStride, height, (1 << bitDepth) - 1);    \
-    }
+template <int kWidth, int kXFraction, int kYFraction>
+void PIXMORPH_SIMD::H264LumaBytes(std::uint8_t* dst, std::ptrdiff_t dstStride, const std::uint8_t* src,
+                                  std::ptrdiff_t srcStride, int height, std::uint32_t) {
+    Interpolate<ByteLanes, kWidth, kXFraction, kYFraction>(dst, dstStride, src, srcStride, height, 255);
+}
+
+template <int kWidth, int kXFraction, int kYFraction>
+void PIXMORPH_SIMD::H264LumaWords(std::uint16_t* dst, std::ptrdiff_t dstStride, const std::uint16_t* src,
+                                  std::ptrdiff_t srcStride, int height, std::uint32_t bitDepth) {
+    Interpolate<WordLanes, kWidth, kXFraction, kYFraction>(dst, dstStride, src, srcStride, height, (1 << bitDepth) - 1);
+}
 
 }  // namespace KorvaneSoftware

@@ -103,24 +103,48 @@ void Weight(typename Lanes::Sample* dst, std::ptrdiff_t dstStride, int height, c
 }  // namespace
 }  // namespace PIXMORPH_SIMD
 
-#define PIXMORPH_H264_DEFINE_CHROMA(Kind, Lanes, Sample, width)                                                       \
-    void PIXMORPH_SIMD::H264Chroma##width##Kind(Sample* dst, std::ptrdiff_t dstStride, const Sample* src,             \
-                                                std::ptrdiff_t srcStride, int height, int xFraction, int yFraction) { \
-        InterpolateChroma<Lanes, width>(dst, dstStride, src, srcStride, height, xFraction, yFraction);                \
-    }
-#define PIXMORPH_H264_DEFINE_BLEND(Kind, Lanes, Sample, width)                                                  \
-    void PIXMORPH_SIMD::H264Average##width##Kind(Sample* dst, std::ptrdiff_t dstStride, const Sample* other,    \
-                                                 std::ptrdiff_t otherStride, int height) {                      \
-        Average<Lanes, width>(dst, dstStride, other, otherStride, height);                                      \
-    }                                                                                                           \
-    void PIXMORPH_SIMD::H264Weight##width##Kind(Sample* dst, std::ptrdiff_t dstStride, int height,              \
-                                                const H264Weights& weights, std::uint32_t bitDepth) {           \
-        Weight<Lanes, width>(dst, dstStride, height, weights, (1 << bitDepth) - 1);                             \
-    }                                                                                                           \
-    void PIXMORPH_SIMD::H264WeightBoth##width##Kind(Sample* dst, std::ptrdiff_t dstStride, const Sample* other, \
-                                                    std::ptrdiff_t otherStride, int height,                     \
-                                                    const H264Weights& weights, std::uint32_t bitDepth) {       \
-        WeightBoth<Lanes, width>(dst, dstStride, other, otherStride, height, weights, (1 << bitDepth) - 1);     \
-    }
+template <int kWidth>
+void PIXMORPH_SIMD::H264ChromaBytes(std::uint8_t* dst, std::ptrdiff_t dstStride, const std::uint8_t* src,
+                                    std::ptrdiff_t srcStride, int height, int xFraction, int yFraction) {
+    InterpolateChroma<ByteLanes, kWidth>(dst, dstStride, src, srcStride, height, xFraction, yFraction);
+}
+template <int kWidth>
+void PIXMORPH_SIMD::H264AverageBytes(std::uint8_t* dst, std::ptrdiff_t dstStride, const std::uint8_t* other,
+                                     std::ptrdiff_t otherStride, int height) {
+    Average<ByteLanes, kWidth>(dst, dstStride, other, otherStride, height);
+}
+template <int kWidth>
+void PIXMORPH_SIMD::H264WeightBytes(std::uint8_t* dst, std::ptrdiff_t dstStride, int height, const H264Weights& weights,
+                                    std::uint32_t) {
+    Weight<ByteLanes, kWidth>(dst, dstStride, height, weights, 255);
+}
+template <int kWidth>
+void PIXMORPH_SIMD::H264WeightBothBytes(std::uint8_t* dst, std::ptrdiff_t dstStride, const std::uint8_t* other,
+                                        std::ptrdiff_t otherStride, int height, const H264Weights& weights,
+                                        std::uint32_t) {
+    WeightBoth<ByteLanes, kWidth>(dst, dstStride, other, otherStride, height, weights, 255);
+}
+
+template <int kWidth>
+void PIXMORPH_SIMD::H264ChromaWords(std::uint16_t* dst, std::ptrdiff_t dstStride, const std::uint16_t* src,
+                                    std::ptrdiff_t srcStride, int height, int xFraction, int yFraction) {
+    InterpolateChroma<WordLanes, kWidth>(dst, dstStride, src, srcStride, height, xFraction, yFraction);
+}
+template <int kWidth>
+void PIXMORPH_SIMD::H264AverageWords(std::uint16_t* dst, std::ptrdiff_t dstStride, const std::uint16_t* other,
+                                     std::ptrdiff_t otherStride, int height) {
+    Average<WordLanes, kWidth>(dst, dstStride, other, otherStride, height);
+}
+template <int kWidth>
+void PIXMORPH_SIMD::H264WeightWords(std::uint16_t* dst, std::ptrdiff_t dstStride, int height,
+                                    const H264Weights& weights, std::uint32_t bitDepth) {
+    Weight<WordLanes, kWidth>(dst, dstStride, height, weights, (1 << bitDepth) - 1);
+}
+template <int kWidth>
+void PIXMORPH_SIMD::H264WeightBothWords(std::uint16_t* dst, std::ptrdiff_t dstStride, const std::uint16_t* other,
+                                        std::ptrdiff_t otherStride, int height, const H264Weights& weights,
+                                        std::uint32_t bitDepth) {
+    WeightBoth<WordLanes, kWidth>(dst, dstStride, other, otherStride, height, weights, (1 << bitDepth) - 1);
+}
 
 }  // namespace KorvaneSoftware

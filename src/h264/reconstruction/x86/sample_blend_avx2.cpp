@@ -2,10 +2,16 @@
 #include "h264/reconstruction/x86/sample_blend.inc.h"
 
 namespace KorvaneSoftware {
+namespace PIXMORPH_SIMD {
 
-PIXMORPH_H264_DEFINE_CHROMA(Words, WordLanes, std::uint16_t, 8)
-PIXMORPH_H264_DEFINE_BLEND(Bytes, ByteLanes, std::uint8_t, 16)
-PIXMORPH_H264_DEFINE_BLEND(Words, WordLanes, std::uint16_t, 8)
-PIXMORPH_H264_DEFINE_BLEND(Words, WordLanes, std::uint16_t, 16)
+template H264InterpolateChromaWords H264ChromaWords<8>;
+template H264AverageSignatureWords H264AverageWords<16>;
+template H264WeightSignatureBytes H264WeightBytes<16>;
+template H264WeightSignatureWords H264WeightWords<8>;
+template H264WeightSignatureWords H264WeightWords<16>;
+template H264WeightBothSignatureBytes H264WeightBothBytes<16>;
+template H264WeightBothSignatureWords H264WeightBothWords<8>;
+template H264WeightBothSignatureWords H264WeightBothWords<16>;
 
+}  // namespace PIXMORPH_SIMD
 }  // namespace KorvaneSoftware

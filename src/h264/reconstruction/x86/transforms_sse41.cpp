@@ -6,6 +6,8 @@ namespace KorvaneSoftware {
 namespace PIXMORPH_SIMD {
 namespace {
 
+#include "foundation/simd/transpose_words.inc.h"
+
 // Lanes of 16 bits: operations of the transforms for bytes.
 struct Sums16 {
     Vec v;
@@ -68,24 +70,6 @@ void Transpose4(Sums32* v) {
     v[3].v = UnpackHigh64(b, d);
 }
 
-void Transpose8(Sums16* v) {
-    Vec a[8], b[8];
-    for (int i = 0; i < 4; ++i) {
-        a[2 * i] = UnpackLow16(v[2 * i].v, v[2 * i + 1].v);
-        a[2 * i + 1] = UnpackHigh16(v[2 * i].v, v[2 * i + 1].v);
-    }
-    for (int i = 0; i < 2; ++i) {
-        b[4 * i] = UnpackLow32(a[4 * i], a[4 * i + 2]);
-        b[4 * i + 1] = UnpackHigh32(a[4 * i], a[4 * i + 2]);
-        b[4 * i + 2] = UnpackLow32(a[4 * i + 1], a[4 * i + 3]);
-        b[4 * i + 3] = UnpackHigh32(a[4 * i + 1], a[4 * i + 3]);
-    }
-    for (int i = 0; i < 4; ++i) {
-        v[2 * i].v = UnpackLow64(b[i], b[i + 4]);
-        v[2 * i + 1].v = UnpackHigh64(b[i], b[i + 4]);
-    }
-}
-
 Vec LoadFourBytes(const std::uint8_t* p) {
     int bytes;
     __builtin_memcpy(&bytes, p, sizeof(bytes));
@@ -129,7 +113,10 @@ void PIXMORPH_SIMD::H264Add8x8Bytes(std::uint8_t* samples, std::ptrdiff_t stride
     Sums16 v[8];
     for (int i = 0; i < 8; ++i) v[i].v = Load(coefficients + 8 * i);
     for (int pass = 0; pass < 2; ++pass) {
-        Transpose8(v);
+        Vec rows[8];
+        for (int i = 0; i < 8; ++i) rows[i] = v[i].v;
+        TransposeWords(rows);
+        for (int i = 0; i < 8; ++i) v[i].v = rows[i];
         Transform8(v);
     }
     const Sums16 round = {Set16(32)};

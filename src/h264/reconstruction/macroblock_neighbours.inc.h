@@ -1,4 +1,10 @@
-// Included inside an unnamed namespace by the plain form of plane prediction and by the vector ones.
+// Included inside an unnamed namespace by the plain forms of prediction of whole macroblocks and by the vector ones.
+
+bool HasTop(std::uint32_t neighbours) { return (neighbours & NEIGHBOUR_TOP) != 0; }
+bool HasLeft(std::uint32_t neighbours) { return (neighbours & NEIGHBOUR_LEFT) == NEIGHBOUR_LEFT; }
+bool HasAll(std::uint32_t neighbours) {
+    return HasTop(neighbours) && HasLeft(neighbours) && (neighbours & NEIGHBOUR_TOP_LEFT) != 0;
+}
 
 // Slope of a row or column of neighbours, in 32nds of a step. `at(-1)` is the corner.
 template <int kLength, class At>
