@@ -118,20 +118,25 @@ void AddIntraPrediction() {
 template <class Sample>
 void AddEdgeFilters() {
     using Slots = km::TH264EdgeFilters<Sample>;
-    const auto addSlot = [](const auto& slot, int segment) {
-        AddBlocks<Sample>(slot, 4 * segment, 4 * segment, [segment](auto* form, Sample* samples, Sample*) {
-            static constexpr int kScale = 1 << (kDepth<Sample> - 8);
-            form(samples, kStride, {40 * kScale, 10 * kScale, {2, 3, 2, 3}}, segment, kDepth<Sample>);
+    static constexpr km::H264EdgeThresholds kThresholds = {40, 10, 0x03020302};
+    const auto addLuma = [](const auto& slot) {
+        AddBlocks<Sample>(slot, 16, 16, [](auto* form, Sample* samples, Sample*) {
+            form(samples, kStride, kThresholds, 4, kDepth<Sample>);
         });
     };
-    addSlot(Slots::kLumaVerticalWeak, 4);
-    addSlot(Slots::kLumaVerticalStrong, 4);
-    addSlot(Slots::kLumaHorizontalWeak, 4);
-    addSlot(Slots::kLumaHorizontalStrong, 4);
-    addSlot(Slots::kChromaVerticalWeak, 2);
-    addSlot(Slots::kChromaVerticalStrong, 2);
-    addSlot(Slots::kChromaHorizontalWeak, 2);
-    addSlot(Slots::kChromaHorizontalStrong, 2);
+    const auto addChroma = [](const auto& slot) {
+        AddBlocks<Sample>(slot, 8, 8, [](auto* form, Sample* samples, Sample* other) {
+            form(samples, other, kStride, {kThresholds, kThresholds}, 2, kDepth<Sample>);
+        });
+    };
+    addLuma(Slots::kLumaVerticalWeak);
+    addLuma(Slots::kLumaVerticalStrong);
+    addLuma(Slots::kLumaHorizontalWeak);
+    addLuma(Slots::kLumaHorizontalStrong);
+    addChroma(Slots::kChromaVerticalWeak);
+    addChroma(Slots::kChromaVerticalStrong);
+    addChroma(Slots::kChromaHorizontalWeak);
+    addChroma(Slots::kChromaHorizontalStrong);
 }
 
 struct AddAll {

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <initializer_list>
+#include <string>
 
 #include "h264/deblocking/edge_filters.h"
 #include "kernels/h264_check.h"
@@ -65,46 +66,90 @@ void FillEdge(H264Picture<Sample>& picture, ByteGenerator& generator, std::uint3
             if ((vertical ? x : y) >= 0) *picture.At(x, y) = static_cast<Sample>(std::min(picture(x, y) + step, top));
 }
 
+// Thresholds as of tables, some segments left alone.
+km::H264EdgeThresholds RandomThresholds(ByteGenerator& generator, bool strong) {
+    km::H264EdgeThresholds t = {};
+    t.alpha = static_cast<std::uint8_t>(generator.Below(256));
+    t.beta = static_cast<std::uint8_t>(generator.Below(19));
+    for (unsigned i = 0; i < 32; i += 8) {
+        const std::uint32_t value = generator.Below(27);
+        t.tc0 |= (value == 26 ? km::kH264NotFiltered : strong ? 0 : value) << i;
+    }
+    return t;
+}
+
+// Filters an edge of a picture at column or row 0 the slow way.
+template <class Sample>
+void FilterSlowly(H264Picture<Sample>& picture, const km::H264EdgeThresholds& t, int segment, std::uint32_t depth,
+                  bool chroma, bool vertical, bool strong) {
+    const int scale = 1 << (depth - 8);
+    for (int line = 0; line < 4 * segment; ++line) {
+        const int tc0 = static_cast<int>(t.tc0 >> 8 * (line / segment) & 0xFF);
+        if (tc0 == 0xFF) continue;
+        const auto at = [&](int i) { return vertical ? picture.At(i, line) : picture.At(line, i); };
+        int p[4], q[4];
+        for (int i = 0; i < 4; ++i) {
+            p[i] = *at(-1 - i);
+            q[i] = *at(i);
+        }
+        SlowLine(p, q, chroma, strong, t.alpha * scale, t.beta * scale, tc0 * scale, (1 << depth) - 1);
+        for (int i = 0; i < 3; ++i) {
+            *at(-1 - i) = static_cast<Sample>(p[i]);
+            *at(i) = static_cast<Sample>(q[i]);
+        }
+    }
+}
+
 template <class Sample>
 class H264Deblocking : public ::testing::Test {
 protected:
     template <class Slot>
-    static void Check(const Slot& slot, bool chroma, bool vertical, bool strong) {
+    static void CheckLuma(const Slot& slot, bool vertical, bool strong) {
+        Check(slot, [&](auto* form, ByteGenerator& generator, std::uint32_t depth, int round) {
+            const int segment = round % 3 == 0 ? 2 : 4;
+            const km::H264EdgeThresholds t = RandomThresholds(generator, strong);
+            H264Picture<Sample> actual(round % 2 != 0);
+            FillEdge(actual, generator, depth, vertical, round % 4);
+            const H264Picture<Sample> before = actual;
+            H264Picture<Sample> expected = actual;
+            FilterSlowly(expected, t, segment, depth, false, vertical, strong);
+            form(actual.At(0, 0), actual.Stride(), t, segment, depth);
+            EXPECT_TRUE(actual == expected);
+            return expected != before;
+        });
+    }
+    template <class Slot>
+    static void CheckChroma(const Slot& slot, bool vertical, bool strong) {
+        Check(slot, [&](auto* form, ByteGenerator& generator, std::uint32_t depth, int round) {
+            const int segment = 1 << round % 3;
+            const km::H264EdgeThresholds t[2] = {RandomThresholds(generator, strong),
+                                                 RandomThresholds(generator, strong)};
+            H264Picture<Sample> cb(round % 2 != 0), cr(round % 2 != 0);
+            FillEdge(cb, generator, depth, vertical, round % 4);
+            FillEdge(cr, generator, depth, vertical, round / 4 % 4);
+            const H264Picture<Sample> before = cb;
+            H264Picture<Sample> expectedCb = cb, expectedCr = cr;
+            FilterSlowly(expectedCb, t[0], segment, depth, true, vertical, strong);
+            FilterSlowly(expectedCr, t[1], segment, depth, true, vertical, strong);
+            form(cb.At(0, 0), cr.At(0, 0), cb.Stride(), t, segment, depth);
+            EXPECT_TRUE(cb == expectedCb) << "Cb";
+            EXPECT_TRUE(cr == expectedCr) << "Cr";
+            return expectedCb != before;
+        });
+    }
+
+private:
+    // `round(form, generator, depth, number)` checks one edge and tells whether it changed.
+    template <class Slot, class Round>
+    static void Check(const Slot& slot, Round round) {
         ForEachH264Form(slot, [&](auto* form) {
             ByteGenerator generator(31);
             for (const std::uint32_t depth : {8u, 9u, 10u, 12u, 13u, 14u}) {
                 if (sizeof(Sample) == 1 && depth != 8) continue;
                 int changed = 0;
-                for (int round = 0; round < 600; ++round) {
-                    const int segment = 1 << round % 3, scale = 1 << (depth - 8);
-                    km::H264EdgeThresholds t = {};
-                    t.alpha = static_cast<int>(generator.Below(256)) * scale;
-                    t.beta = static_cast<int>(generator.Below(19)) * scale;
-                    for (auto& tc0 : t.tc0) {
-                        const int value = static_cast<int>(generator.Below(27)) - 1;
-                        tc0 = static_cast<std::int16_t>(value < 0 ? -1 : strong ? 0 : value * scale);
-                    }
-                    H264Picture<Sample> actual(round % 2 != 0);
-                    FillEdge(actual, generator, depth, vertical, round % 4);
-                    const H264Picture<Sample> before = actual;
-                    H264Picture<Sample> expected = actual;
-                    for (int line = 0; line < 4 * segment; ++line) {
-                        if (t.tc0[line / segment] < 0) continue;
-                        const auto at = [&](int i) { return vertical ? expected.At(i, line) : expected.At(line, i); };
-                        int p[4], q[4];
-                        for (int i = 0; i < 4; ++i) {
-                            p[i] = *at(-1 - i);
-                            q[i] = *at(i);
-                        }
-                        SlowLine(p, q, chroma, strong, t.alpha, t.beta, t.tc0[line / segment], (1 << depth) - 1);
-                        for (int i = 0; i < 3; ++i) {
-                            *at(-1 - i) = static_cast<Sample>(p[i]);
-                            *at(i) = static_cast<Sample>(q[i]);
-                        }
-                    }
-                    form(actual.At(0, 0), actual.Stride(), t, segment, depth);
-                    ASSERT_TRUE(actual == expected) << "depth " << depth << ", round " << round;
-                    changed += expected == before ? 0 : 1;
+                for (int i = 0; i < 600 && !::testing::Test::HasFailure(); ++i) {
+                    SCOPED_TRACE("depth " + std::to_string(depth) + ", round " + std::to_string(i));
+                    changed += round(form, generator, depth, i) ? 1 : 0;
                 }
                 EXPECT_GT(changed, 150) << "too few edges are filtered for a check";
             }
@@ -117,76 +162,87 @@ TYPED_TEST_SUITE(H264Deblocking, Samples);
 
 TYPED_TEST(H264Deblocking, LumaIsTheStandards) {
     using Slots = km::TH264EdgeFilters<TypeParam>;
-    this->Check(Slots::kLumaVerticalWeak, false, true, false);
-    this->Check(Slots::kLumaVerticalStrong, false, true, true);
-    this->Check(Slots::kLumaHorizontalWeak, false, false, false);
-    this->Check(Slots::kLumaHorizontalStrong, false, false, true);
+    this->CheckLuma(Slots::kLumaVerticalWeak, true, false);
+    this->CheckLuma(Slots::kLumaVerticalStrong, true, true);
+    this->CheckLuma(Slots::kLumaHorizontalWeak, false, false);
+    this->CheckLuma(Slots::kLumaHorizontalStrong, false, true);
 }
 
 TYPED_TEST(H264Deblocking, ChromaIsTheStandards) {
     using Slots = km::TH264EdgeFilters<TypeParam>;
-    this->Check(Slots::kChromaVerticalWeak, true, true, false);
-    this->Check(Slots::kChromaVerticalStrong, true, true, true);
-    this->Check(Slots::kChromaHorizontalWeak, true, false, false);
-    this->Check(Slots::kChromaHorizontalStrong, true, false, true);
+    this->CheckChroma(Slots::kChromaVerticalWeak, true, false);
+    this->CheckChroma(Slots::kChromaVerticalStrong, true, true);
+    this->CheckChroma(Slots::kChromaHorizontalWeak, false, false);
+    this->CheckChroma(Slots::kChromaHorizontalStrong, false, true);
 }
 
 // Flat sides of 60 and 70.
 TYPED_TEST(H264Deblocking, WorkedSteps) {
     using Slots = km::TH264EdgeFilters<TypeParam>;
-    const auto line = [](const auto& slot, const km::H264EdgeThresholds& thresholds,
-                         std::initializer_list<int> expected) {
+    const auto step = [] {
         H264Picture<TypeParam> picture;
         for (int y = 0; y < 16; ++y)
             for (int x = -8; x < 8; ++x) *picture.At(x, y) = x < 0 ? 60 : 70;
-        slot(picture.At(0, 0), picture.Stride(), thresholds, 4, 8);
+        return picture;
+    };
+    const auto compare = [](const H264Picture<TypeParam>& picture, std::initializer_list<int> expected) {
         for (int y = 0; y < 16; ++y) {
             int x = -4;
             for (const int value : expected) EXPECT_EQ(picture(x++, y), value) << y;
         }
     };
+    const auto luma = [&](const auto& slot, const km::H264EdgeThresholds& thresholds,
+                          std::initializer_list<int> expected) {
+        H264Picture<TypeParam> picture = step();
+        slot(picture.At(0, 0), picture.Stride(), thresholds, 4, 8);
+        compare(picture, expected);
+    };
+    const auto chroma = [&](const auto& slot, const km::H264EdgeThresholds& ofCb, const km::H264EdgeThresholds& ofCr,
+                            std::initializer_list<int> expectedCb, std::initializer_list<int> expectedCr) {
+        H264Picture<TypeParam> cb = step(), cr = step();
+        slot(cb.At(0, 0), cr.At(0, 0), cb.Stride(), {ofCb, ofCr}, 4, 8);
+        compare(cb, expectedCb);
+        compare(cr, expectedCr);
+    };
     // p2 = (8 * 60 + 10 + 4) >> 3, p1 = (4 * 60 + 10 + 2) >> 2, p0 = (8 * 60 + 30 + 4) >> 3, and the mirror.
-    line(Slots::kLumaVerticalStrong, {40, 10, {0, 0, 0, 0}}, {60, 61, 63, 64, 66, 68, 69, 70});
+    luma(Slots::kLumaVerticalStrong, {40, 10, 0}, {60, 61, 63, 64, 66, 68, 69, 70});
     // delta = min(2 + 2, (40 - 10 + 4) >> 3 = 4); the second samples move by min(2, (60 + 65 - 120) >> 1), and on the
     // other side by (70 + 65 - 140) >> 1 = -3, no more than 2.
-    line(Slots::kLumaVerticalWeak, {40, 10, {2, 2, 2, 2}}, {60, 60, 62, 64, 66, 68, 70, 70});
-    line(Slots::kChromaVerticalStrong, {40, 10, {0, 0, 0, 0}}, {60, 60, 60, 63, 68, 70, 70, 70});
-    line(Slots::kChromaVerticalWeak, {40, 10, {1, 1, 1, 1}}, {60, 60, 60, 62, 68, 70, 70, 70});
+    luma(Slots::kLumaVerticalWeak, {40, 10, 0x02020202}, {60, 60, 62, 64, 66, 68, 70, 70});
     // A difference that is not below alpha stays.
-    line(Slots::kLumaVerticalStrong, {10, 10, {0, 0, 0, 0}}, {60, 60, 60, 60, 70, 70, 70, 70});
+    luma(Slots::kLumaVerticalStrong, {10, 10, 0}, {60, 60, 60, 60, 70, 70, 70, 70});
+    chroma(Slots::kChromaVerticalStrong, {40, 10, 0}, {10, 10, 0}, {60, 60, 60, 63, 68, 70, 70, 70},
+           {60, 60, 60, 60, 70, 70, 70, 70});
+    chroma(Slots::kChromaVerticalWeak, {40, 10, 0x01010101}, {40, 10, 0}, {60, 60, 60, 62, 68, 70, 70, 70},
+           {60, 60, 60, 61, 69, 70, 70, 70});
 }
 
 // Entries of tables 8-16 and 8-17.
 TEST(H264EdgeThresholds, AreThoseOfTheTables) {
-    const std::uint8_t strengths[4] = {1, 2, 3, 0};
-    const km::H264EdgeThresholds t = km::WeakH264Thresholds(30, 0, 0, strengths, 8);
+    // Strengths 1, 2, 3 and 0.
+    const km::H264EdgeThresholds t = km::FindH264EdgeLimits(30, 0, 0).Weak(0x00030201);
     EXPECT_EQ(t.alpha, 25);
     EXPECT_EQ(t.beta, 8);
-    EXPECT_EQ(t.tc0[0], 1);
-    EXPECT_EQ(t.tc0[1], 1);
-    EXPECT_EQ(t.tc0[2], 2);
-    EXPECT_EQ(t.tc0[3], -1);
+    EXPECT_EQ(t.tc0, 0xFF020101u);
 
-    const km::H264EdgeThresholds deep = km::WeakH264Thresholds(51, 12, -12, strengths, 10);
-    EXPECT_EQ(deep.alpha, 255 * 4);
-    EXPECT_EQ(deep.beta, 12 * 4);
-    EXPECT_EQ(deep.tc0[0], 13 * 4);
-    EXPECT_EQ(deep.tc0[2], 25 * 4);
+    const km::H264EdgeThresholds most = km::FindH264EdgeLimits(51, 12, -12).Weak(0x00030201);
+    EXPECT_EQ(most.alpha, 255);
+    EXPECT_EQ(most.beta, 12);
+    EXPECT_EQ(most.tc0, 0xFF19110Du);
 
-    const km::H264EdgeThresholds low = km::WeakH264Thresholds(-20, -12, 12, strengths, 8);
-    EXPECT_EQ(low.alpha, 0);
-    EXPECT_EQ(low.beta, 0);
-    EXPECT_EQ(km::WeakH264Thresholds(15, 1, 0, strengths, 8).alpha, 4);
-    EXPECT_EQ(km::WeakH264Thresholds(15, 0, 1, strengths, 8).beta, 2);
+    EXPECT_EQ(km::FindH264EdgeLimits(-20, -12, 12).alpha, 0);
+    EXPECT_EQ(km::FindH264EdgeLimits(-20, -12, 12).beta, 0);
+    EXPECT_TRUE(km::FindH264EdgeLimits(15, 0, 1).FilterNothing());
+    EXPECT_TRUE(km::FindH264EdgeLimits(15, 1, 0).FilterNothing());
+    EXPECT_FALSE(km::FindH264EdgeLimits(15, 1, 1).FilterNothing());
+    EXPECT_EQ(km::FindH264EdgeLimits(15, 1, 0).alpha, 4);
+    EXPECT_EQ(km::FindH264EdgeLimits(15, 0, 1).beta, 2);
 
-    const std::uint8_t mixed[4] = {4, 1, 0, 4};
-    const km::H264EdgeThresholds strong = km::StrongH264Thresholds(40, 0, 0, mixed, 8);
-    const km::H264EdgeThresholds weak = km::WeakH264Thresholds(40, 0, 0, mixed, 8);
-    EXPECT_EQ(strong.alpha, 80);
-    for (int i = 0; i < 4; ++i) {
-        EXPECT_EQ(strong.tc0[i] >= 0, mixed[i] == 4);
-        EXPECT_EQ(weak.tc0[i] >= 0, mixed[i] == 1);
-    }
+    // Of strengths 4, 1, 0 and 4 each filter has its own.
+    const km::H264EdgeLimits limits = km::FindH264EdgeLimits(40, 0, 0);
+    EXPECT_EQ(limits.alpha, 80);
+    EXPECT_EQ(limits.Strong(0x04000104).tc0, 0x00FFFF00u);
+    EXPECT_EQ(limits.Weak(0x04000104).tc0, 0xFFFF04FFu);
 }
 
 }  // namespace

@@ -67,8 +67,8 @@ void CH264Deblocker::FindInterStrengths() {
     horizontalStrengths_[0] = top_ != nullptr ? TopStrengths(*top_) : 0;
 
     H264InnerEdges differing;
-    const bool isWhole = mb_->shape == 0 && mb_->mbType != MB_B_DIRECT;
-    if (!isWhole) differing = CompareMotionInside(*mb_, {lists_, mvLimit_});
+    const bool movesAsOne = mb_->shape == 0;
+    if (!movesAsOne) differing = CompareMotionInside(*mb_, {lists_, mvLimit_});
     const unsigned coded = mb_->codedLuma;
     const unsigned codedAcross = coded | coded << 1;
     const unsigned codedDown = coded | coded << 4;

@@ -5,17 +5,11 @@
 #include <cstdint>
 
 #include "h264/deblocking/block_motion.h"
+#include "h264/deblocking/edge_thresholds.h"
 #include "h264/macroblock_record.h"
 #include "h264/slice.h"
 
 namespace KorvaneSoftware {
-
-/// Strengths of the four segments of an edge, a byte each, the first in the lowest.
-using H264Strengths = std::uint32_t;
-
-constexpr H264Strengths kH264StrengthsOf1 = 0x01010101;
-constexpr H264Strengths kH264StrengthsOf3 = 0x03030303;
-constexpr H264Strengths kH264StrengthsOf4 = 0x04040404;
 
 /// Base of the filters of frames without MBAFF, and of field pictures.
 class CH264Deblocker {

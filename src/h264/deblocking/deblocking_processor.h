@@ -29,14 +29,13 @@ private:
     }
 
     void Step() {
-        constexpr std::ptrdiff_t kSampleBytes = Template::kSampleBytes;
         SliceCursor& cursor = this->cursor_;
         ++cursor.record;
         ++cursor.position;
         ++cursor.mbX;
-        cursor.planes[0] += 16 * kSampleBytes;
-        cursor.planes[1] += 8 * kSampleBytes;
-        cursor.planes[2] += 8 * kSampleBytes;
+        cursor.planes[0] += 16 * Template::kSampleBytes;
+        cursor.planes[1] += 8 * Template::kSampleBytes;
+        cursor.planes[2] += 8 * Template::kSampleBytes;
     }
 };
 

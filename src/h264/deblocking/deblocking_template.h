@@ -65,29 +65,30 @@ protected:
 
     template <bool kVertical>
     void FilterLuma(Sample* samples, std::ptrdiff_t stride, H264Strengths strengths, const H264EdgeQp& qp,
-                    int segment) {
-        if constexpr (kVertical) {
-            FilterEdge(Filters::kLumaVerticalWeak, Filters::kLumaVerticalStrong, samples, stride, strengths, qp.luma,
-                       segment, lumaDepth_);
-        } else {
-            FilterEdge(Filters::kLumaHorizontalWeak, Filters::kLumaHorizontalStrong, samples, stride, strengths,
-                       qp.luma, segment, lumaDepth_);
-        }
+                    int segment) const {
+        const auto& weak = kVertical ? Filters::kLumaVerticalWeak : Filters::kLumaHorizontalWeak;
+        const auto& strong = kVertical ? Filters::kLumaVerticalStrong : Filters::kLumaHorizontalStrong;
+        const H264EdgeLimits limits = Limits(qp.luma);
+        if (limits.FilterNothing()) return;
+        if (HasStrong(strengths)) strong(samples, stride, limits.Strong(strengths), segment, lumaDepth_);
+        if (HasWeak(strengths)) weak(samples, stride, limits.Weak(strengths), segment, lumaDepth_);
     }
 
     /// Filters Cb and Cr at a place in the macroblock.
     template <bool kVertical>
     void FilterChroma(std::ptrdiff_t at, std::ptrdiff_t stride, H264Strengths strengths, const H264EdgeQp& qp,
-                      int segment) {
-        for (unsigned i = 0; i < 2; ++i) {
-            Sample* const samples = Plane(1 + i) + at;
-            if constexpr (kVertical) {
-                FilterEdge(Filters::kChromaVerticalWeak, Filters::kChromaVerticalStrong, samples, stride, strengths,
-                           qp.chroma[i], segment, chromaDepth_);
-            } else {
-                FilterEdge(Filters::kChromaHorizontalWeak, Filters::kChromaHorizontalStrong, samples, stride, strengths,
-                           qp.chroma[i], segment, chromaDepth_);
-            }
+                      int segment) const {
+        const auto& weak = kVertical ? Filters::kChromaVerticalWeak : Filters::kChromaHorizontalWeak;
+        const auto& strong = kVertical ? Filters::kChromaVerticalStrong : Filters::kChromaHorizontalStrong;
+        Sample* const cb = Plane(1) + at;
+        Sample* const cr = Plane(2) + at;
+        const H264EdgeLimits ofCb = Limits(qp.chroma[0]), ofCr = Limits(qp.chroma[1]);
+        if (ofCb.FilterNothing() && ofCr.FilterNothing()) return;
+        if (HasStrong(strengths)) {
+            strong(cb, cr, stride, {ofCb.Strong(strengths), ofCr.Strong(strengths)}, segment, chromaDepth_);
+        }
+        if (HasWeak(strengths)) {
+            weak(cb, cr, stride, {ofCb.Weak(strengths), ofCr.Weak(strengths)}, segment, chromaDepth_);
         }
     }
 
@@ -103,20 +104,11 @@ private:
     /// Under the 8x8 transform the edges between 4x4 blocks of luma are none.
     bool HasLumaEdge(unsigned i) const { return P == 1 || i % 2 == 0 || this->mb_->transform8x8 == 0; }
 
-    template <class Slot>
-    void FilterEdge(const Slot& weak, const Slot& strong, Sample* samples, std::ptrdiff_t stride,
-                    H264Strengths strengths, int qp, int segment, std::uint32_t depth) {
-        std::uint8_t bytes[4];
-        for (unsigned i = 0; i < 4; ++i) bytes[i] = static_cast<std::uint8_t>(strengths >> 8 * i);
+    static bool HasStrong(H264Strengths strengths) { return (strengths & kH264StrengthsOf4) != 0; }
+    static bool HasWeak(H264Strengths strengths) { return (strengths & kH264StrengthsOf3) != 0; }
+    H264EdgeLimits Limits(int qp) const {
         const H264SliceHeader& header = this->slice_->header;
-        if (const bool hasStrong = (strengths & kH264StrengthsOf4) != 0; hasStrong) {
-            strong(samples, stride, StrongH264Thresholds(qp, header.filterOffsetA, header.filterOffsetB, bytes, depth),
-                   segment, depth);
-        }
-        if (const bool hasWeak = (strengths & kH264StrengthsOf3) != 0; hasWeak) {
-            weak(samples, stride, WeakH264Thresholds(qp, header.filterOffsetA, header.filterOffsetB, bytes, depth),
-                 segment, depth);
-        }
+        return FindH264EdgeLimits(qp, header.filterOffsetA, header.filterOffsetB);
     }
 
     std::uint32_t lumaDepth_ = 8;

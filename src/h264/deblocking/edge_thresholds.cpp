@@ -1,4 +1,4 @@
-#include "h264/deblocking/edge_filters.h"
+#include "h264/deblocking/edge_thresholds.h"
 
 namespace KorvaneSoftware {
 namespace {
@@ -12,8 +12,13 @@ constexpr std::uint8_t kAlpha[kIndices] = {
 constexpr std::uint8_t kBeta[kIndices] = {0,  0,  0,  0,  0,  0,  0,  0,  0,  0,  0,  0,  0,  0,  0,  0, 2,  2,
                                           2,  3,  3,  3,  3,  4,  4,  4,  6,  6,  7,  7,  8,  8,  9,  9, 10, 10,
                                           11, 11, 12, 12, 13, 13, 14, 14, 15, 15, 16, 16, 17, 17, 18, 18};
-// ITU-T H.264 table 8-17, by indexA and bS - 1.
-constexpr std::uint8_t kTc0[kIndices][3] = {
+// ITU-T H.264 table 8-17, by indexA and bS; bS 0 and 4 have none.
+struct Tc0ByStrength {
+    std::uint8_t tc0[5];
+    constexpr Tc0ByStrength(std::uint8_t of1, std::uint8_t of2, std::uint8_t of3)
+        : tc0{kH264NotFiltered, of1, of2, of3, kH264NotFiltered} {}
+};
+constexpr Tc0ByStrength kTc0[kIndices] = {
     {0, 0, 0},  {0, 0, 0},   {0, 0, 0},   {0, 0, 0},   {0, 0, 0},    {0, 0, 0},    {0, 0, 0},   {0, 0, 0},  {0, 0, 0},
     {0, 0, 0},  {0, 0, 0},   {0, 0, 0},   {0, 0, 0},   {0, 0, 0},    {0, 0, 0},    {0, 0, 0},   {0, 0, 0},  {0, 0, 1},
     {0, 0, 1},  {0, 0, 1},   {0, 0, 1},   {0, 1, 1},   {0, 1, 1},    {1, 1, 1},    {1, 1, 1},   {1, 1, 1},  {1, 1, 1},
@@ -23,26 +28,11 @@ constexpr std::uint8_t kTc0[kIndices][3] = {
 
 int ClipIndex(int index) { return index < 0 ? 0 : index >= kIndices ? kIndices - 1 : index; }
 
-template <class Tc0>
-H264EdgeThresholds Thresholds(int qp, int offsetA, int offsetB, std::uint32_t bitDepth, Tc0 tc0) {
-    const int scale = 1 << (bitDepth - 8), indexA = ClipIndex(qp + offsetA);
-    H264EdgeThresholds thresholds = {kAlpha[indexA] * scale, kBeta[ClipIndex(qp + offsetB)] * scale, {}};
-    for (int i = 0; i < 4; ++i) thresholds.tc0[i] = static_cast<std::int16_t>(tc0(indexA, i, scale));
-    return thresholds;
-}
-
 }  // namespace
 
-H264EdgeThresholds WeakH264Thresholds(int qp, int offsetA, int offsetB, const std::uint8_t (&strengths)[4],
-                                      std::uint32_t bitDepth) {
-    return Thresholds(qp, offsetA, offsetB, bitDepth, [&](int indexA, int i, int scale) {
-        return strengths[i] == 0 || strengths[i] > 3 ? -1 : kTc0[indexA][strengths[i] - 1] * scale;
-    });
-}
-
-H264EdgeThresholds StrongH264Thresholds(int qp, int offsetA, int offsetB, const std::uint8_t (&strengths)[4],
-                                        std::uint32_t bitDepth) {
-    return Thresholds(qp, offsetA, offsetB, bitDepth, [&](int, int i, int) { return strengths[i] > 3 ? 0 : -1; });
+H264EdgeLimits FindH264EdgeLimits(int qp, int offsetA, int offsetB) {
+    const int indexA = ClipIndex(qp + offsetA);
+    return {kAlpha[indexA], kBeta[ClipIndex(qp + offsetB)], kTc0[indexA].tc0};
 }
 
 }  // namespace KorvaneSoftware
