@@ -1,21 +1,10 @@
 #include "h264/h264_decoder.h"
 
+#include <new>
+
+#include "h264/layers.h"
+
 namespace KorvaneSoftware {
-
-Status CH264Decoder::QueryInterface(const GUID& iid, void** object) {
-    if (object == nullptr) return IMG_E_NULL_ARG;
-    *object = nullptr;
-    if (!(iid == IID_InwardVideoDecoder)) return IMG_E_NO_PATH;
-    *object = static_cast<IVideoDecoder*>(this);
-    AddRef();
-    return IMG_OK;
-}
-
-std::uint32_t CH264Decoder::Release() {
-    const std::uint32_t left = --references_;
-    if (left == 0) delete this;
-    return left;
-}
 
 Status CH264Decoder::CheckFormats(const CodedFormat*, const ImageDescriptor*) { return IMG_OK; }
 
@@ -43,6 +32,10 @@ Status CH264Decoder::GetCurrentFormat(CodedFormat* format) {
 Status CH264Decoder::IsReady(std::uint32_t what) {
     if (core_ == nullptr) return IMG_E_NOT_READY;
     return Guarded([&] { return core_->Restart(what != 0); });
+}
+
+IBasicInterface* CreateH264Decoder() {
+    return Guarded<IBasicInterface*>(nullptr, [] { return new (std::nothrow) CH264Decoder(H264Layers()); });
 }
 
 }  // namespace KorvaneSoftware

@@ -8,19 +8,15 @@
 
 #include <memory>
 
-#include "codec/inward_codec.h"
+#include "codec/codec_object.h"
 #include "h264/pipeline/fusion_core.h"
 
 namespace KorvaneSoftware {
 
-class CH264Decoder final : public IBasicInterface, public IVideoDecoder {
+class CH264Decoder final : public CDecoderObject {
 public:
     /// @param layers  must outlive the decoder
     explicit CH264Decoder(const IH264Layers& layers) : layers_(layers) {}
-
-    Status QueryInterface(const GUID& iid, void** object) override;
-    std::uint32_t AddRef() override { return ++references_; }
-    std::uint32_t Release() override;
 
     /// Always 0: the stream's own parameter sets decide.
     Status CheckFormats(const CodedFormat* format, const ImageDescriptor* image) override;
@@ -35,9 +31,11 @@ private:
     ~CH264Decoder() override = default;
 
     const IH264Layers& layers_;
-    std::uint32_t references_ = 1;
     std::unique_ptr<CH264FusionCore> core_;
     CodecOptions options_;
 };
+
+/// For the codec table: a decoder over the library's own layers. @return null when memory is short
+IBasicInterface* CreateH264Decoder();
 
 }  // namespace KorvaneSoftware

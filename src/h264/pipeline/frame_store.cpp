@@ -157,8 +157,9 @@ CH264Frame* H264FrameStore::FindDueFrame(bool flush, Status& status) const {
         }
         if (!frame.outputDone) {
             if (candidate == nullptr || frame.picOrderCnt < candidate->picOrderCnt) candidate = &frame;
-        } else if (!frame.IsMarked() && !flush) {
-            // A frame can be recycled: nothing presses.
+        } else if (!frame.IsMarked() && !flush && frameCount_ <= Limit()) {
+            // A frame can be recycled: nothing presses. But beyond its size the pool has taken pictures in while it had
+            // none to recycle, and would only grow further if it then waited.
             return nullptr;
         }
     }

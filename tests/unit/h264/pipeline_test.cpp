@@ -3,28 +3,10 @@
 
 #include "h264/h264_decoder.h"
 #include "support/h264_pictures.h"
-#include "support/h264_samples.h"
-#include "support/h264_stand_in.h"
+#include "unit/h264/stand_in_core.h"
 
 namespace h264 {
 namespace {
-
-struct Core {
-    explicit Core(unsigned threads) : core(layers, threads) { EXPECT_EQ(core.Initialize({}), IMG_OK); }
-
-    Status Decode(const Bytes& bytes, double time = 0) {
-        CodedSample coded(bytes.data(), bytes.size(), time);
-        const Status status = core.Decode(&picture, &coded);
-        left = coded.GetDataSize();
-        return status;
-    }
-    Status Flush() { return core.Decode(&picture, nullptr); }
-
-    StandInLayers layers;
-    CH264FusionCore core;
-    PictureSample picture;
-    std::uint64_t left = 0;
-};
 
 TEST(H264Core, FirstFramesWait) {
     Core core(1);

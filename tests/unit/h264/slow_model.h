@@ -470,7 +470,7 @@ private:
                 break;
             }
             if (!f->outputDone && (best == nullptr || f->Poc() < best->Poc())) best = f;
-            if (f->outputDone && !f->Marked() && !flush) {
+            if (f->outputDone && !f->Marked() && !flush && frameCount_ <= limit_) {
                 result.status = 1;
                 return;
             }
