@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <vector>
 
+#include "fuzz/fuzz_h264_stream.h"
 #include "fuzz/fuzz_input.h"
 #include "h264/pipeline/fusion_core.h"
 #include "support/h264_samples.h"
@@ -10,25 +11,8 @@
 
 using namespace KorvaneSoftware;
 
-namespace {
-
-/// Large pictures take time and memory, and find nothing that small ones do not.
-bool HasLargePicture(const std::uint8_t* data, std::size_t size) {
-    H264ParameterSets sets;
-    for (std::size_t at = FindStartCode(data, size, 0); at < size;) {
-        const NalUnit unit = UnitAt(data, size, at);
-        at += unit.size;
-        const H264Sps* sps = nullptr;
-        if (unit.HasHeader() && unit.Type() == NAL_SPS) ReadSps(unit, sets, &sps);
-        if (sps != nullptr && PictureSizeInMbs(*sps, false) > 1024) return true;
-    }
-    return false;
-}
-
-}  // namespace
-
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    if (HasLargePicture(data, size)) return 0;
+    if (pixmorph_fuzz::HasLargePicture(data, size, 1024)) return 0;
     pixmorph_fuzz::FuzzInput input(data, size);
     h264::StandInLayers layers;
     const unsigned threads = 1 + input.Below(4);
@@ -39,23 +23,16 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     CH264FusionCore core(layers, threads);
     if (core.Initialize({}) != IMG_OK) return 0;
 
-    // What follows is a stream; a byte of 0 before a start code ends a sample, and the one before that may ask for
-    // more.
-    const std::uint8_t* at = data + std::min<std::size_t>(size, 12);
-    const std::uint8_t* const end = data + size;
+    // What follows is a stream; the byte before the one that ends a sample may ask for more.
+    const std::size_t first = std::min<std::size_t>(size, 12);
     double time = 0;
-    while (at < end) {
-        const auto left = static_cast<std::size_t>(end - at);
-        std::size_t length = FindStartCode(at, left, 1);
-        while (length < left && at[length - 1] != 0) length = FindStartCode(at, left, length + 1);
-        const std::vector<std::uint8_t> bytes(at, at + length);
-        at += length;
+    pixmorph_fuzz::ForEachSample(data + first, size - first, [&](const std::vector<std::uint8_t>& bytes) {
         h264::CodedSample sample(bytes.data(), bytes.size(), time++);
         h264::PictureSample picture;
         core.Decode(&picture, &sample);
         if (!bytes.empty() && bytes.back() == 0 && bytes.size() > 2 && bytes[bytes.size() - 2] == 0xFE)
             core.Restart(false);
-    }
+    });
     for (int i = 0; i < 64; ++i) {
         h264::PictureSample picture;
         if (core.Decode(&picture, nullptr) != IMG_OK) break;
