@@ -5,21 +5,6 @@ namespace KorvaneSoftware {
 namespace {
 
 template <int kWidth, class Sample>
-void InterpolateChroma(Sample* dst, std::ptrdiff_t dstStride, const Sample* src, std::ptrdiff_t srcStride, int height,
-                       int xFraction, int yFraction) {
-    // What has weight 0 is not looked for outside the block.
-    const int right = xFraction != 0 ? 1 : 0;
-    const std::ptrdiff_t below = yFraction != 0 ? srcStride : 0;
-    for (int y = 0; y < height; ++y, dst += dstStride, src += srcStride) {
-        for (int x = 0; x < kWidth; ++x) {
-            const int upper = (8 - xFraction) * src[x] + xFraction * src[x + right];
-            const int lower = (8 - xFraction) * src[x + below] + xFraction * src[x + below + right];
-            dst[x] = static_cast<Sample>(((8 - yFraction) * upper + yFraction * lower + 32) >> 6);
-        }
-    }
-}
-
-template <int kWidth, class Sample>
 void Average(Sample* dst, std::ptrdiff_t dstStride, const Sample* other, std::ptrdiff_t otherStride, int height) {
     for (int y = 0; y < height; ++y, dst += dstStride, other += otherStride)
         for (int x = 0; x < kWidth; ++x) dst[x] = static_cast<Sample>((dst[x] + other[x] + 1) >> 1);
@@ -53,11 +38,6 @@ void WeightBoth(Sample* dst, std::ptrdiff_t dstStride, const Sample* other, std:
 }  // namespace
 
 template <int kWidth>
-void plain::H264ChromaBytes(std::uint8_t* dst, std::ptrdiff_t dstStride, const std::uint8_t* src,
-                            std::ptrdiff_t srcStride, int height, int xFraction, int yFraction) {
-    InterpolateChroma<kWidth>(dst, dstStride, src, srcStride, height, xFraction, yFraction);
-}
-template <int kWidth>
 void plain::H264AverageBytes(std::uint8_t* dst, std::ptrdiff_t dstStride, const std::uint8_t* other,
                              std::ptrdiff_t otherStride, int height) {
     Average<kWidth>(dst, dstStride, other, otherStride, height);
@@ -74,11 +54,6 @@ void plain::H264WeightBothBytes(std::uint8_t* dst, std::ptrdiff_t dstStride, con
     WeightBoth<kWidth>(dst, dstStride, other, otherStride, height, weights, bitDepth);
 }
 
-template <int kWidth>
-void plain::H264ChromaWords(std::uint16_t* dst, std::ptrdiff_t dstStride, const std::uint16_t* src,
-                            std::ptrdiff_t srcStride, int height, int xFraction, int yFraction) {
-    InterpolateChroma<kWidth>(dst, dstStride, src, srcStride, height, xFraction, yFraction);
-}
 template <int kWidth>
 void plain::H264AverageWords(std::uint16_t* dst, std::ptrdiff_t dstStride, const std::uint16_t* other,
                              std::ptrdiff_t otherStride, int height) {
@@ -97,15 +72,6 @@ void plain::H264WeightBothWords(std::uint16_t* dst, std::ptrdiff_t dstStride, co
 }
 
 // Two samples are too few for registers, and one of SSE4.1 holds most rows.
-PIXMORPH_SLOT_TABLE(H264InterpolateChromaBytes, 3, H264ChromaBytes,
-                    {plain::H264ChromaBytes<2>, nullptr, nullptr, nullptr},
-                    {plain::H264ChromaBytes<4>, simd_sse41::H264ChromaBytes<4>, nullptr, nullptr},
-                    {plain::H264ChromaBytes<8>, simd_sse41::H264ChromaBytes<8>, nullptr, nullptr});
-PIXMORPH_SLOT_TABLE(H264InterpolateChromaWords, 3, H264ChromaWords,
-                    {plain::H264ChromaWords<2>, nullptr, nullptr, nullptr},
-                    {plain::H264ChromaWords<4>, simd_sse41::H264ChromaWords<4>, nullptr, nullptr},
-                    {plain::H264ChromaWords<8>, simd_sse41::H264ChromaWords<8>, simd_avx2::H264ChromaWords<8>,
-                     nullptr});
 PIXMORPH_SLOT_TABLE(H264AverageSignatureBytes, 4, H264AverageBytes,
                     {plain::H264AverageBytes<2>, nullptr, nullptr, nullptr},
                     {plain::H264AverageBytes<4>, simd_sse41::H264AverageBytes<4>, nullptr, nullptr},

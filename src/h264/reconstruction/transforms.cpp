@@ -186,18 +186,18 @@ PIXMORPH_SLOT(DispatchSlot<H264AddResidualBytes>, H264Add4x4Bytes, plain::H264Ad
               nullptr, nullptr);
 PIXMORPH_SLOT(DispatchSlot<H264AddResidualBytes>, H264Add8x8Bytes, plain::H264Add8x8Bytes, simd_sse41::H264Add8x8Bytes,
               nullptr, nullptr);
-PIXMORPH_SLOT(DispatchSlot<H264AddResidualBytes>, H264Add4x4DcBytes, plain::H264Add4x4DcBytes, nullptr, nullptr,
-              nullptr);
-PIXMORPH_SLOT(DispatchSlot<H264AddResidualBytes>, H264Add8x8DcBytes, plain::H264Add8x8DcBytes, nullptr, nullptr,
-              nullptr);
+PIXMORPH_SLOT(DispatchSlot<H264AddResidualBytes>, H264Add4x4DcBytes, plain::H264Add4x4DcBytes,
+              simd_sse41::H264Add4x4DcBytes, nullptr, nullptr);
+PIXMORPH_SLOT(DispatchSlot<H264AddResidualBytes>, H264Add8x8DcBytes, plain::H264Add8x8DcBytes,
+              simd_sse41::H264Add8x8DcBytes, nullptr, nullptr);
 PIXMORPH_SLOT(DispatchSlot<H264AddResidualWords>, H264Add4x4Words, plain::H264Add4x4Words, simd_sse41::H264Add4x4Words,
               nullptr, nullptr);
 PIXMORPH_SLOT(DispatchSlot<H264AddResidualWords>, H264Add8x8Words, plain::H264Add8x8Words, simd_sse41::H264Add8x8Words,
               nullptr, nullptr);
-PIXMORPH_SLOT(DispatchSlot<H264AddResidualWords>, H264Add4x4DcWords, plain::H264Add4x4DcWords, nullptr, nullptr,
-              nullptr);
-PIXMORPH_SLOT(DispatchSlot<H264AddResidualWords>, H264Add8x8DcWords, plain::H264Add8x8DcWords, nullptr, nullptr,
-              nullptr);
+PIXMORPH_SLOT(DispatchSlot<H264AddResidualWords>, H264Add4x4DcWords, plain::H264Add4x4DcWords,
+              simd_sse41::H264Add4x4DcWords, nullptr, nullptr);
+PIXMORPH_SLOT(DispatchSlot<H264AddResidualWords>, H264Add8x8DcWords, plain::H264Add8x8DcWords,
+              simd_sse41::H264Add8x8DcWords, nullptr, nullptr);
 PIXMORPH_SLOT(DispatchSlot<H264TransformDcBytes>, H264LumaDcBytes, plain::H264LumaDcBytes, nullptr, nullptr, nullptr);
 PIXMORPH_SLOT(DispatchSlot<H264TransformDcBytes>, H264ChromaDc2x2Bytes, plain::H264ChromaDc2x2Bytes, nullptr, nullptr,
               nullptr);

@@ -1,4 +1,4 @@
-// Chroma interpolation, averages and weights over the registers of the including file.
+// Averages and weights over the registers of the including file.
 #include "h264/reconstruction/x86/inter_forms.h"
 
 namespace KorvaneSoftware {
@@ -9,35 +9,6 @@ namespace {
 
 template <class Lanes, int kWidth>
 constexpr int kStep = kWidth < Lanes::kSamples ? kWidth : Lanes::kSamples;
-
-template <class Lanes, int kWidth>
-void InterpolateChroma(typename Lanes::Sample* dst, std::ptrdiff_t dstStride, const typename Lanes::Sample* src,
-                       std::ptrdiff_t srcStride, int height, int xFraction, int yFraction) {
-    constexpr int kCount = kStep<Lanes, kWidth>;
-    const int right = xFraction != 0 ? 1 : 0;
-    const std::ptrdiff_t below = yFraction != 0 ? srcStride : 0;
-    const Vec leftWeight = Lanes::Set(8 - xFraction), rightWeight = Lanes::Set(xFraction);
-    const Vec upperWeight = Lanes::Set(8 - yFraction), lowerWeight = Lanes::Set(yFraction);
-    const Vec round = Lanes::Set(32);
-    const auto mix = [](Vec a, Vec aWeight, Vec b, Vec bWeight) {
-        return Lanes::Add(Lanes::Multiply(a, aWeight), Lanes::Multiply(b, bWeight));
-    };
-    for (int x = 0; x < kWidth; x += kCount) {
-        const typename Lanes::Sample* p = src + x;
-        const auto row = [&](const typename Lanes::Sample* q) {
-            return mix(Lanes::template LoadSamples<kCount>(q), leftWeight,
-                       Lanes::template LoadSamples<kCount>(q + right), rightWeight);
-        };
-        Vec upper = row(p);
-        typename Lanes::Sample* out = dst + x;
-        for (int y = 0; y < height; ++y, out += dstStride, p += srcStride) {
-            const Vec lower = below != 0 ? row(p + below) : upper;
-            const Vec sum = Lanes::Add(mix(upper, upperWeight, lower, lowerWeight), round);
-            Lanes::template StoreSamples<kCount>(out, Lanes::template ShiftRight<6>(sum));
-            upper = below != 0 || y + 1 == height ? lower : row(p + srcStride);
-        }
-    }
-}
 
 template <class Lanes, int kWidth>
 void Average(typename Lanes::Sample* dst, std::ptrdiff_t dstStride, const typename Lanes::Sample* other,
@@ -104,11 +75,6 @@ void Weight(typename Lanes::Sample* dst, std::ptrdiff_t dstStride, int height, c
 }  // namespace PIXMORPH_SIMD
 
 template <int kWidth>
-void PIXMORPH_SIMD::H264ChromaBytes(std::uint8_t* dst, std::ptrdiff_t dstStride, const std::uint8_t* src,
-                                    std::ptrdiff_t srcStride, int height, int xFraction, int yFraction) {
-    InterpolateChroma<ByteLanes, kWidth>(dst, dstStride, src, srcStride, height, xFraction, yFraction);
-}
-template <int kWidth>
 void PIXMORPH_SIMD::H264AverageBytes(std::uint8_t* dst, std::ptrdiff_t dstStride, const std::uint8_t* other,
                                      std::ptrdiff_t otherStride, int height) {
     Average<ByteLanes, kWidth>(dst, dstStride, other, otherStride, height);
@@ -125,11 +91,6 @@ void PIXMORPH_SIMD::H264WeightBothBytes(std::uint8_t* dst, std::ptrdiff_t dstStr
     WeightBoth<ByteLanes, kWidth>(dst, dstStride, other, otherStride, height, weights, 255);
 }
 
-template <int kWidth>
-void PIXMORPH_SIMD::H264ChromaWords(std::uint16_t* dst, std::ptrdiff_t dstStride, const std::uint16_t* src,
-                                    std::ptrdiff_t srcStride, int height, int xFraction, int yFraction) {
-    InterpolateChroma<WordLanes, kWidth>(dst, dstStride, src, srcStride, height, xFraction, yFraction);
-}
 template <int kWidth>
 void PIXMORPH_SIMD::H264AverageWords(std::uint16_t* dst, std::ptrdiff_t dstStride, const std::uint16_t* other,
                                      std::ptrdiff_t otherStride, int height) {

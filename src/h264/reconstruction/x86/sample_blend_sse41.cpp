@@ -4,10 +4,6 @@
 namespace KorvaneSoftware {
 namespace PIXMORPH_SIMD {
 
-template H264InterpolateChromaBytes H264ChromaBytes<4>;
-template H264InterpolateChromaBytes H264ChromaBytes<8>;
-template H264InterpolateChromaWords H264ChromaWords<4>;
-template H264InterpolateChromaWords H264ChromaWords<8>;
 template H264AverageSignatureBytes H264AverageBytes<4>;
 template H264AverageSignatureWords H264AverageWords<16>;
 template H264WeightSignatureBytes H264WeightBytes<4>;

@@ -86,6 +86,32 @@ void AddFourWords(std::uint16_t* samples, Sums32 residual, Vec maxSample) {
     StoreNarrow32To16(samples, Min32s(Add32(before, residual.v), maxSample));
 }
 
+// One residual for all samples: bytes take what is above zero with saturation, and lose what is below.
+struct DcOfBytes {
+    Vec above, below;
+
+    explicit DcOfBytes(std::int16_t coefficient) {
+        const Vec residual = ShiftRight16s<6>(Add16(Set16(coefficient), Set16(32)));
+        above = Pack16To8u(residual, residual);
+        const Vec negative = Sub16(Zero(), residual);
+        below = Pack16To8u(negative, negative);
+    }
+    Vec AddedTo(Vec samples) const { return {_mm_subs_epu8(_mm_adds_epu8(samples.v, above.v), below.v)}; }
+};
+
+// Words are no deeper than 14 bits, so that the sum with a residual that is no more than them stays within 16.
+struct DcOfWords {
+    Vec residual, maxSample;
+
+    DcOfWords(std::int32_t coefficient, std::uint32_t bitDepth) : maxSample(Set16((1 << bitDepth) - 1)) {
+        const Vec top = Set32((1 << bitDepth) - 1);
+        const Vec wide = ShiftRight32s<6>(Add32(Set32(coefficient), Set32(32)));
+        const Vec clipped = Min32s(Max32s(wide, Sub32(Zero(), top)), top);
+        residual = Pack32To16s(clipped, clipped);
+    }
+    Vec AddedTo(Vec samples) const { return Min16s(Max16s(Add16(samples, residual), Zero()), maxSample); }
+};
+
 }  // namespace
 }  // namespace PIXMORPH_SIMD
 
@@ -161,6 +187,35 @@ void PIXMORPH_SIMD::H264Add8x8Words(std::uint16_t* samples, std::ptrdiff_t strid
         std::uint16_t* row = samples + 4 * part;
         for (int y = 0; y < 8; ++y, row += stride) AddFourWords(row, (v[y] + round).Shifted<6>(), maxSample);
     }
+}
+
+void PIXMORPH_SIMD::H264Add4x4DcBytes(std::uint8_t* samples, std::ptrdiff_t stride, const std::int16_t* coefficients,
+                                      std::uint32_t) {
+    const DcOfBytes dc(*coefficients);
+    for (int y = 0; y < 4; ++y, samples += stride) {
+        int bytes;
+        __builtin_memcpy(&bytes, samples, sizeof(bytes));
+        bytes = _mm_cvtsi128_si32(dc.AddedTo({_mm_cvtsi32_si128(bytes)}).v);
+        __builtin_memcpy(samples, &bytes, sizeof(bytes));
+    }
+}
+
+void PIXMORPH_SIMD::H264Add8x8DcBytes(std::uint8_t* samples, std::ptrdiff_t stride, const std::int16_t* coefficients,
+                                      std::uint32_t) {
+    const DcOfBytes dc(*coefficients);
+    for (int y = 0; y < 8; ++y, samples += stride) StoreHalf(samples, dc.AddedTo(LoadHalf(samples)));
+}
+
+void PIXMORPH_SIMD::H264Add4x4DcWords(std::uint16_t* samples, std::ptrdiff_t stride, const std::int32_t* coefficients,
+                                      std::uint32_t bitDepth) {
+    const DcOfWords dc(*coefficients, bitDepth);
+    for (int y = 0; y < 4; ++y, samples += stride) StoreHalf(samples, dc.AddedTo(LoadHalf(samples)));
+}
+
+void PIXMORPH_SIMD::H264Add8x8DcWords(std::uint16_t* samples, std::ptrdiff_t stride, const std::int32_t* coefficients,
+                                      std::uint32_t bitDepth) {
+    const DcOfWords dc(*coefficients, bitDepth);
+    for (int y = 0; y < 8; ++y, samples += stride) Store(samples, dc.AddedTo(Load(samples)));
 }
 
 }  // namespace KorvaneSoftware
