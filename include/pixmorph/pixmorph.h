@@ -598,8 +598,8 @@ struct IVideoEncoder : IUnknown {
     /// Compresses a frame of the size set. The codec converts from formats that are not its own; which it takes is the
     /// codec's business.
     ///
-    /// A KVMJ frame depends on the number of processors that the process could use when the format was set: with one,
-    /// some filler before an image's end marker differs from that with several. What it decodes to does not.
+    /// With one processor to use when the format was set, a KVMJ frame has other filler before its end markers than with
+    /// several, and decodes alike. In DV each thread (up to four) starts its search of quantisers anew: frames differ.
     /// @param pDst           receives the compressed frame.
     /// @param dstBufferSize  bytes at `pDst`, at least 1.
     /// @param pDstSize       receives the bytes of the frame; 0, with S_OK, from a codec that does not tell of a frame

@@ -54,7 +54,7 @@ Status CDVDecoder::Initialize(const CodedFormat* format, const CodecOptions* opt
         format_ = *format;
         (void)team_.Configure(WorkerTeam::DecideCount(kMostDvThreads, options != nullptr ? options->threads : 0));
         threads_ = team_.Count();
-        decoders_ = std::make_unique<SegmentDecoder[]>(threads_);
+        decoders_ = std::make_unique<TThreadState<SegmentDecoder>[]>(threads_);
         Configure(*FindDvStream(kind_, format_.height, false));
         isReady_ = true;
         return IMG_OK;

@@ -9,6 +9,7 @@
 #include "dv/frame_conversion.h"
 #include "dv/segment_decoder.h"
 #include "foundation/aligned_memory.h"
+#include "foundation/thread_state.h"
 
 namespace KorvaneSoftware {
 
@@ -45,7 +46,7 @@ private:
     const DvStream* stream_ = nullptr;  // Of the last frame.
     unsigned threads_ = 0;
     WorkerTeam team_;
-    std::unique_ptr<SegmentDecoder[]> decoders_;  // One for each thread.
+    std::unique_ptr<TThreadState<SegmentDecoder>[]> decoders_;  // One for each thread.
 
     CDVImageWriter writer_;
     FieldConverter converter_;

@@ -44,7 +44,7 @@ Status CDVEncoder::Initialize(const CodedFormat* format, const CodecOptions* opt
         // A team that came out smaller works all the same; the bytes follow the threads that there are.
         (void)team_.Configure(options_.threads);
         threads_ = team_.Count();
-        encoders_ = std::make_unique<SegmentEncoder[]>(threads_);
+        encoders_ = std::make_unique<TThreadState<SegmentEncoder>[]>(threads_);
         for (unsigned i = 0; i < threads_; ++i) encoders_[i].Configure(*stream, format_.fieldLayout == DV_PROGRESSIVE);
         phase_ = 0;
         stream_ = stream;

@@ -9,6 +9,7 @@
 #include "dv/frame_conversion.h"
 #include "dv/segment_encoder.h"
 #include "foundation/aligned_memory.h"
+#include "foundation/thread_state.h"
 
 namespace KorvaneSoftware {
 
@@ -45,7 +46,7 @@ private:
     CodecOptions options_;
     unsigned threads_ = 0;
     WorkerTeam team_;
-    std::unique_ptr<SegmentEncoder[]> encoders_;  // One for each thread.
+    std::unique_ptr<TThreadState<SegmentEncoder>[]> encoders_;  // One for each thread.
 
     CDVImageReader reader_;
     FieldConverter converter_;

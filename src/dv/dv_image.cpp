@@ -5,6 +5,7 @@
 
 #include "dv/dv_samples.h"
 #include "dv/dv_tables.h"
+#include "foundation/platform/platform.h"
 
 namespace KorvaneSoftware {
 
@@ -209,6 +210,11 @@ void CDVImageReader::Read(std::int16_t* blocks, const MacroblockPlace& place, bo
         TakeLines(blocks + kBlock * chroma.cr, v, 0);
         TakeLines(blocks + kBlock * chroma.cb, u, 2);
     }
+}
+
+void CDVImageWriter::Expect(const MacroblockPlace& place) const {
+    for (unsigned part = 0; part < PartCount(place.shape); ++part)
+        platform::FetchForWriting(Pixels(PartOf(place, part, false)), image_.strides[0], 8);
 }
 
 void CDVImageWriter::Write(const std::int16_t* blocks, const MacroblockPlace& place, bool byFields) const {

@@ -69,6 +69,9 @@ private:
 /// Chrominance is repeated where the picture has more of it than the stream.
 class CDVImageWriter final : public CDVImage {
 public:
+    /// Starts to fetch the luminance or packed lines that a macroblock will be written to. Lines at the border of super
+    /// blocks may be in another thread's cache: they arrive while the segment is unpacked.
+    void Expect(const MacroblockPlace& place) const;
     /// Writes samples less 128, limited to 0 to 255.
     void Write(const std::int16_t* blocks, const MacroblockPlace& place, bool byFields = false) const;
 

@@ -92,16 +92,20 @@ void SegmentDecoder::Transform(const std::uint8_t* difBlocks) {
 void SegmentDecoder::Decode(const std::uint8_t* difBlocks, const CDVImageWriter& writer, unsigned sequence,
                             unsigned segment, unsigned phase) {
     const unsigned places = layout_->places;
+    MacroblockPlace place[kSegmentMacroblocks];
+    for (unsigned m = 0; m < kSegmentMacroblocks; ++m) {
+        place[m] = PlaceMacroblock(*stream_, sequence, segment, m, phase);
+        writer.Expect(place[m]);
+    }
     std::memset(levels_, 0, sizeof(std::int16_t) * kDvBlockValues * kSegmentMacroblocks * places);
     UnpackSegment(difBlocks, *layout_, blocks_, !stream_->IsHd());
     Transform(difBlocks);
     for (unsigned m = 0; m < kSegmentMacroblocks; ++m) {
         const CodedBlock& first = blocks_[m * places];
-        const MacroblockPlace place = PlaceMacroblock(*stream_, sequence, segment, m, phase);
         // Fields are for the 16x16 macroblocks of interlaced pictures; elsewhere the bit has no meaning.
         const bool byFields =
-            stream_->lines == 1080 && place.shape == MacroblockShape::k16x16 && first.mode == DV_DCT_248;
-        writer.Write(first.levels, place, byFields);
+            stream_->lines == 1080 && place[m].shape == MacroblockShape::k16x16 && first.mode == DV_DCT_248;
+        writer.Write(first.levels, place[m], byFields);
     }
 }
 

@@ -28,7 +28,7 @@ Status CMMESDecoder::Initialize(const CodedFormat* format, const CodecOptions* o
         format_ = *format;
         options_ = options != nullptr ? *options : CodecOptions();
         const unsigned threads = WorkerTeam::DecideCount(kMaxThreads, options_.threads);
-        decoders_.reset(new (std::nothrow) SliceDecoder[threads]);
+        decoders_.reset(new (std::nothrow) TThreadState<SliceDecoder>[threads]);
         if (decoders_ == nullptr) return IMG_E_NO_MEMORY;
         if (const Status status = team_.Configure(threads); status != IMG_OK) return status;
         ready_ = true;
@@ -70,10 +70,23 @@ Status CMMESDecoder::DecodePicture(const std::uint8_t* data, std::uint64_t size,
     for (unsigned i = 1; i < count; ++i) shares_[i] = FindStartCode(slices + sliceBytes * i / count, end);
     shares_[count] = end;
     // What a share returns tells of its last slice, and damaged slices do not fail a frame.
-    return team_.Run(count, [this](unsigned share) -> Status {
+    const Status status = team_.Run(count, [this](unsigned share) -> Status {
         (void)DecodeShare(share);
         return IMG_OK;
     });
+    if (status != IMG_OK) return status;
+    // Slices of a sound stream lie side by side. Where they do not the last one counts, as with one thread.
+    if (SharesOverlap(count))
+        for (unsigned share = 0; share < count; ++share) (void)DecodeShare(share);
+    return IMG_OK;
+}
+
+bool CMMESDecoder::SharesOverlap(unsigned count) const {
+    for (std::uint32_t row = 0; row < MacroblocksOf(format_.height); ++row)
+        for (unsigned i = 1; i < count; ++i)
+            for (unsigned j = 0; j < i; ++j)
+                if (decoders_[i].Columns(row).Overlaps(decoders_[j].Columns(row))) return true;
+    return false;
 }
 
 Status CMMESDecoder::DecodeShare(unsigned share) {

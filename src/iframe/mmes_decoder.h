@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "codec/codec_object.h"
+#include "foundation/thread_state.h"
 #include "foundation/worker_team.h"
 #include "iframe/frame_headers.h"
 #include "iframe/i_frame_format.h"
@@ -16,7 +17,8 @@ class SliceDecoder;
 }
 
 /// Up to four threads decode a frame's slices, each a share of the data. A frame whose headers are damaged fails before
-/// a pixel is written; of a damaged slice the pixels from the damage on keep what they were, and the frame succeeds.
+/// a pixel is written; of a damaged slice the pixels from the damage on keep what they were, and the frame succeeds. Where slices name the same
+/// macroblocks the last one counts: the picture does not depend on the number of threads.
 class CMMESDecoder final : public CDecoderObject {
 public:
     CMMESDecoder();
@@ -31,13 +33,14 @@ public:
 private:
     Status DecodePicture(const std::uint8_t* data, std::uint64_t size, const ImageDescriptor& image);
     Status DecodeShare(unsigned share);
+    bool SharesOverlap(unsigned count) const;
 
     bool ready_ = false;
     CodecOptions options_;
     CodedFormat format_;
     WorkerTeam team_;
     iframe::ParsedHeaders headers_ = {};
-    std::unique_ptr<iframe::SliceDecoder[]> decoders_;  // One for each thread.
+    std::unique_ptr<TThreadState<iframe::SliceDecoder>[]> decoders_;  // One for each thread.
     // Where each share begins; the last entry is the end of the data.
     const std::uint8_t* shares_[iframe::kMaxThreads + 1] = {};
 };

@@ -87,7 +87,7 @@ Status CMMESEncoder::Initialize(const CodedFormat* format, const CodecOptions* o
 
         InitBlockTransforms();
         const unsigned threads = WorkerTeam::DecideCount(kMaxThreads, options_.threads);
-        workers_.reset(new (std::nothrow) Worker[threads]);
+        workers_.reset(new (std::nothrow) TThreadState<Worker>[threads]);
         if (workers_ == nullptr) return IMG_E_NO_MEMORY;
         const std::uint64_t partBytes = std::uint64_t{format_.width} * format_.height / threads;
         for (unsigned i = 1; i < threads; ++i)

@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "codec/codec_object.h"
+#include "foundation/thread_state.h"
 #include "foundation/worker_team.h"
 #include "iframe/encoder_tables.h"
 #include "iframe/frame_headers.h"
@@ -44,8 +45,8 @@ private:
     iframe::WrittenHeaders headers_;
     iframe::EncoderTables tables_ = {};
     WorkerTeam team_;
-    std::unique_ptr<Worker[]> workers_;  // One for each thread.
-    ImageDescriptor image_;              // The picture of the frame in flight.
+    std::unique_ptr<TThreadState<Worker>[]> workers_;  // One for each thread.
+    ImageDescriptor image_;                            // The picture of the frame in flight.
 };
 
 /// For the codec table. @return null on failure

@@ -1,5 +1,6 @@
 #include "iframe/slice_decoder.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "iframe/i_frame_format.h"
@@ -58,6 +59,7 @@ Status SliceDecoder::BeginFrame(const ParsedHeaders& headers, const ImageDescrip
     rows_ = MacroblocksOf(image.height);
     blocksPerMacroblock_ = kBlocksOfChromaFormat[headers.chromaFormat];
     quantiserCode_ = 0;  // The matrix may be another one.
+    std::fill_n(decoded_, rows_, DecodedColumns());
     syntax_.coefficients = &kCoefficientDecoders[headers.vlcFormat];
     syntax_.scan = kTransposedScans.positions[headers.alternateScan];
     syntax_.dcFactor = 8 >> headers.dcPrecision;
@@ -101,6 +103,7 @@ Status SliceDecoder::DecodeSlice(std::uint32_t row, const std::uint8_t* data, st
             std::memset(coefficients_, 0, sizeof coefficients_);
             return IMG_E_MALFORMED;
         }
+        decoded_[row].Add(column);
         if (++column == columns_) return IMG_OK;
         reader.Fill();
         if (reader.Peek(23) == 0) return IMG_OK;          // A start code or the end.

@@ -1,3 +1,5 @@
+#include <bit>
+
 #include "jpeg/block_coder.h"
 
 namespace KorvaneSoftware {
@@ -20,6 +22,13 @@ BitPosition AppendBits(std::uint8_t* buffer, std::size_t capacity, BitPosition p
                 writer.Put(bytes >> 32, 32);
                 writer.Put(bytes & 0xFFFFFFFF, 32);
                 source += 8;
+                continue;
+            }
+            // All bytes up to the stuffed one at once.
+            const int count = std::countl_zero(BytesFF(bytes)) / 8 + 1;
+            if (count < 8 && count + 1 < stop - source) {
+                writer.Put(bytes >> (64 - 8 * count), 8 * count);
+                source += count + 1;
                 continue;
             }
         }

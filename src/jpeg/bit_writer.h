@@ -15,6 +15,12 @@ constexpr bool HasByteFF(std::uint64_t bytes) {
     return ((~bytes - 0x0101010101010101u) & bytes & 0x8080808080808080u) != 0;
 }
 
+/// The top bit of each byte that is FF.
+constexpr std::uint64_t BytesFF(std::uint64_t bytes) {
+    constexpr std::uint64_t kLow = 0x7F7F7F7F7F7F7F7Fu;
+    return ~(((~bytes & kLow) + kLow) | ~bytes | kLow);
+}
+
 constexpr std::uint64_t SwapBytes64(std::uint64_t x) {
     x = (x & 0x00FF00FF00FF00FFu) << 8 | (x >> 8 & 0x00FF00FF00FF00FFu);
     x = (x & 0x0000FFFF0000FFFFu) << 16 | (x >> 16 & 0x0000FFFF0000FFFFu);
@@ -136,6 +142,18 @@ private:
             StoreBigEndian64(next_, Packing::Arrange(bits));
             next_ += 8;
             return;
+        }
+        if constexpr (Packing::kStuffed) {
+            // Twice the bytes at most. The zero is always stored; what is no FF lets the next byte go over it.
+            if (end_ - next_ >= 16) {
+                for (int shift = 56; shift >= 0; shift -= 8) {
+                    const auto byte = static_cast<std::uint8_t>(bits >> shift);
+                    next_[0] = byte;
+                    next_[1] = 0;
+                    next_ += byte == 0xFF ? 2 : 1;
+                }
+                return;
+            }
         }
         for (int shift = 64 - static_cast<int>(Packing::kUnitBits); shift >= 0;
              shift -= static_cast<int>(Packing::kUnitBits))

@@ -19,7 +19,7 @@ CDecoderKVMJSingleThread::~CDecoderKVMJSingleThread() = default;
 Status CDecoderKVMJSingleThread::MakeWorkers(unsigned count) {
     return Guarded(kCodecNoMemory, [&]() -> Status {
         workers_.clear();
-        for (unsigned i = 0; i < count; ++i) workers_.push_back(std::make_unique<Worker>());
+        for (unsigned i = 0; i < count; ++i) workers_.push_back(std::make_unique<TThreadState<Worker>>());
         tables_ = std::make_unique<QuantiserTables>();
         return IMG_OK;
     });

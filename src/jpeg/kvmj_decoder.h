@@ -5,6 +5,7 @@
 #include <span>
 #include <vector>
 
+#include "foundation/thread_state.h"
 #include "foundation/worker_team.h"
 #include "jpeg/image_writer.h"
 #include "jpeg/kvmj_codec.h"
@@ -41,7 +42,7 @@ protected:
     Status DecodePart(Worker& worker, const FieldImageState& image, const EntryPoint& part) const;
 
     FieldImageState images_[2];
-    std::vector<std::unique_ptr<Worker>> workers_;
+    std::vector<std::unique_ptr<TThreadState<Worker>>> workers_;
 
 private:
     struct QuantiserTables;

@@ -6,6 +6,7 @@
 
 #include "foundation/aligned_memory.h"
 #include "foundation/part_results.h"
+#include "foundation/thread_state.h"
 #include "jpeg/bit_writer.h"
 #include "jpeg/image_reader.h"
 #include "jpeg/kvmj_codec.h"
@@ -53,7 +54,7 @@ protected:
     unsigned Columns() const { return columns_; }
 
     FieldImageState images_[2];
-    std::vector<std::unique_ptr<Worker>> workers_;
+    std::vector<std::unique_ptr<TThreadState<Worker>>> workers_;
     std::uint8_t* output_ = nullptr;
     std::size_t capacity_ = 0;
 

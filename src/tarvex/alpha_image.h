@@ -21,7 +21,7 @@
 namespace KorvaneSoftware {
 
 /// Reads a field, and codes its alpha on the way.
-class CTRVTImageReader final : public MJPEG::CImageReader {
+class CTRVTImageReader : public MJPEG::CImageReader {
 public:
     Status Init(const ImageDescriptor& image, unsigned fieldIndex, bool lineShift) override;
     void Begin() override;
@@ -46,7 +46,7 @@ private:
 };
 
 /// Writes a field with the alpha of a payload.
-class CTRVTImageWriter final : public TMJPEGImageWriter<0> {
+class CTRVTImageWriter : public TMJPEGImageWriter<0> {
 public:
     /// The alpha of the field to come; a payload that is none leaves it opaque.
     void SetPayload(std::span<const std::uint8_t> payload);

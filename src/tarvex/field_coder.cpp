@@ -50,14 +50,15 @@ Status EncodeTarvexField(MJPEG::CImageReader& reader, CMCU& mcu, const QualityTa
         for (unsigned column = 0; column < reader.Columns(); ++column) {
             reader.ReadMCU(mcu.blocks);
             FDCTBlocks(mcu.blocks, kBlocks);
-            unsigned counts[kBlocks];
-            for (int i = 0; i < kBlocks; ++i)
-                counts[i] = QuantiseBlock(mcu.Block(i), mcu.Block(i),
-                                          i < 2 ? tables.lumaReciprocals : tables.chromaReciprocals);
-            EncodeLumaBlock(bits, mcu.Block(0), counts[0], predictors[0]);
-            EncodeLumaBlock(bits, mcu.Block(1), counts[1], predictors[0]);
-            EncodeChromaBlock(bits, mcu.Block(2), counts[2], predictors[1]);
-            EncodeChromaBlock(bits, mcu.Block(3), counts[3], predictors[2]);
+            for (int i = 0; i < kBlocks; ++i) {
+                std::int16_t* const levels = mcu.Block(i);
+                if (i < 2)
+                    EncodeLumaLevels(bits, levels, QuantiseToScan(levels, levels, tables.lumaReciprocals),
+                                     predictors[0]);
+                else
+                    EncodeChromaLevels(bits, levels, QuantiseToScan(levels, levels, tables.chromaReciprocals),
+                                       predictors[i - 1]);
+            }
         }
         reader.EndRow();
     }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "codec/codec_object.h"
+#include "foundation/thread_state.h"
 #include "foundation/worker_team.h"
 #include "tarvex/alpha_image.h"
 #include "tarvex/field_coder.h"
@@ -34,7 +35,7 @@ private:
     CodedFormat format_;
     TarvexFrame frame_;
     TarvexQuantisers tables_[2];
-    TMJPEGImageWriter<0> writers_[2];
+    TThreadState<TMJPEGImageWriter<0>> writers_[2];
     CMCU mcus_[2] = {CMCU(4, 4), CMCU(4, 4)};
     WorkerTeam team_;
 };
@@ -47,7 +48,7 @@ protected:
     TMJPEGImageWriter<0>& Writer(unsigned field, std::span<const std::uint8_t> alpha) override;
 
 private:
-    CTRVTImageWriter alphaWriters_[2];
+    TThreadState<CTRVTImageWriter> alphaWriters_[2];
 };
 
 /// For the table of codecs.

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "codec/codec_object.h"
+#include "foundation/thread_state.h"
 #include "foundation/worker_team.h"
 #include "tarvex/alpha_image.h"
 #include "tarvex/field_coder.h"
@@ -40,7 +41,7 @@ private:
     bool ready_ = false;
     CodedFormat format_;
     QualityTables tables_;
-    MJPEG::CImageReader readers_[2];
+    TThreadState<MJPEG::CImageReader> readers_[2];
     CMCU mcus_[2] = {CMCU(4, 4), CMCU(4, 4)};
     AlignedBuffer secondField_;  // Coded while nobody knows yet where it goes.
     WorkerTeam team_;
@@ -56,7 +57,7 @@ protected:
     Status Append(std::span<std::uint8_t> frame, std::size_t& size) override;
 
 private:
-    CTRVTImageReader alphaReaders_[2];
+    TThreadState<CTRVTImageReader> alphaReaders_[2];
 };
 
 /// For the table of codecs.

@@ -92,6 +92,15 @@ TEST(CodecSlots, EncoderWithoutACodec) {
     for (std::size_t slot = 6; slot <= 10; ++slot) EXPECT_EQ(object.Call<Result>(slot), kNotImplemented);
 }
 
+TEST(CodecSlots, QualityOfACodecWithoutOneIsDropped) {
+    const Object object = Make("VideoCodec", "IVideoEncoder");
+    ASSERT_EQ(object.Call<Result>(3, 0, 720, 576), kOk);
+    for (const std::int32_t quality : {5000, -1, 20000}) EXPECT_EQ(object.Call<Result>(4, quality), kOk);
+    // A codec that does not come to be takes the earlier one with it.
+    EXPECT_EQ(object.Call<Result>(3, 10, 1920, 1080), kOutOfMemory);
+    EXPECT_EQ(object.Call<Result>(4, 5000), kNotSetUp);
+}
+
 TEST(CodecSlots, DecoderWithoutACodec) {
     const Object object = Make("VideoCodec", "IVideoDecoder");
     Call call;

@@ -198,6 +198,17 @@ TEST(IFrame, RoundTripOfAllWidths) {
     }
 }
 
+// A slice for each row of macroblocks, the last one reaching below the picture.
+TEST(IFrame, SlicesOf1080Lines) {
+    CodedPicture picture(kUyvy, 1920, 1080, 3840, 9, "gradient");
+    for (const std::int32_t row : {kElementary, kAdvanced}) {
+        const Bytes frame = FrameOf(row, picture, kUyvy, 1920, 1080);
+        const std::vector<std::size_t> slices = SlicesOf(frame);
+        ASSERT_EQ(slices.size(), 68u + 1) << "and the end code";
+        for (std::size_t i = 0; i < 68; ++i) EXPECT_EQ(frame[slices[i] + 3], i + 1);
+    }
+}
+
 TEST(IFrame, OtherSizeIsRefused) {
     CodedPicture picture(kUyvy, 48, 32, 128, 9, "gradient");
     const Bytes frame = FrameOf(kElementary, picture, kUyvy, 48, 32);

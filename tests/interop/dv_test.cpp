@@ -188,7 +188,9 @@ TEST_P(Dv, TheToolReadsOurFramesAsWellAsItsOwn) {
                 return interop::Psnr(decoded[i].data() + start, pictures[i].data() + start, size);
             };
             EXPECT_GT(psnr(ours, 0, planes.Bytes()), psnr(theirs, 0, planes.Bytes()) - 1) << "frame " << i;
-            // The family's rule of classes favours luminance; past this level nobody sees what chrominance pays.
+            // The family's rule of classes puts nearly all chrominance into class 3, which doubles its steps: at 720
+            // lines that alone costs it the 2.1 to 2.4 dB that class 2 would gain, and puts it up to 0.8 dB below the
+            // bound. Past this level nobody sees what it pays for luminance.
             constexpr double kTransparent = 45;
             for (int plane = 0; plane < 3; ++plane) {
                 const double other = psnr(theirs, planes.Start(plane), planes.Size(plane));

@@ -25,6 +25,9 @@ unsigned CountRuntimeThreads();
 
 /// Tells the processor that the calling thread watches a value in a loop.
 void PauseProcessor();
+/// Starts to fetch the cache lines at `first`, `first` + `stride` and so on for writing. An address without memory does
+/// no harm.
+void FetchForWriting(const std::uint8_t* first, std::ptrdiff_t stride, unsigned count);
 /// Lets another thread run on this processor.
 void YieldProcessor();
 

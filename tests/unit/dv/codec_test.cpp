@@ -4,121 +4,17 @@
 
 #include <algorithm>
 #include <cstring>
-#include <vector>
+#include <memory>
 
-#include "codec/inward_codec.h"
 #include "dv/dif_blocks.h"
-#include "dv/dv_codecs.h"
-#include "dv/dv_formats.h"
-#include "support/coded_pictures.h"
+#include "dv/segment_encoder.h"
+#include "foundation/worker_team.h"
+#include "unit/dv/dv_codec_case.h"
 
 namespace KorvaneSoftware {
 namespace {
 
-using pixmorph_test::CodedPicture;
-using Bytes = std::vector<std::uint8_t>;
-
-template <class View>
-class Holder {
-public:
-    Holder(IBasicInterface* object, const GUID& id) : object_(object) {
-        void* view = nullptr;
-        EXPECT_EQ(object->QueryInterface(id, &view), IMG_OK);
-        view_ = static_cast<View*>(view);
-    }
-    Holder(const Holder&) = delete;
-    Holder& operator=(const Holder&) = delete;
-    ~Holder() {
-        object_->Release();
-        object_->Release();
-    }
-    View* operator->() const { return view_; }
-
-private:
-    IBasicInterface* object_;
-    View* view_ = nullptr;
-};
-
-class Encoder : public Holder<IVideoEncoder> {
-public:
-    explicit Encoder(IBasicInterface* object) : Holder(object, IID_InwardVideoEncoder) {}
-};
-class Decoder : public Holder<IVideoDecoder> {
-public:
-    explicit Decoder(IBasicInterface* object) : Holder(object, IID_InwardVideoDecoder) {}
-};
-
-CodedFormat Format(std::uint32_t kind, std::uint32_t width, std::uint32_t height, std::uint32_t fieldLayout = 0) {
-    CodedFormat format;
-    format.kind = kind;
-    format.width = width;
-    format.height = height;
-    format.fieldLayout = fieldLayout;
-    return format;
-}
-
-ImageDescriptor Image(std::uint32_t format, std::uint32_t width, std::uint32_t height) {
-    ImageDescriptor image;
-    image.format = format;
-    image.width = width;
-    image.height = height;
-    return image;
-}
-
-// A picture of any format in a buffer of its own.
-struct Picture {
-    Picture(std::uint32_t format, std::uint32_t width, std::uint32_t height) : image(Image(format, width, height)) {
-        bytes.resize(ImageBufferSize(&image));
-        EXPECT_EQ(ImageSetPlanesTight(&image, bytes.data(), bytes.size()), IMG_OK);
-    }
-    static Picture Uyvy(std::uint32_t width, std::uint32_t height, const char* content, std::uint32_t seed) {
-        Picture picture(FMT_UYVY, width, height);
-        CodedPicture source(0, width, height, static_cast<std::int32_t>(2 * width), seed, content);
-        for (std::uint32_t y = 0; y < height; ++y)
-            std::copy(source.Row(y).begin(), source.Row(y).end(), picture.Line(y));
-        return picture;
-    }
-    Picture(Picture&&) = default;
-    Picture& operator=(Picture&&) = default;
-    std::uint8_t* Line(std::uint32_t y) { return image.planes[0] + y * image.strides[0]; }
-
-    ImageDescriptor image;
-    Bytes bytes;
-};
-
-Status Encode(const Encoder& encoder, const ImageDescriptor& image, Bytes& frame) {
-    CMediaSample coded;
-    CVideoSample sample;
-    coded.SetBuffer(frame.data(), frame.size());
-    *sample.GetImage() = image;
-    const Status status = encoder->Encode(&coded, &sample);
-    if (status == IMG_OK) {
-        EXPECT_LE(coded.GetDataSize(), frame.size());
-        frame.resize(coded.GetDataSize());
-    }
-    return status;
-}
-
-Bytes Encoded(IBasicInterface* object, const CodedFormat& format, const ImageDescriptor& image,
-              std::uint32_t threads = 1) {
-    const Encoder encoder(object);
-    const CodecOptions options{threads, 0, 0};
-    EXPECT_EQ(encoder->Initialize(&format, &options), IMG_OK);
-    Bytes frame(600000);
-    EXPECT_EQ(Encode(encoder, image, frame), IMG_OK);
-    return frame;
-}
-
-Status Decode(const Decoder& decoder, ImageDescriptor& image, const Bytes& frame) {
-    CMediaSample coded;
-    CVideoSample sample;
-    coded.SetBuffer(const_cast<std::uint8_t*>(frame.data()), frame.size());
-    EXPECT_EQ(coded.AddDataSize(frame.size()), IMG_OK);
-    *sample.GetImage() = image;
-    const Status status = decoder->Decode(&sample, &coded);
-    image = *sample.GetImage();
-    return status;
-}
+using namespace dv_test;
 
 TEST(DvFormats, CodedFormatsAt25And50Mbit) {
     const Encoder encoder(CreateDVEncoder());
@@ -347,6 +243,70 @@ TEST(DvEncoder, TheFirstShareDoesNotDependOnThreads) {
     EXPECT_TRUE(std::equal(one.begin() + 9 * kDifSequenceBytes,
                            one.begin() + 9 * kDifSequenceBytes + 6 * kDifBlockBytes,
                            two.begin() + 9 * kDifSequenceBytes));
+}
+
+// Threads share the segments out in order, and each starts its search anew: nothing else tells their number.
+TEST(DvEncoder, EachShareBeginsAnew) {
+    const DvStream& stream = *FindDvStream(CODEC_DV, 576, true);
+    Picture source = Picture::Uyvy(720, 576, "soft", 8);
+    CDVImageReader reader;
+    ASSERT_EQ(reader.Init(source.image, stream), IMG_OK);
+    for (const std::uint32_t setting : {1u, 2u, 3u, 4u}) {
+        const Bytes frame = Encoded(CreateDVEncoder(), Format(CODEC_DV, 720, 576), source.image, setting);
+        const unsigned threads = WorkerTeam::DecideCount(4, setting);
+        ASSERT_EQ(threads, setting);
+        const auto encoder = std::make_unique<SegmentEncoder>();
+        encoder->Configure(stream, false);
+        for (unsigned number = 0, share = 0; number < stream.Segments(); ++number) {
+            if (number == stream.Segments() * share / threads) {
+                encoder->Restart();
+                ++share;
+            }
+            const unsigned sequence = number / kSegmentsPerSequence, segment = number % kSegmentsPerSequence;
+            std::uint8_t blocks[kSegmentMacroblocks * kDifBlockBytes] = {};
+            encoder->Analyse(reader, sequence, segment, 0);
+            encoder->Quantise();
+            encoder->Pack(blocks);
+            for (unsigned i = 0; i < kSegmentMacroblocks; ++i) {
+                const std::uint8_t* const block =
+                    frame.data() + kDifSequenceBytes * sequence + VideoBlockOffset(segment, i);
+                ASSERT_TRUE(std::equal(block + 3, block + kDifBlockBytes, blocks + kDifBlockBytes * i + 3))
+                    << setting << " threads, segment " << number;
+            }
+        }
+    }
+}
+
+// The VSC pack tells of pictures wider than 4 by 3; high definition ones are.
+TEST(DvEncoder, AspectCodes) {
+    const struct {
+        IBasicInterface* (*encoder)();
+        std::uint32_t kind, width, height, ratio;  // Y in the high half.
+        std::uint8_t code;
+    } cases[] = {{&CreateDVEncoder, CODEC_DV, 720, 576, 0, 0xC8},
+                 {&CreateDVEncoder, CODEC_DV, 720, 576, 0x00030004, 0xC8},
+                 {&CreateDVEncoder, CODEC_DV, 720, 480, 0x00090010, 0xCA},
+                 {&CreateDVCPROEncoder, CODEC_DVCPRO, 720, 576, 0x0009000E, 0xCA},
+                 {&CreateDVCPRO50Encoder, CODEC_DVCPRO50, 720, 480, 0x00040005, 0xC8},
+                 {&CreateDVCPRO100Encoder50Hz, CODEC_DVCPRO100, 960, 720, 0, 0xCA},
+                 {&CreateDVCPRO100Encoder60Hz, CODEC_DVCPRO100, 1280, 1080, 0x00030004, 0xCA}};
+    for (const auto& c : cases) {
+        const Encoder encoder(c.encoder());
+        const CodedFormat format = Format(c.kind, c.width, c.height);
+        ASSERT_EQ(encoder->Initialize(&format, nullptr), IMG_OK);
+        Picture source = Picture::Uyvy(c.width, c.height, "flat", 1);
+        Bytes frame(600000);
+        CMediaSample coded;
+        CVideoSample sample;
+        coded.SetBuffer(frame.data(), frame.size());
+        *sample.GetImage() = source.image;
+        sample.SetAspectRatio(&c.ratio);
+        ASSERT_EQ(encoder->Encode(&coded, &sample), IMG_OK);
+        // The eleventh pack of the last VAUX block in the first sequence.
+        constexpr std::size_t kPack = 5 * kDifBlockBytes + 3 + 10 * 5;
+        EXPECT_EQ(frame[kPack], 0x61);
+        EXPECT_EQ(frame[kPack + 2], c.code) << c.kind << ", ratio " << c.ratio;
+    }
 }
 
 TEST(DvDecoder, AsManyThreadsGiveTheSamePicture) {

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <bit>
 #include <memory>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -111,6 +112,37 @@ TEST(DvSegment, NoiseTakesTheCoarsestClassEverywhere) {
     EXPECT_EQ(segment.encoder_->State(), 0u);
     for (unsigned m = 0; m < 5; ++m)
         for (unsigned b = 0; b < 6; ++b) EXPECT_EQ(segment.encoder_->Macroblock(m).blocks[b].quantiserClass, 3);
+}
+
+// The next segment starts where the last one ended: one without AC values changes nothing of that.
+TEST(DvSegment, TheStateGoesFromSegmentToSegment) {
+    EncodedSegment segment(CODEC_DV, 480, "noise", 6, 0);
+    const EncodedSegment flat(CODEC_DV, 480, "flat", 1, 0), soft(CODEC_DV, 480, "soft", 8, 0);
+    SegmentEncoder& encoder = *segment.encoder_;
+    encoder.Quantise();
+    ASSERT_EQ(encoder.State(), 0u);
+    encoder.Analyse(flat.reader_, 0, 0, 0);
+    encoder.Quantise();
+    EXPECT_EQ(encoder.State(), 0u);
+    for (unsigned m = 0; m < 5; ++m) EXPECT_EQ(encoder.Macroblock(m).number, 15u);
+    encoder.Analyse(soft.reader_, 0, 0, 0);
+    unsigned expected = 0;
+    while (encoder.CountAll(expected + 1) <= kSegmentBits) ++expected;
+    ASSERT_LT(expected, 8u);
+    encoder.Quantise();
+    EXPECT_EQ(encoder.State(), expected);
+    encoder.Restart();
+    EXPECT_EQ(encoder.State(), 8u);
+}
+
+TEST(DvSegment, EqualActivitiesAre88) {
+    EncodedSegment segment(CODEC_DV, 576, "flat", 1, 0);
+    for (unsigned m = 0; m < 5; ++m)
+        for (const BlockRecord& block : std::span(segment.encoder_->Macroblock(m).blocks, 6)) {
+            EXPECT_EQ(block.mode, DV_DCT_88);
+            EXPECT_EQ(block.quantiserClass, 0);
+            EXPECT_EQ(block.greatest, 0);
+        }
 }
 
 // Blocks of random length through packing and back: what fits comes back whole, in whatever places it lay.

@@ -202,7 +202,7 @@ TEST(MmesEncoder, SamplesAfterwards) {
     EXPECT_EQ(coded.GetDataSize(), 0u);
 }
 
-// As many threads as the machine lends; its processors limit them.
+// Up to the four that the codec takes.
 TEST(MmesEncoder, FramesDoNotDependOnThreads) {
     for (const std::uint32_t flags : {0u, km::kElementaryIFrameFlag}) {
         const Bytes expected = Encode(1, flags);
@@ -286,6 +286,36 @@ TEST(MmesDecoder, PicturesDoNotDependOnThreads) {
         Picture actual;
         ASSERT_EQ(Decode(frame, actual, threads), km::IMG_OK);
         EXPECT_EQ(actual.bytes, expected.bytes) << threads;
+    }
+}
+
+// Slices that name the same rows again, in other shares: the last ones count.
+TEST(MmesDecoder, RowsThatComeTwice) {
+    const Bytes frame = Encode(1, 0), other = Encode(1, km::kElementaryIFrameFlag);
+    const auto slicesOf = [](const Bytes& bytes) {
+        for (std::size_t i = 0; i + 3 < bytes.size(); ++i)
+            if (bytes[i] == 0 && bytes[i + 1] == 0 && bytes[i + 2] == 1 && bytes[i + 3] == 1)
+                return bytes.begin() + static_cast<std::ptrdiff_t>(i);
+        return bytes.end();
+    };
+    constexpr std::ptrdiff_t kEndCode = 4;
+    for (const bool otherFirst : {false, true}) {
+        Bytes twice(frame.begin(), slicesOf(frame));
+        for (const Bytes* part : {otherFirst ? &other : &frame, otherFirst ? &frame : &other})
+            twice.insert(twice.end(), slicesOf(*part), part->end() - kEndCode);
+        Picture expected;
+        ASSERT_EQ(Decode(twice, expected, 1), km::IMG_OK);
+        Bytes last(frame.begin(), slicesOf(frame));
+        last.insert(last.end(), slicesOf(otherFirst ? frame : other), (otherFirst ? frame : other).end());
+        Picture lastAlone;
+        ASSERT_EQ(Decode(last, lastAlone, 1), km::IMG_OK);
+        EXPECT_EQ(expected.bytes, lastAlone.bytes);
+        for (const std::uint32_t threads : {2u, 3u, 4u})
+            for (int round = 0; round < 20; ++round) {
+                Picture actual;
+                ASSERT_EQ(Decode(twice, actual, threads), km::IMG_OK);
+                ASSERT_EQ(actual.bytes, expected.bytes) << threads;
+            }
     }
 }
 

@@ -142,6 +142,71 @@ TEST(KvmjCodec, DensestPictures) {
     }
 }
 
+// The scans of one thread and of several are the same, and so is all that tells of them but the sizes.
+TEST(KvmjCodec, ThreadsDifferInThePaddingAlone) {
+    for (const auto& [width, height] : {std::pair{16, 16}, {48, 80}, {64, 96}, {720, 480}, {1024, 768}}) {
+        const Bytes picture = Uyvy(width, height, 12);
+        const Bytes one = EncodeUyvy(picture, {}, width, height, 0).frame;
+        const Bytes many = EncodeUyvy(picture, {}, width, height, 3).frame;
+        const auto word = [](const Bytes& frame, std::size_t at) {
+            return std::size_t{frame[at]} << 24 | std::size_t{frame[at + 1]} << 16 | std::size_t{frame[at + 2]} << 8 |
+                   frame[at + 3];
+        };
+        std::size_t inOne = 0, inMany = 0;
+        for (int image = 0; image < 2; ++image) {
+            const std::size_t parts = many[inMany + 28];
+            const std::size_t scan = 263 + 16 * parts;
+            const std::size_t sizeOfOne = word(one, inOne + 12), sizeOfMany = word(many, inMany + 12);
+            const std::size_t length = sizeOfMany - scan - 8 - 2;
+            EXPECT_EQ(sizeOfOne, scan + length + 16 + (inOne + scan + length) % 4 + 2) << width;
+            const auto same = [&](std::size_t from, std::size_t to) {
+                return std::equal(one.begin() + static_cast<std::ptrdiff_t>(inOne + from),
+                                  one.begin() + static_cast<std::ptrdiff_t>(inOne + to),
+                                  many.begin() + static_cast<std::ptrdiff_t>(inMany + from));
+            };
+            EXPECT_TRUE(same(0, 12)) << width;
+            EXPECT_TRUE(same(20, 58 + 16 * parts)) << width << ": the table of parts";
+            EXPECT_TRUE(same(70 + 16 * parts, scan + length)) << width << ": the scan";
+            const auto zeros = [](const Bytes& frame, std::size_t from, std::size_t to) {
+                return std::all_of(frame.begin() + static_cast<std::ptrdiff_t>(from),
+                                   frame.begin() + static_cast<std::ptrdiff_t>(to),
+                                   [](std::uint8_t byte) { return byte == 0; });
+            };
+            EXPECT_TRUE(zeros(one, inOne + scan + length, inOne + sizeOfOne - 2));
+            EXPECT_TRUE(zeros(many, inMany + scan + length, inMany + sizeOfMany - 2));
+            inOne += sizeOfOne;
+            inMany += sizeOfMany;
+        }
+        EXPECT_EQ(inOne, one.size());
+        EXPECT_EQ(inMany, many.size());
+    }
+}
+
+TEST(KvmjCodec, TablesAreMadeForAnotherQualityAlone) {
+    struct Counting : km::CEncoderKVMJSingleThread {
+        km::Status SetQuality(std::int32_t quality) override {
+            ++calls;
+            return CEncoderKVMJSingleThread::SetQuality(quality);
+        }
+        int calls = 0;
+    } encoder;
+    ASSERT_EQ(encoder.Init(0, 0), 0);
+    ASSERT_EQ(encoder.calls, 1);
+    Bytes picture = Uyvy(16, 16, 13), output(4000);
+    km::EncodeParams params;
+    params.output = output.data();
+    params.coded.biSizeImage = 4000;
+    params.source = HeaderOf(16, 16, 0);
+    std::uint8_t* const pointers[2] = {picture.data(), picture.data()};
+    const std::int64_t strides[2] = {32, 32};
+    for (const auto& [quality, calls] : {std::pair{8000, 1}, {8000, 1}, {3000, 2}, {3000, 2}, {8000, 3}}) {
+        params.quality = quality;
+        params.coded.biSizeImage = 4000;
+        ASSERT_EQ(encoder.Encode(params, pointers, strides, 0, false), 0);
+        EXPECT_EQ(encoder.calls, calls) << quality;
+    }
+}
+
 TEST(KvmjCodec, TooLittleRoom) {
     const Bytes picture = Uyvy(48, 64, 6);
     for (const unsigned threads : {0u, 2u}) {
