@@ -43,21 +43,15 @@ H264Colocated FindColocated(const H264DirectPlace& place) {
     if (picture->fieldPic) {
         return place.IsField() ? SameRows(recordAt(y)) : HalfOfField(recordAt(y / 2), y % 2 != 0);
     }
+    // A record is not looked at where there is no choice: it was written a picture ago and is far away.
     if (!place.IsField()) {
         const H264MacroblockRecord* const mb = recordAt(y);
-        if (mb->fieldMb == 0) return SameRows(mb);
+        if (!picture->mbaff || mb->fieldMb == 0) return SameRows(mb);
         return HalfOfField(recordAt((y & ~std::size_t{1}) + tables.nearerField), y % 2 != 0);
     }
     const H264MacroblockRecord* const pair = recordAt(2 * y);
-    if (pair->fieldMb != 0) return SameRows(pair + (place.IsBottomField() ? stride : 0));
+    if (picture->mbaff && pair->fieldMb != 0) return SameRows(pair + (place.IsBottomField() ? stride : 0));
     return {{pair, pair + stride}, {0, 2}, H264VerticalScale::FRAME_TO_FIELD};
-}
-
-H264ColocatedMotion ColocatedMotionAt(const H264MacroblockRecord& mb, unsigned block) {
-    const unsigned list = mb.refIdx[0][block] >= 0 ? 0 : 1;
-    const int refIdx = mb.refIdx[list][block];
-    if (refIdx < 0) return {-1, -1, {}};
-    return {refIdx, mb.refPicId[list][block / 8 * 2 + block % 4 / 2], LoadVector(mb, list, block)};
 }
 
 }  // namespace KorvaneSoftware

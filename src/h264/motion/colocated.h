@@ -40,6 +40,11 @@ struct H264ColocatedMotion {
     H264Vector vector;
 };
 
-H264ColocatedMotion ColocatedMotionAt(const H264MacroblockRecord& mb, unsigned block);
+inline H264ColocatedMotion ColocatedMotionAt(const H264MacroblockRecord& mb, unsigned block) {
+    const unsigned list = mb.refIdx[0][block] >= 0 ? 0 : 1;
+    const int refIdx = mb.refIdx[list][block];
+    if (refIdx < 0) return {-1, -1, {}};
+    return {refIdx, mb.refPicId[list][block / 8 * 2 + block % 4 / 2], LoadVector(mb, list, block)};
+}
 
 }  // namespace KorvaneSoftware

@@ -80,6 +80,7 @@ private:
         SetCounts(current, static_cast<int>(dice.Below(60)));
         CH264Frame& col = ColFrame();
         col.structure = kind.colocated == FIELD ? STRUCTURE_HOLDS_FIELDS : STRUCTURE_FRAME;
+        col.mbaff = kind.colocated == MBAFF;
         col.SetRecords(colRecords.data(), kColumns);
         for (unsigned i = 0; i < 2; ++i) col.fields[i].SetRecords(colRecords.data() + i * kColumns, 2 * kColumns);
         current.structure = kind.current == FIELD ? STRUCTURE_HOLDS_FIELDS : STRUCTURE_FRAME;
