@@ -23,7 +23,7 @@
 // type of the same name in simd_avx2.
 //
 // Transforms that follow the older level scheme (see features.h) are LevelSlots: six entries, one for each CpuLevel.
-// Families whose forms are reached by number (a size, a fraction) keep them in a SlotTable.
+// Families whose forms are reached by number keep them in a SlotTable: templates of its name, the number as argument.
 #pragma once
 
 #include <atomic>

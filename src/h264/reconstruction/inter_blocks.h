@@ -24,6 +24,11 @@ struct H264InterMacroblock {
     std::uint32_t chromaBitDepth;
 };
 
+/// Luma rows that a block needs of its reference, counted from the block's own first row.
+/// @param yVector in quarter samples
+/// @param height  of the block
+constexpr int H264RowsNeeded(int yVector, int height) { return (yVector >> 2) + height + ((yVector & 3) != 0 ? 3 : 0); }
+
 /// For a sample type and a chroma format, 1 or 2.
 template <class Sample, unsigned C>
 struct TH264InterBlocks {

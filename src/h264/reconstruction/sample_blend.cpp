@@ -77,10 +77,11 @@ PIXMORPH_SLOT_TABLE(H264AverageSignatureBytes, 4, H264AverageBytes,
                     {plain::H264AverageBytes<4>, simd_sse41::H264AverageBytes<4>, nullptr, nullptr},
                     {plain::H264AverageBytes<8>, nullptr, nullptr, nullptr},
                     {plain::H264AverageBytes<16>, nullptr, nullptr, nullptr});
-PIXMORPH_SLOT_TABLE(
-    H264AverageSignatureWords, 4, H264AverageWords, {plain::H264AverageWords<2>, nullptr, nullptr, nullptr},
-    {plain::H264AverageWords<4>, nullptr, nullptr, nullptr}, {plain::H264AverageWords<8>, nullptr, nullptr, nullptr},
-    {plain::H264AverageWords<16>, simd_sse41::H264AverageWords<16>, simd_avx2::H264AverageWords<16>, nullptr});
+PIXMORPH_SLOT_TABLE(H264AverageSignatureWords, 4, H264AverageWords,
+                    {plain::H264AverageWords<2>, nullptr, nullptr, nullptr},
+                    {plain::H264AverageWords<4>, nullptr, nullptr, nullptr},
+                    {plain::H264AverageWords<8>, nullptr, nullptr, nullptr},
+                    {plain::H264AverageWords<16>, simd_sse41::H264AverageWords<16>, nullptr, nullptr});
 PIXMORPH_SLOT_TABLE(H264WeightSignatureBytes, 4, H264WeightBytes,
                     {plain::H264WeightBytes<2>, nullptr, nullptr, nullptr},
                     {plain::H264WeightBytes<4>, simd_sse41::H264WeightBytes<4>, nullptr, nullptr},

@@ -344,6 +344,14 @@ TYPED_TEST(H264InterBlocks, NullReferencesGiveNothing) {
         for (int x = 16; x < 32; ++x) ASSERT_EQ(actual.At(x, y), reference.At(x, y)) << x << ' ' << y;
 }
 
+TEST(H264RowsNeeded, ByHand) {
+    EXPECT_EQ(H264RowsNeeded(0, 16), 16);
+    EXPECT_EQ(H264RowsNeeded(40, 16), 26);
+    EXPECT_EQ(H264RowsNeeded(41, 16), 29);
+    EXPECT_EQ(H264RowsNeeded(-40, 8), -2);
+    EXPECT_EQ(H264RowsNeeded(-41, 8), 0) << "the whole part of -10.25 is -11";
+}
+
 // A frame of 8 bits, weights of one entry by hand: (100 x 48 + 16) >> 5 = 150, less 7; chroma without its flag stays.
 TEST(H264BlockWeights, ExplicitByHand) {
     CH264Slice slice;

@@ -16,10 +16,12 @@ Vec SmoothOf(Vec before, Vec v, Vec after) {
     return {_mm_avg_epu8(_mm_sub_epi8(up.v, odd.v), v.v)};
 }
 
-// The modes that are more than a copy, and what they need. All others are left to the compiler.
-constexpr bool NeedsTop(H264IntraBlockMode mode) { return mode != INTRA_BLOCK_HORIZONTAL_UP; }
+// What a mode needs; DC takes less too, but not here.
+constexpr bool NeedsTop(H264IntraBlockMode mode) {
+    return mode != INTRA_BLOCK_HORIZONTAL && mode != INTRA_BLOCK_HORIZONTAL_UP;
+}
 constexpr bool NeedsLeft(H264IntraBlockMode mode) {
-    return mode != INTRA_BLOCK_DIAGONAL_DOWN_LEFT && mode != INTRA_BLOCK_VERTICAL_LEFT;
+    return mode != INTRA_BLOCK_VERTICAL && mode != INTRA_BLOCK_DIAGONAL_DOWN_LEFT && mode != INTRA_BLOCK_VERTICAL_LEFT;
 }
 constexpr std::uint32_t NeededBy(H264IntraBlockMode mode) {
     return (NeedsTop(mode) ? std::uint32_t{NEIGHBOUR_TOP} : 0u) |
@@ -207,9 +209,28 @@ void StoreWindows(std::uint8_t* samples, std::ptrdiff_t stride, const Line& line
     }
 }
 
+// The modes that take the line as it is.
+template <H264IntraBlockMode kMode>
+void PredictStraight8x8(std::uint8_t* samples, std::ptrdiff_t stride, const Line& line) {
+    if constexpr (kMode == INTRA_BLOCK_HORIZONTAL) {
+        alignas(16) std::uint8_t left[16];
+        Store(left, line.From<-8>());
+        for (int y = 0; y < 8; ++y) StoreHalf(samples + y * stride, Set8(left[7 - y]));
+        return;
+    }
+    Vec row = line.From<1>();
+    if constexpr (kMode == INTRA_BLOCK_DC) {
+        const Vec all = {_mm_unpacklo_epi64(line.From<-8>().v, row.v)};
+        const Vec sums = {_mm_sad_epu8(all.v, Zero().v)};
+        row = Set8((_mm_cvtsi128_si32(sums.v) + _mm_extract_epi16(sums.v, 4) + 8) >> 4);
+    }
+    for (int y = 0; y < 8; ++y) StoreHalf(samples + y * stride, row);
+}
+
 template <H264IntraBlockMode kMode>
 void Predict8x8(std::uint8_t* samples, std::ptrdiff_t stride, std::uint32_t neighbours) {
     const Line line = FilteredLine<kMode>(samples, stride, neighbours);
+    if constexpr (kMode <= INTRA_BLOCK_DC) return PredictStraight8x8<kMode>(samples, stride, line);
     const Line smooth = line.Smoothed();
     const Line mean = line.Means();
     if constexpr (kMode == INTRA_BLOCK_DIAGONAL_DOWN_LEFT) {
@@ -232,8 +253,7 @@ void Predict8x8(std::uint8_t* samples, std::ptrdiff_t stride, std::uint32_t neig
     } else if constexpr (kMode == INTRA_BLOCK_HORIZONTAL_DOWN) {
         const Line zigzag = {Interleaved(mean.From<-8>(), smooth.From<-7>()), smooth.From<1>()};
         StoreWindows<14, -2>(samples, stride, zigzag);
-    } else {
-        static_assert(kMode == INTRA_BLOCK_HORIZONTAL_UP);
+    } else if constexpr (kMode == INTRA_BLOCK_HORIZONTAL_UP) {
         alignas(16) static constexpr std::uint8_t kUpwards[16] = {8, 7, 6, 5, 4, 3, 2, 1, 1, 1, 1, 1, 1, 1, 1, 1};
         const Vec means = Shuffle(mean.low, Load(kUpwards)), smooths = Shuffle(smooth.low, Load(kUpwards));
         const Line zigzag = {Interleaved(means, smooths), {_mm_unpackhi_epi8(means.v, smooths.v)}};
@@ -268,6 +288,9 @@ template H264PredictIntraBytes H264Intra4x4Bytes<INTRA_BLOCK_VERTICAL_RIGHT>;
 template H264PredictIntraBytes H264Intra4x4Bytes<INTRA_BLOCK_HORIZONTAL_DOWN>;
 template H264PredictIntraBytes H264Intra4x4Bytes<INTRA_BLOCK_VERTICAL_LEFT>;
 template H264PredictIntraBytes H264Intra4x4Bytes<INTRA_BLOCK_HORIZONTAL_UP>;
+template H264PredictIntraBytes H264Intra8x8Bytes<INTRA_BLOCK_VERTICAL>;
+template H264PredictIntraBytes H264Intra8x8Bytes<INTRA_BLOCK_HORIZONTAL>;
+template H264PredictIntraBytes H264Intra8x8Bytes<INTRA_BLOCK_DC>;
 template H264PredictIntraBytes H264Intra8x8Bytes<INTRA_BLOCK_DIAGONAL_DOWN_LEFT>;
 template H264PredictIntraBytes H264Intra8x8Bytes<INTRA_BLOCK_DIAGONAL_DOWN_RIGHT>;
 template H264PredictIntraBytes H264Intra8x8Bytes<INTRA_BLOCK_VERTICAL_RIGHT>;

@@ -30,6 +30,41 @@ Vec FilterSums(WordLanes, const Vec (&v)[6]) {
     return ShiftRight32s<10>(Add32(Filter<WordLanes>(v[0], v[1], v[2], v[3], v[4], v[5]), Set32(512)));
 }
 
+// Half samples down a column of registers, row by row. Rows are taken as pairs of neighbours: a pair is the upper, then
+// the middle, then the lower one of three. Nothing is read where it is not used.
+template <class Lanes, int kCount, bool kUsed>
+class DownFilter {
+public:
+    using Sample = typename Lanes::Sample;
+
+    DownFilter(const Sample* p, std::ptrdiff_t stride) : next_(p + 3 * stride), stride_(stride) {
+        if constexpr (!kUsed) return;
+        Vec row = Lanes::template LoadRow<kCount>(p - 2 * stride);
+        for (int i = 0; i < 4; ++i) {
+            last_ = Lanes::template LoadRow<kCount>(p + (i - 1) * stride);
+            pairs_[i] = Lanes::Pairs(row, last_);
+            row = last_;
+        }
+    }
+    // The sums of the next row.
+    Vec Next() {
+        const Vec row = Lanes::template LoadRow<kCount>(next_);
+        pairs_[4] = Lanes::Pairs(last_, row);
+        last_ = row;
+        next_ += stride_;
+        const Vec outer = Lanes::Add(Lanes::MultiplyPairs(pairs_[0], Lanes::PairWeights(1, -5)),
+                                     Lanes::MultiplyPairs(pairs_[4], Lanes::PairWeights(-5, 1)));
+        const Vec sum = Lanes::Add(outer, Lanes::MultiplyPairs(pairs_[2], Lanes::PairWeights(20, 20)));
+        for (int i = 0; i < 4; ++i) pairs_[i] = pairs_[i + 1];
+        return sum;
+    }
+
+private:
+    const Sample* next_;
+    std::ptrdiff_t stride_;
+    Vec last_, pairs_[5];
+};
+
 // One register's columns.
 template <class Lanes, int kCount>
 struct Columns {
@@ -45,39 +80,36 @@ struct Columns {
         return Lanes::Clip(Lanes::template ShiftRight<5>(Lanes::Add(sum, Lanes::Set(16))), maxSample);
     }
     Vec Across(const Sample* p) const { return Half(SumAcross(p)); }
-    Vec Down(const Sample* p) const {
-        return Half(Filter<Lanes>(At(p - 2 * stride), At(p - stride), At(p), At(p + stride), At(p + 2 * stride),
-                                  At(p + 3 * stride)));
-    }
     static Vec Mean(Vec a, Vec b) { return Lanes::template ShiftRight<1>(Lanes::Add(Lanes::Add(a, b), Lanes::Set(1))); }
 
     template <int kX, int kY>
     void Run(Sample* dst, std::ptrdiff_t dstStride, const Sample* p, int height) const {
         constexpr bool kCentre = (kX == 2 && kY != 0) || (kY == 2 && kX != 0);
+        DownFilter<Lanes, kCount, kX != 2 && kY != 0> down(p + (kX == 3 ? 1 : 0), stride);
         // Sums of the rows about the centre: each is taken once and moves up.
         Vec sums[6];
         if constexpr (kCentre)
             for (int i = 0; i < 5; ++i) sums[i] = SumAcross(p + (i - 2) * stride);
         for (int y = 0; y < height; ++y, dst += dstStride, p += stride) {
             const Sample* const below = p + (kY == 3 ? stride : 0);
-            const Sample* const right = p + (kX == 3 ? 1 : 0);
             Vec value;
             if constexpr (kCentre) {
                 sums[5] = SumAcross(p + 3 * stride);
                 value = Lanes::Clip(FilterSums(Lanes(), sums), maxSample);
                 if constexpr (kX != 2)
-                    value = Mean(value, Down(right));
+                    value = Mean(value, Half(down.Next()));
                 else if constexpr (kY != 2)
                     value = Mean(value, Half(sums[kY == 3 ? 3 : 2]));
                 for (int i = 0; i < 5; ++i) sums[i] = sums[i + 1];
             } else if constexpr (kX == 0 && kY == 0) {
                 value = At(p);
             } else if constexpr (kY == 0) {
-                value = kX == 2 ? Across(p) : Mean(Across(p), At(right));
+                value = kX == 2 ? Across(p) : Mean(Across(p), At(p + (kX == 3 ? 1 : 0)));
             } else if constexpr (kX == 0) {
-                value = kY == 2 ? Down(p) : Mean(Down(p), At(below));
+                const Vec half = Half(down.Next());
+                value = kY == 2 ? half : Mean(half, At(below));
             } else {
-                value = Mean(Across(below), Down(right));
+                value = Mean(Across(below), Half(down.Next()));
             }
             Lanes::template StoreSamples<kCount>(dst, value);
         }

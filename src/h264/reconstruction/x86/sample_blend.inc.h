@@ -10,16 +10,21 @@ namespace {
 template <class Lanes, int kWidth>
 constexpr int kStep = kWidth < Lanes::kSamples ? kWidth : Lanes::kSamples;
 
+// Rows fill whole registers, or are four bytes.
 template <class Lanes, int kWidth>
 void Average(typename Lanes::Sample* dst, std::ptrdiff_t dstStride, const typename Lanes::Sample* other,
              std::ptrdiff_t otherStride, int height) {
-    constexpr int kCount = kStep<Lanes, kWidth>;
+    constexpr int kSamples = static_cast<int>(kVecBytes / sizeof(typename Lanes::Sample));
     for (int y = 0; y < height; ++y, dst += dstStride, other += otherStride) {
-        for (int x = 0; x < kWidth; x += kCount) {
-            // The upper halves of the lanes are nothing.
-            const Vec mean =
-                Avg16(Lanes::template LoadSamples<kCount>(dst + x), Lanes::template LoadSamples<kCount>(other + x));
-            Lanes::template StoreSamples<kCount>(dst + x, mean);
+        if constexpr (kWidth < kSamples) {
+            int first, second;
+            __builtin_memcpy(&first, dst, sizeof(first));
+            __builtin_memcpy(&second, other, sizeof(second));
+            const Vec mean = Lanes::MeanOfRows(Set32(first), Set32(second));
+            __builtin_memcpy(dst, &mean, sizeof(first));
+        } else {
+            for (int x = 0; x < kWidth; x += kSamples)
+                Store(dst + x, Lanes::MeanOfRows(Load(dst + x), Load(other + x)));
         }
     }
 }

@@ -4,7 +4,6 @@
 namespace KorvaneSoftware {
 namespace PIXMORPH_SIMD {
 
-template H264AverageSignatureWords H264AverageWords<16>;
 template H264WeightSignatureBytes H264WeightBytes<16>;
 template H264WeightSignatureWords H264WeightWords<8>;
 template H264WeightSignatureWords H264WeightWords<16>;

@@ -24,6 +24,22 @@ struct ByteLanes {
             StoreNarrow16To8(p, v);
         }
     }
+    // A row as it is, the means of two, two rows as pairs of samples, and the sums of pairs' products with two small
+    // weights, one to a lane.
+    template <int kCount>
+    static Vec LoadRow(const Sample* p) {
+        if constexpr (kCount < kSamples) {
+            int bytes;
+            __builtin_memcpy(&bytes, p, sizeof(bytes));
+            return Set32(bytes);
+        } else {
+            return PreUnpack(LoadHalf(p));
+        }
+    }
+    static Vec MeanOfRows(Vec a, Vec b) { return Avg8(a, b); }
+    static Vec Pairs(Vec upper, Vec lower) { return UnpackLow8(upper, lower); }
+    static Vec PairWeights(int first, int second) { return Set16((first & 0xFF) | second * 256); }
+    static Vec MultiplyPairs(Vec pairs, Vec weights) { return MulAddPairs8(pairs, weights); }
     static Vec Add(Vec a, Vec b) { return Add16(a, b); }
     static Vec Sub(Vec a, Vec b) { return Sub16(a, b); }
     template <int N>
@@ -51,6 +67,14 @@ struct WordLanes {
     static void StoreSamples(Sample* p, Vec v) {
         StoreNarrow32To16(p, v);
     }
+    template <int kCount>
+    static Vec LoadRow(const Sample* p) {
+        return PreUnpack(LoadHalf(p));
+    }
+    static Vec MeanOfRows(Vec a, Vec b) { return Avg16(a, b); }
+    static Vec Pairs(Vec upper, Vec lower) { return UnpackLow16(upper, lower); }
+    static Vec PairWeights(int first, int second) { return Set32((first & 0xFFFF) | second * 65536); }
+    static Vec MultiplyPairs(Vec pairs, Vec weights) { return MulAddPairs16(pairs, weights); }
     static Vec Add(Vec a, Vec b) { return Add32(a, b); }
     static Vec Sub(Vec a, Vec b) { return Sub32(a, b); }
     template <int N>
