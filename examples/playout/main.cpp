@@ -9,6 +9,7 @@
 #include "chain.h"
 #include "contact_sheet.h"
 #include "error.h"
+#include "h264.h"
 #include "key_stage.h"
 #include "options.h"
 #include "scene.h"
@@ -24,6 +25,7 @@ namespace {
 constexpr std::uint64_t kSceneFrames = 75;
 
 std::unique_ptr<Source> OpenSource(const Options& options) {
+    if (IsAnnexB(options.input)) return std::make_unique<H264Reader>(options.input);
     if (!options.input.empty())
         return std::make_unique<Y4mReader>(OpenForReading(options.input),
                                            options.input == "-" ? "standard input" : options.input);

@@ -37,7 +37,7 @@ const char* HelpText() {
 
 usage: playout [options] [INPUT]
 
-INPUT is a Y4M file with 4:2:0 or 4:2:2 video of 8 bits, or - for standard input:
+INPUT is an H.264 elementary stream, a Y4M file with 4:2:0 or 4:2:2 video of 8 bits, or - for Y4M on standard input:
     ffmpeg -i clip.mp4 -pix_fmt yuv420p -f yuv4mpegpipe - | playout -
 Without INPUT the program draws a scene of its own: interlaced HD with colour bars of known values.
 

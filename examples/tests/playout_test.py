@@ -54,6 +54,41 @@ def make_y4m(width, height, frames, interlacing="p", chroma="422"):
     return out + b"".join(b"FRAME\n" + b"".join(frame) for frame in frames)
 
 
+def golomb(value):
+    """An unsigned Exp-Golomb code, as a string of bits."""
+    code = bin(value + 1)[2:]
+    return "0" * (len(code) - 1) + code
+
+
+def h264_unit(head, bits):
+    """A unit of an Annex B stream with its stop bit. The content must not imitate a start code."""
+    bits += "1"
+    bits += "0" * (-len(bits) % 8)
+    payload = int(bits, 2).to_bytes(len(bits) // 8, "big")
+    assert b"\0\0" not in payload
+    return b"\0\0\0\1" + bytes([head]) + payload
+
+
+def make_h264(frames):
+    """A stream of 64 by 48: each frame, a triple of planes of 4:2:0, as an IDR picture of I_PCM macroblocks."""
+    ue = golomb
+    # Baseline, level 3; numbers of 4 and 8 bits; one reference; frames only, no cropping, no VUI.
+    sps = "01000010" + "11000000" + "00011110" + ue(0) + ue(0) + ue(0) + ue(4) + ue(1) + "0" + ue(3) + ue(2) + "1100"
+    pps = ue(0) + ue(0) + "00" + ue(0) + ue(0) + ue(0) + "000" + ue(0) + ue(0) + ue(0) + "100"
+    out = h264_unit(0x67, sps + "0") + h264_unit(0x68, pps)
+    for number, planes in enumerate(frames):
+        bits = ue(0) + ue(7) + ue(0) + "0000" + ue(number % 2) + "00000000" + "00" + ue(0) + ue(1)
+        for mb in range(12):
+            bits += ue(25)
+            bits += "0" * (-len(bits) % 8)
+            for plane, side in zip(planes, (16, 8, 8)):
+                for y in range(side):
+                    start = (mb // 4 * side + y) * side * 4 + mb % 4 * side
+                    bits += "".join(format(sample, "08b") for sample in plane[start:start + side])
+        out += h264_unit(0x65, bits)
+    return out
+
+
 def psnr(a, b):
     error = sum((x - y) ** 2 for x, y in zip(a, b)) / len(a)
     return 100.0 if error == 0 else 10 * math.log10(255 * 255 / error)
@@ -130,6 +165,7 @@ class CommandLine(unittest.TestCase):
                "no frame mark": good.replace(b"FRAME", b"FRIME"), "4:4:4": good.replace(b"C422", b"C444"),
                "high depth": good.replace(b"C422", b"C422p10"), "no size": good.replace(b" W64", b""),
                "odd": good.replace(b"W64", b"W63"), "huge": good.replace(b"W64", b"W4000000000"),
+               "a stream without pictures": b"\0\0\0\1\x09\xf0", "a damaged stream": make_h264([]) + b"\0\0\1\x65\xff\xff\xff",
                "damaged rate": good.replace(b"F25:1", b"F25:0"), "endless header": b"YUV4MPEG2 X" + b"x" * 5000,
                "interlaced 4:2:0 of odd fields": make_y4m(64, 50, [], "t", "420")}
         with tempfile.TemporaryDirectory() as directory:
@@ -178,6 +214,18 @@ class Pictures(unittest.TestCase):
         result = self.playout("--quiet", "--video", "-", "--size", "64x48", "--chroma", "422", "-", stdin=source)
         self.assertEqual(result.stderr, b"")
         self.assertEqual(Y4m(result.stdout).frames, frames)
+
+    def test_h264_is_decoded_to_its_last_frame(self):
+        """Flat pictures of known values, one for each frame; the decoder holds some back, and all must come."""
+        frames = [(bytes([30 + 8 * n]) * (64 * 48), bytes([100 + n]) * (32 * 24), bytes([150 - n]) * (32 * 24))
+                  for n in range(20)]
+        path = os.path.join(self.directory, "clip.264")
+        with open(path, "wb") as file:
+            file.write(make_h264(frames))
+        result = self.playout("--quiet", "--video", "-", "--size", "64x48", "--chroma", "422", path)
+        video = Y4m(result.stdout)
+        self.assertEqual([video.sample(n, 0, 0) for n in range(len(video.frames))],
+                         [(frame[0][0], frame[1][0], frame[2][0]) for frame in frames])
 
     def test_interlaced_420_goes_field_by_field(self):
         """Fields of different colour, each flat, stay apart: a conversion across them would mix their chroma."""

@@ -629,6 +629,11 @@ struct IVideoDecoder : IUnknown {
     virtual HRESULT PIXMORPH_CALL DecSetFormat(std::int32_t idx, std::int32_t width, std::int32_t height) = 0;
     /// Decompresses a frame into a picture of the size set; nothing is resized. Pictures are the same with every number
     /// of threads.
+    ///
+    /// H.264: a call takes one picture of the stream (a frame or a field, Annex B from a three-byte start code on, with
+    /// what stands before its slices) and gives a frame back when one is due in output order, resized where the stream
+    /// has another size. E_FAIL is what it says besides: no frame is due yet, as at least in the first calls of a stream.
+    /// The last frames leave before the next IDR picture.
     /// @param pDst       array, of which the first pointer is read: the first plane of the picture. Further planes
     ///                   follow it directly, with strides derived from the first.
     /// @param dstStride  array, of which the first stride is read.

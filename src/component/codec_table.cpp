@@ -1,6 +1,7 @@
 #include "component/codec_table.h"
 
 #include "dv/dv_codecs.h"
+#include "h264/h264_decoder.h"
 #include "iframe/mmes_decoder.h"
 #include "iframe/mmes_encoder.h"
 #include "jpeg/kvmj_adapters.h"
@@ -28,7 +29,7 @@ constexpr CodecTableEntry kCodecs[] = {
     {CODEC_I_FRAME, FourCC('K', 'V', 'E', 'S'), L"Korvane advanced I-frames", 0, &CreateMMESEncoder,
      &CreateMMESDecoder},
     {CODEC_MOTION_JPEG, FourCC('K', 'V', 'M', 'J'), L"Korvane Motion-JPEG", 0, &CreateMJPGEncoder, &CreateMJPGDecoder},
-    {CODEC_AVC, FourCC('A', 'V', 'C', '1'), L"Korvane AVC", 0, nullptr, nullptr},
+    {CODEC_AVC, FourCC('A', 'V', 'C', '1'), L"Korvane AVC", 0, nullptr, &CreateH264Decoder},
 };
 
 }  // namespace

@@ -99,6 +99,7 @@ Bytes PushingPicture() {
 Stream MakeStream(const Bytes& bytes) {
     Stream stream;
     stream.samples = SplitIntoSamples(bytes);
+    stream.shape = {176, 144, 11};  // For streams that are to be refused.
     for (const Sample& sample : stream.samples) {
         if (!sample.readable) continue;
         stream.decodable = true;

@@ -6,8 +6,12 @@
 #include <mutex>
 #include <set>
 
+#include "codec/samples.h"
+#include "conformance/generated_stream.h"
+#include "h264/layers.h"
 #include "h264/pipeline/fusion_core.h"
 #include "support/call_counters.h"
+#include "support/h264_access_units.h"
 #include "support/h264_pictures.h"
 #include "support/h264_samples.h"
 #include "support/h264_stand_in.h"
@@ -125,6 +129,31 @@ TEST(H264SteadyState, RestartKeepsFramesSlicesAndMemories) {
         const unsigned spent = Allocations() - allocationsBefore;
         EXPECT_EQ(spent, (layers.made - madeBefore) * AllocationsOfOneObject()) << "restart " << i;
     }
+}
+
+TEST(H264SteadyState, TheWholeDecoderAllocatesNothing) {
+    const std::vector<Sample> samples = SplitIntoSamples(GeneratedStream().bytes);
+    CH264FusionCore core(H264Layers(), 1);
+    ASSERT_EQ(core.Initialize({}), IMG_OK);
+    std::vector<std::uint8_t> pixels(42 * 24 * 3 / 2);
+    const auto decode = [&](const Sample& sample) {
+        CMediaSample coded;
+        (void)coded.SetBuffer(const_cast<std::uint8_t*>(sample.bytes.data()), sample.bytes.size());
+        (void)coded.AddDataSize(sample.bytes.size());
+        CVideoSample picture;
+        SetPublicFormat(*picture.GetImage(), 11);
+        picture.GetImage()->width = 42;
+        picture.GetImage()->height = 24;
+        (void)picture.SetBuffer(pixels.data(), pixels.size());
+        return core.Decode(&picture, &coded) == IMG_OK;
+    };
+    for (const Sample& sample : samples) decode(sample);
+    for (const Sample& sample : samples) decode(sample);
+    const unsigned before = Allocations();
+    unsigned frames = 0;
+    for (const Sample& sample : samples) frames += decode(sample);
+    EXPECT_EQ(Allocations(), before);
+    EXPECT_GT(frames, samples.size() / 2);
 }
 
 TEST(H264Threads, LeaveWithTheirCodes) {
