@@ -6,7 +6,8 @@ set(PIXMORPH_PACKAGE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/pixmorph)
 
 install(TARGETS pixmorph EXPORT pixmorph-targets
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
-install(DIRECTORY include/pixmorph DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} FILES_MATCHING PATTERN "*.h")
+install(DIRECTORY include/pixmorph DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
+  FILES_MATCHING PATTERN "*.h" PATTERN "*.hpp")
 install(EXPORT pixmorph-targets NAMESPACE pixmorph:: DESTINATION ${PIXMORPH_PACKAGE_DIR})
 
 configure_package_config_file(cmake/pixmorph-config.cmake.in ${CMAKE_CURRENT_BINARY_DIR}/pixmorph-config.cmake
