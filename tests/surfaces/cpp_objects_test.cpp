@@ -297,6 +297,15 @@ TEST(CppCodec, TakesPlanesInSequenceAlone) {
         EXPECT_TRUE(encoder.Encode(View<>(format, noise, {64, 32}), coded));
 }
 
+TEST(CppCodec, KnowsWhenItWasMovedFrom) {
+    Encoder encoder(Codec::MotionJpeg, {16, 16});
+    const Encoder other = std::move(encoder);
+    EXPECT_TRUE(other.Ready());
+    Memory memory(1 << 12);
+    EXPECT_EQ(encoder.Encode(View<F::UYVY>(memory, {16, 16}), memory).Outcome().Why(), Reason::OutOfMemory);
+    EXPECT_EQ(encoder.SetQuality(1).Why(), Reason::OutOfMemory);
+}
+
 TEST(CppObjects, KeepTheLibraryLoadedAndMove) {
     {
         Converter first;
