@@ -540,8 +540,8 @@ class Decoder(_CodecSide):
             out: receives the picture; of the decoder's size, with planes that follow each other.
         Raises:
             PictureError: `out` has another size, or its planes do not follow each other.
-            Error: the codec refuses the frame or the format; `out` may then be written in part. The H.264 decoder refuses
-                as well while no frame is due yet, and has then kept what it was given.
+            Error: the codec refuses the frame or the format; `out` may then be written in part. The H.264 decoder
+                refuses as well while no frame is due yet, and has then kept what it was given.
         """
         method = "Decoder.decode"
         coded = np.frombuffer(data, np.uint8)
