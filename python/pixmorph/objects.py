@@ -25,6 +25,13 @@ def _failure(method: str, result: int, reason: str | None = None) -> Error:
     return Error(method, reason or describe(result), result)
 
 
+def _done(method: str, result: int, picture: Picture) -> Picture:
+    """The picture that a call has written."""
+    if result < 0:
+        raise _failure(method, result)
+    return picture
+
+
 def _output(method: str, out: PictureLike | None, format: FormatLike, width: int, height: int) -> Picture:
     if out is None:
         return Picture.new(format, width, height)
@@ -252,8 +259,7 @@ class TitleMixer(_Object):
         source = picture_of(title)
         target = _output(method, out, Format.BGRA, source.width, source.height)
         self._check(method, source, target, ("BGRA",), ("BGRA",), 0)
-        self._done(method, self._to_image(self._pointer, *_ends(target, source), target.format), target)
-        return target
+        return _done(method, self._to_image(self._pointer, *_ends(target, source), target.format), target)
 
     def overlay(self, image: PictureLike, video: PictureLike, opacity: int = 255) -> Picture:
         """Mixes an image (alpha not premultiplied) into a frame of UYVY or YUY2 video, in place; returns the frame.
@@ -285,15 +291,13 @@ class TitleMixer(_Object):
 
     def _lay(self, method: str, call: Any, source: Picture, title: Picture, opacity: int) -> Picture:
         self._check(method, source, title, ("BGR", "BGRA", *_PACKED_422), ("BGRA",), opacity)
-        self._done(method, call(self._pointer, *_ends(title, source), opacity, source.format), title)
-        return title
+        return _done(method, call(self._pointer, *_ends(title, source), opacity, source.format), title)
 
     def _lay_on_video(self, method: str, call: Any, image: PictureLike, video: PictureLike, opacity: int) -> Picture:
         source, target = picture_of(image), _target(method, video)
         self._check(method, source, target, ("BGR", "BGRA", *_PACKED_422), ("UYVY", "YUY2"), opacity)
         result = call(self._pointer, *_ends(target, source), opacity, target.format, source.format)
-        self._done(method, result, target)
-        return target
+        return _done(method, result, target)
 
     @staticmethod
     def _check(
@@ -307,11 +311,6 @@ class TitleMixer(_Object):
             raise PictureError(method, f"{source!r} has an odd width")
         if not 0 <= opacity <= 255:
             raise PictureError(method, f"an opacity is 0 to 255, not {opacity}")
-
-    @staticmethod
-    def _done(method: str, result: int, target: Picture) -> None:
-        if result < 0:
-            raise _failure(method, result)
 
 
 def _address(value: Any) -> int:

@@ -137,8 +137,9 @@ class Picture:
             raise PictureError("Picture.array", f"{self.format.name} has {len(self.planes)} planes: see planes")
         return self.planes[0]
 
-    def __array__(self, dtype: Any = None) -> np.ndarray:
-        return self.array if dtype is None else self.array.astype(dtype)
+    def __array__(self, dtype: Any = None, copy: bool | None = None) -> np.ndarray:
+        array = self.array if dtype is None else self.array.astype(dtype, copy=False)
+        return array.copy() if copy else array
 
     def tobytes(self) -> bytes:
         """The samples, plane after plane and line after line without gaps."""
