@@ -6,7 +6,10 @@ set(PIXMORPH_PACKAGE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/pixmorph)
 
 install(TARGETS pixmorph EXPORT pixmorph-targets
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
-install(DIRECTORY include/pixmorph DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} FILES_MATCHING PATTERN "*.h")
+install(DIRECTORY include/pixmorph DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
+  FILES_MATCHING PATTERN "*.h" PATTERN "*.hpp")
+# The Python package is a matter of the platform's paths for Python; beside the data it is found by PYTHONPATH.
+install(DIRECTORY python/pixmorph DESTINATION ${CMAKE_INSTALL_DATADIR}/pixmorph/python PATTERN "__pycache__" EXCLUDE)
 install(EXPORT pixmorph-targets NAMESPACE pixmorph:: DESTINATION ${PIXMORPH_PACKAGE_DIR})
 
 configure_package_config_file(cmake/pixmorph-config.cmake.in ${CMAKE_CURRENT_BINARY_DIR}/pixmorph-config.cmake

@@ -21,6 +21,9 @@
 //  - Alpha is 255 wherever the destination has it and the source does not, unless a method says otherwise.
 //  - Results are the same to the bit on every processor and with every number of threads, except where a method says
 //    what else they depend on (IVideoEncoder::Encode).
+//  - The environment variable PIXMORPH_LEVEL (plain, sse41, avx2, avx512) lowers the instruction set that a process
+//  uses,
+//    for support and tests. It is read once and never raises it above what the processor has.
 //  - Methods return S_OK or a failure code; no exception leaves them. Where nothing else is stated, nothing has been
 //    written after a failure.
 //
@@ -32,9 +35,12 @@
 // two fields. Convert each field on its own: the first line of the field in every plane, half the height, twice the
 // strides. PixmorphToYUV420Planar2 does so for Y16. 4:2:2 and 4:4:4 formats need no such care.
 //
-// The header compiles alone as C++17 and C++20.
+// The header compiles alone as C++17 and C++20. A C compiler finds the same interfaces in pixmorph_c.h, which it
+// includes; for C++20 there are typed pictures and owning objects in pixmorph.hpp.
 #ifndef PIXMORPH_PIXMORPH_H
 #define PIXMORPH_PIXMORPH_H
+
+#if defined(__cplusplus)
 
 #include <pixmorph/com.h>
 
@@ -741,5 +747,11 @@ struct InterfaceId<::IVideoDecoder> {
 };
 
 }  // namespace KorvaneSoftware
+
+#else  // C
+
+#include <pixmorph/pixmorph_c.h>
+
+#endif
 
 #endif  // PIXMORPH_PIXMORPH_H

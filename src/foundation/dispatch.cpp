@@ -15,14 +15,14 @@ constinit DispatchSlotBase* g_firstSlot = nullptr;
 std::uint32_t EnabledFeatures() {
     std::uint32_t word = g_enabledFeatures.load(std::memory_order_relaxed);
     if (word == kNotComputed) {
-        word = ComputeFeatureWord(ThisCpu());
+        word = ThisFeatureWord();
         g_enabledFeatures.store(word, std::memory_order_relaxed);
     }
     return word;
 }
 
 void RestrictFeatures(std::uint32_t allowed) {
-    g_enabledFeatures.store(ComputeFeatureWord(ThisCpu()) & allowed, std::memory_order_relaxed);
+    g_enabledFeatures.store(ThisFeatureWord() & allowed, std::memory_order_relaxed);
     for (DispatchSlotBase* slot = g_firstSlot; slot != nullptr; slot = slot->Next()) slot->Unresolve();
 }
 

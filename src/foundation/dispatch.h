@@ -36,7 +36,7 @@
 
 namespace KorvaneSoftware {
 
-/// The word that tables are matched against: this processor's features, or fewer after RestrictFeatures.
+/// The word that tables are matched against: ThisFeatureWord, or fewer features after RestrictFeatures.
 std::uint32_t EnabledFeatures();
 
 /// For tests and benchmarks: lets the whole library run as on a processor that has only the features of `allowed`, by

@@ -1,6 +1,7 @@
 #include "foundation/features.h"
 
 #include <atomic>
+#include <cstdlib>
 #include <cstring>
 
 #include "foundation/platform/platform.h"
@@ -135,6 +136,25 @@ std::uint32_t ComputeFeatureWord(const RawCpuId& cpu) {
         word |= FEATURES_INTEL;
     else if (HasVendor(cpu, "AuthenticAMD"))
         word |= FEATURES_AMD;
+    return word;
+}
+
+std::uint32_t FeaturesOfLevel(const char* level) {
+    struct Level {
+        const char* name;
+        std::uint32_t features;
+    };
+    constexpr Level kLevels[] = {
+        {"plain", FEATURES_PLAIN}, {"sse41", FEATURES_SSE41}, {"avx2", FEATURES_AVX2}, {"avx512", FEATURES_AVX512BW}};
+    constexpr std::uint32_t kAll = ~std::uint32_t{0};
+    if (level == nullptr) return kAll;
+    for (const Level& known : kLevels)
+        if (std::strcmp(level, known.name) == 0) return known.features;
+    return kAll;
+}
+
+std::uint32_t ThisFeatureWord() {
+    static const std::uint32_t word = ComputeFeatureWord(ThisCpu()) & FeaturesOfLevel(std::getenv(kLevelVariable));
     return word;
 }
 

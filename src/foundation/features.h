@@ -63,6 +63,15 @@ enum FeatureMask : std::uint32_t {
 /// The feature word of a processor.
 std::uint32_t ComputeFeatureWord(const RawCpuId& cpu);
 
+/// Environment variable that lowers the level of the whole process, for support and tests: "plain", "sse41", "avx2" or
+/// "avx512". Read once, with the processor's features.
+constexpr const char* kLevelVariable = "PIXMORPH_LEVEL";
+/// The bits of the feature word that a value of the variable leaves. All of them for null and for a value that is none
+/// of the four: a misspelt one must not make a player slow.
+std::uint32_t FeaturesOfLevel(const char* level);
+/// The feature word of the processor that this process runs on, as far as the variable allows. Computed once.
+std::uint32_t ThisFeatureWord();
+
 /// The bits of the older reading of leaf 1 that the level scheme works on.
 enum CpuInfoBit : std::uint16_t {
     CPU_INFO_MMX = 1 << 0,
