@@ -102,10 +102,13 @@ inline unsigned ReadCabacBlock(H264CabacReader& reader, bool field, const Target
             magnitude = 2;
             while (magnitude < 15 && bins.Bin(context) != 0) ++magnitude;
             if (magnitude == 15) {
+                // Rare, and done on a copy of its own, so that the other one can stay in registers.
+                H264CabacReader suffixBins = bins;
                 std::uint32_t suffix = 0;
-                if (!bins.ExpGolomb(0, cabac::kMostLevelSuffixBits, suffix)) {
+                if (!suffixBins.ExpGolomb(0, cabac::kMostLevelSuffixBits, suffix)) {
                     ThrowImpossibleSyntax("coeff_abs_level_minus1");
                 }
+                bins = suffixBins;
                 magnitude += suffix;
             }
             ++greater;
