@@ -144,7 +144,7 @@ Status CH264Frame::AllocateBuffers() {
     const std::size_t recordCount = acrossRecords * sps.FrameHeightInMbs();
 
     // A block that held another layout may show, where nothing is decoded, samples above the depth of this one.
-    const SampleLayout layout = {rowBytes, rows, sps.bitDepthLumaMinus8, sps.bitDepthChromaMinus8};
+    const SampleLayout layout = {rowBytes, rows, recordCount, sps.bitDepthLumaMinus8, sps.bitDepthChromaMinus8};
     if (samples_.Data() == nullptr || recordBlock_.Data() == nullptr || layout != layout_) {
         layout_ = {};
         samples_.Reserve(rowBytes * rows);

@@ -178,6 +178,7 @@ private:
     struct SampleLayout {
         std::size_t rowBytes = 0;
         std::size_t rows = 0;
+        std::size_t records = 0;
         std::uint32_t lumaExtraBits = 0;
         std::uint32_t chromaExtraBits = 0;
         bool operator==(const SampleLayout&) const = default;

@@ -208,6 +208,15 @@ TEST(H264Frame, LaysPlanesOutWithAnOddStride) {
     ASSERT_EQ(frame.AllocateBuffers(), IMG_OK);
     EXPECT_EQ(frame.planes[0], samples);
     EXPECT_EQ(frame.planes[0][0], 77);
+    // Not for one that has the same rows of samples, but more macroblocks in them: records are filled to the last.
+    frame.records->mbType = MB_P;
+    sps.widthInMbs = 4;
+    frame.Initialize(sps, H264Pps(), H264SliceHead());
+    ASSERT_EQ(frame.AllocateBuffers(), IMG_OK);
+    EXPECT_EQ(frame.stride, 128);
+    EXPECT_EQ(frame.recordStride, 5u);
+    EXPECT_EQ(frame.records[0].mbType, MB_INTRA_16X16);
+    EXPECT_EQ(frame.records[4 * 5 - 1].mbType, MB_INTRA_16X16);
 }
 
 TEST(H264Dequant, MultipliesNormAdjustByTheWeights) {
