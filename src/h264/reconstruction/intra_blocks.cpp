@@ -195,6 +195,7 @@ void plain::H264Intra8x8Words(std::uint16_t* samples, std::ptrdiff_t stride, std
 // What the vector forms fall back to.
 template H264PredictIntraBytes plain::H264Intra4x4Bytes<INTRA_BLOCK_DC>;
 template H264PredictIntraBytes plain::H264Intra8x8Bytes<INTRA_BLOCK_DC>;
+template H264PredictIntraWords plain::H264Intra8x8Words<INTRA_BLOCK_DC>;
 
 PIXMORPH_SLOT_TABLE(H264PredictIntraBytes, INTRA_BLOCK_MODES, H264Intra4x4Bytes,
                     {plain::H264Intra4x4Bytes<INTRA_BLOCK_VERTICAL>, nullptr, nullptr, nullptr},
@@ -242,14 +243,23 @@ PIXMORPH_SLOT_TABLE(H264PredictIntraBytes, INTRA_BLOCK_MODES, H264Intra8x8Bytes,
                     {plain::H264Intra8x8Bytes<INTRA_BLOCK_HORIZONTAL_UP>,
                      simd_sse41::H264Intra8x8Bytes<INTRA_BLOCK_HORIZONTAL_UP>, nullptr, nullptr});
 PIXMORPH_SLOT_TABLE(H264PredictIntraWords, INTRA_BLOCK_MODES, H264Intra8x8Words,
-                    {plain::H264Intra8x8Words<INTRA_BLOCK_VERTICAL>, nullptr, nullptr, nullptr},
-                    {plain::H264Intra8x8Words<INTRA_BLOCK_HORIZONTAL>, nullptr, nullptr, nullptr},
-                    {plain::H264Intra8x8Words<INTRA_BLOCK_DC>, nullptr, nullptr, nullptr},
-                    {plain::H264Intra8x8Words<INTRA_BLOCK_DIAGONAL_DOWN_LEFT>, nullptr, nullptr, nullptr},
-                    {plain::H264Intra8x8Words<INTRA_BLOCK_DIAGONAL_DOWN_RIGHT>, nullptr, nullptr, nullptr},
-                    {plain::H264Intra8x8Words<INTRA_BLOCK_VERTICAL_RIGHT>, nullptr, nullptr, nullptr},
-                    {plain::H264Intra8x8Words<INTRA_BLOCK_HORIZONTAL_DOWN>, nullptr, nullptr, nullptr},
-                    {plain::H264Intra8x8Words<INTRA_BLOCK_VERTICAL_LEFT>, nullptr, nullptr, nullptr},
-                    {plain::H264Intra8x8Words<INTRA_BLOCK_HORIZONTAL_UP>, nullptr, nullptr, nullptr});
+                    {plain::H264Intra8x8Words<INTRA_BLOCK_VERTICAL>,
+                     simd_sse41::H264Intra8x8Words<INTRA_BLOCK_VERTICAL>, nullptr, nullptr},
+                    {plain::H264Intra8x8Words<INTRA_BLOCK_HORIZONTAL>,
+                     simd_sse41::H264Intra8x8Words<INTRA_BLOCK_HORIZONTAL>, nullptr, nullptr},
+                    {plain::H264Intra8x8Words<INTRA_BLOCK_DC>, simd_sse41::H264Intra8x8Words<INTRA_BLOCK_DC>, nullptr,
+                     nullptr},
+                    {plain::H264Intra8x8Words<INTRA_BLOCK_DIAGONAL_DOWN_LEFT>,
+                     simd_sse41::H264Intra8x8Words<INTRA_BLOCK_DIAGONAL_DOWN_LEFT>, nullptr, nullptr},
+                    {plain::H264Intra8x8Words<INTRA_BLOCK_DIAGONAL_DOWN_RIGHT>,
+                     simd_sse41::H264Intra8x8Words<INTRA_BLOCK_DIAGONAL_DOWN_RIGHT>, nullptr, nullptr},
+                    {plain::H264Intra8x8Words<INTRA_BLOCK_VERTICAL_RIGHT>,
+                     simd_sse41::H264Intra8x8Words<INTRA_BLOCK_VERTICAL_RIGHT>, nullptr, nullptr},
+                    {plain::H264Intra8x8Words<INTRA_BLOCK_HORIZONTAL_DOWN>,
+                     simd_sse41::H264Intra8x8Words<INTRA_BLOCK_HORIZONTAL_DOWN>, nullptr, nullptr},
+                    {plain::H264Intra8x8Words<INTRA_BLOCK_VERTICAL_LEFT>,
+                     simd_sse41::H264Intra8x8Words<INTRA_BLOCK_VERTICAL_LEFT>, nullptr, nullptr},
+                    {plain::H264Intra8x8Words<INTRA_BLOCK_HORIZONTAL_UP>,
+                     simd_sse41::H264Intra8x8Words<INTRA_BLOCK_HORIZONTAL_UP>, nullptr, nullptr});
 
 }  // namespace KorvaneSoftware

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "h264/reconstruction/block_loops.h"
+#include "h264/reconstruction/block_loops.inc.h"
 
 namespace KorvaneSoftware {
 namespace {
@@ -60,8 +60,10 @@ private:
     std::int32_t values_[16 * 16];
 };
 
+}  // namespace
+
 template <class Sample>
-struct DifferenceAdder {
+struct TH264DifferenceAdder {
     using Coefficient = typename TH264SampleType<Sample>::Coefficient;
     using Component = TH264Component<Sample>;
 
@@ -82,43 +84,12 @@ struct DifferenceAdder {
 };
 
 template <class Sample>
-using Loops = TH264BlockLoops<Sample, DifferenceAdder<Sample>>;
-
-}  // namespace
-
-template <class Sample>
-auto TH264LosslessResidual<Sample>::AddLuma4x4(const Component& luma, std::uint32_t coded, Coefficient* blocks)
-    -> Coefficient* {
-    return Loops<Sample>::Add4x4(luma, coded, blocks);
-}
-
-template <class Sample>
-auto TH264LosslessResidual<Sample>::AddLuma8x8(const Component& luma, std::uint32_t coded, Coefficient* blocks)
-    -> Coefficient* {
-    return Loops<Sample>::Add8x8(luma, coded, blocks);
-}
-
-template <class Sample>
-auto TH264LosslessResidual<Sample>::Intra4x4(const Component& luma, const std::int8_t* modes,
-                                             const H264IntraAvailability& availability, std::uint32_t coded,
-                                             Coefficient* blocks) -> Coefficient* {
-    return Loops<Sample>::Intra4x4(luma, modes, availability, coded, blocks);
-}
-
-template <class Sample>
-auto TH264LosslessResidual<Sample>::Intra8x8(const Component& luma, const std::int8_t* modes,
-                                             const H264IntraAvailability& availability, std::uint32_t coded,
-                                             Coefficient* blocks) -> Coefficient* {
-    return Loops<Sample>::Intra8x8(luma, modes, availability, coded, blocks);
-}
-
-template <class Sample>
 auto TH264LosslessResidual<Sample>::AddLuma16x16(const Component& luma, std::uint32_t mode, std::uint32_t coded,
                                                  const Coefficient* dc, Coefficient* blocks) -> Coefficient* {
     Differences differences(16, 16);
     for (const unsigned place : kH264BlockPlaces) {
         const unsigned x = place % 4 * 4, y = place / 4 * 4;
-        if (Loops<Sample>::IsCoded(coded, place)) {
+        if (IsH264BlockCoded(coded, place)) {
             differences.SetBlock(x, y, 4, blocks);
             blocks += 16;
         }
@@ -136,7 +107,7 @@ auto TH264LosslessResidual<Sample>::AddChroma(const Component& chroma, std::uint
     Differences differences(8, 4 * rows);
     for (unsigned place = 0; place < 2 * rows; ++place) {
         const unsigned x = place % 2 * 4, y = place / 2 * 4;
-        if (Loops<Sample>::IsCoded(coded, place)) {
+        if (IsH264BlockCoded(coded, place)) {
             differences.SetBlock(x, y, 4, blocks);
             blocks += 16;
         }
@@ -147,6 +118,8 @@ auto TH264LosslessResidual<Sample>::AddChroma(const Component& chroma, std::uint
     return blocks;
 }
 
+template struct TH264LumaBlocks<std::uint8_t, TH264DifferenceAdder<std::uint8_t>>;
+template struct TH264LumaBlocks<std::uint16_t, TH264DifferenceAdder<std::uint16_t>>;
 template struct TH264LosslessResidual<std::uint8_t>;
 template struct TH264LosslessResidual<std::uint16_t>;
 

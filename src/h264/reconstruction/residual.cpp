@@ -1,6 +1,6 @@
 #include "h264/reconstruction/residual.h"
 
-#include "h264/reconstruction/block_loops.h"
+#include "h264/reconstruction/block_loops.inc.h"
 #include "h264/reconstruction/transforms.h"
 
 namespace KorvaneSoftware {
@@ -13,8 +13,10 @@ bool HasOnlyDc(const Coefficient* block) {
     return any == 0;
 }
 
+}  // namespace
+
 template <class Sample>
-struct TransformAdder {
+struct TH264TransformAdder {
     using Transforms = TH264Transforms<Sample>;
     using Coefficient = typename TH264SampleType<Sample>::Coefficient;
     using Component = TH264Component<Sample>;
@@ -42,42 +44,11 @@ struct TransformAdder {
 };
 
 template <class Sample>
-using Loops = TH264BlockLoops<Sample, TransformAdder<Sample>>;
-
-}  // namespace
-
-template <class Sample>
-auto TH264Residual<Sample>::AddLuma4x4(const Component& luma, std::uint32_t coded, Coefficient* blocks)
-    -> Coefficient* {
-    return Loops<Sample>::Add4x4(luma, coded, blocks);
-}
-
-template <class Sample>
-auto TH264Residual<Sample>::AddLuma8x8(const Component& luma, std::uint32_t coded, Coefficient* blocks)
-    -> Coefficient* {
-    return Loops<Sample>::Add8x8(luma, coded, blocks);
-}
-
-template <class Sample>
-auto TH264Residual<Sample>::Intra4x4(const Component& luma, const std::int8_t* modes,
-                                     const H264IntraAvailability& availability, std::uint32_t coded,
-                                     Coefficient* blocks) -> Coefficient* {
-    return Loops<Sample>::Intra4x4(luma, modes, availability, coded, blocks);
-}
-
-template <class Sample>
-auto TH264Residual<Sample>::Intra8x8(const Component& luma, const std::int8_t* modes,
-                                     const H264IntraAvailability& availability, std::uint32_t coded,
-                                     Coefficient* blocks) -> Coefficient* {
-    return Loops<Sample>::Intra8x8(luma, modes, availability, coded, blocks);
-}
-
-template <class Sample>
 auto TH264Residual<Sample>::AddLuma16x16(const Component& luma, std::uint32_t coded, const Coefficient* dc,
                                          Coefficient* blocks) -> Coefficient* {
     for (const unsigned place : kH264BlockPlaces)
-        blocks = TransformAdder<Sample>::AddWithDc(luma.Block(place % 4, place / 4), luma,
-                                                   Loops<Sample>::IsCoded(coded, place), dc[place], blocks);
+        blocks = TH264TransformAdder<Sample>::AddWithDc(luma.Block(place % 4, place / 4), luma,
+                                                        IsH264BlockCoded(coded, place), dc[place], blocks);
     return blocks;
 }
 
@@ -85,11 +56,13 @@ template <class Sample>
 auto TH264Residual<Sample>::AddChroma(const Component& chroma, unsigned rows, std::uint32_t coded,
                                       const Coefficient* dc, Coefficient* blocks) -> Coefficient* {
     for (unsigned place = 0; place < 2 * rows; ++place)
-        blocks = TransformAdder<Sample>::AddWithDc(chroma.Block(place % 2, place / 2), chroma,
-                                                   Loops<Sample>::IsCoded(coded, place), dc[place], blocks);
+        blocks = TH264TransformAdder<Sample>::AddWithDc(chroma.Block(place % 2, place / 2), chroma,
+                                                        IsH264BlockCoded(coded, place), dc[place], blocks);
     return blocks;
 }
 
+template struct TH264LumaBlocks<std::uint8_t, TH264TransformAdder<std::uint8_t>>;
+template struct TH264LumaBlocks<std::uint16_t, TH264TransformAdder<std::uint16_t>>;
 template struct TH264Residual<std::uint8_t>;
 template struct TH264Residual<std::uint16_t>;
 

@@ -26,22 +26,32 @@ struct TH264Component {
     Sample* Block(unsigned x, unsigned y) const { return samples + 4 * (y * stride + static_cast<std::ptrdiff_t>(x)); }
 };
 
-/// `coded` has a bit for each place of a block that is coded; of an 8x8 block its first one counts. The functions take
-/// the blocks that they need from `blocks` on and return what follows them.
-template <class Sample>
-struct TH264Residual {
+/// Luma blocks of a macroblock in coding order; `Adder` adds one to its prediction. `coded` has a bit for each place of a
+/// block that is coded; of an 8x8 block its first one counts. The functions take the blocks that they need from `blocks`
+/// on and return what follows them.
+template <class Sample, class Adder>
+struct TH264LumaBlocks {
     using Coefficient = typename TH264SampleType<Sample>::Coefficient;
     using Component = TH264Component<Sample>;
 
-    /// Luma of inter macroblocks.
+    /// Of inter macroblocks.
     static Coefficient* AddLuma4x4(const Component& luma, std::uint32_t coded, Coefficient* blocks);
     static Coefficient* AddLuma8x8(const Component& luma, std::uint32_t coded, Coefficient* blocks);
-
-    /// Luma of Intra_4x4 and Intra_8x8, with the prediction. @param modes by place
+    /// Of Intra_4x4 and Intra_8x8, with the prediction. @param modes by place
     static Coefficient* Intra4x4(const Component& luma, const std::int8_t* modes,
                                  const H264IntraAvailability& availability, std::uint32_t coded, Coefficient* blocks);
     static Coefficient* Intra8x8(const Component& luma, const std::int8_t* modes,
                                  const H264IntraAvailability& availability, std::uint32_t coded, Coefficient* blocks);
+};
+
+template <class Sample>
+struct TH264TransformAdder;
+
+/// Blocks of dequantised coefficients.
+template <class Sample>
+struct TH264Residual : TH264LumaBlocks<Sample, TH264TransformAdder<Sample>> {
+    using Coefficient = typename TH264SampleType<Sample>::Coefficient;
+    using Component = TH264Component<Sample>;
 
     /// Luma of Intra_16x16, and chroma of `rows` rows of two blocks: each has its first coefficient from `dc`, by place
     /// and transformed; without its bit in `coded` a block has no other.

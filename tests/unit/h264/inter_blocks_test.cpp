@@ -117,6 +117,8 @@ protected:
                 }
             }
         }
+        // A second field refers to the first one of its frame too.
+        if (S == 1) Entry(VIEW_PICTURE, 0, 1) = &current_->fields[1 - kBottomField];
         MakeWeights();
     }
 

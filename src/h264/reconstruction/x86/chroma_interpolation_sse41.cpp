@@ -36,16 +36,17 @@ void StoreBytes(void* p, Vec v) {
 template <int kWidth>
 struct ByteRow {
     using Sample = std::uint8_t;
+    static constexpr int kBytes = kWidth;
     Vec pairs;
 
     static Vec Weights(int left, int right) { return Set16(left | right << 8); }
 
     ByteRow(const Sample* p, int right)
-        : pairs{_mm_unpacklo_epi8(LoadBytes<kWidth>(p).v, LoadBytes<kWidth>(p + right).v)} {}
+        : pairs{_mm_unpacklo_epi8(LoadBytes<kBytes>(p).v, LoadBytes<kBytes>(p + right).v)} {}
     static void StoreMean(Sample* p, ByteRow upper, Vec upperWeights, ByteRow lower, Vec lowerWeights) {
         const Vec sum = Add16(upper.Sum(upperWeights), lower.Sum(lowerWeights));
         const Vec mean = ShiftRight16s<6>(Add16(sum, Set16(32)));
-        StoreBytes<kWidth>(p, Pack16To8u(mean, mean));
+        StoreBytes<kBytes>(p, Pack16To8u(mean, mean));
     }
     Vec Sum(Vec weights) const { return {_mm_maddubs_epi16(pairs.v, weights.v)}; }
 };
@@ -54,12 +55,13 @@ struct ByteRow {
 template <int kWidth>
 struct WordRow {
     using Sample = std::uint16_t;
+    static constexpr int kBytes = 2 * kWidth;
     Vec low, high;
 
     static Vec Weights(int left, int right) { return Set32(left | right << 16); }
 
     WordRow(const Sample* p, int right) {
-        const Vec first = LoadBytes<2 * kWidth>(p), second = LoadBytes<2 * kWidth>(p + right);
+        const Vec first = LoadBytes<kBytes>(p), second = LoadBytes<kBytes>(p + right);
         low = UnpackLow16(first, second);
         high = kWidth == 8 ? UnpackHigh16(first, second) : Zero();
     }
@@ -69,13 +71,18 @@ struct WordRow {
             return ShiftRight32s<6>(Add32(sum, Set32(32)));
         };
         const Vec first = mean(upper.low, lower.low);
-        StoreBytes<2 * kWidth>(p, Pack32To16s(first, kWidth == 8 ? mean(upper.high, lower.high) : first));
+        StoreBytes<kBytes>(p, Pack32To16s(first, kWidth == 8 ? mean(upper.high, lower.high) : first));
     }
 };
 
 template <class Row>
 void InterpolateChroma(typename Row::Sample* dst, std::ptrdiff_t dstStride, const typename Row::Sample* src,
                        std::ptrdiff_t srcStride, int height, int xFraction, int yFraction) {
+    if (xFraction == 0 && yFraction == 0) {
+        for (int y = 0; y < height; ++y, dst += dstStride, src += srcStride)
+            StoreBytes<Row::kBytes>(dst, LoadBytes<Row::kBytes>(src));
+        return;
+    }
     // What has weight 0 is not looked for outside the block.
     const int right = xFraction != 0 ? 1 : 0;
     const Vec upperWeights = Row::Weights((8 - xFraction) * (8 - yFraction), xFraction * (8 - yFraction));
