@@ -136,6 +136,21 @@ DvDecodeTable::DvDecodeTable() {
         put(bits * 2, kAmplitudeEscapeBits + 1, 1, static_cast<int>(amplitude));
         put(bits * 2 + 1, kAmplitudeEscapeBits + 1, 1, -static_cast<int>(amplitude));
     }
+    for (unsigned window = 0; window < pairs_.size(); ++window) {
+        const unsigned bits = window << (16 - kPairBits);
+        const DvDecodedCode& first = At(bits);
+        const auto isWhole = [](const DvDecodedCode& code, unsigned left) {
+            return code.length <= left && (code.amplitude != 0 || code.advance == kDvEndOfBlock);
+        };
+        DvDecodedPair& pair = pairs_[window];
+        if (!isWhole(first, kPairBits)) continue;
+        pair = {first.length, first.advance, first.amplitude, first.length, 0, first.amplitude};
+        const DvDecodedCode& second = At(bits << first.length & 0xFFFF);
+        if (first.advance == kDvEndOfBlock || !isWhole(second, kPairBits - first.length)) continue;
+        pair.length = static_cast<std::uint8_t>(first.length + second.length);
+        pair.secondAdvance = second.advance;
+        pair.secondAmplitude = second.amplitude;
+    }
 }
 
 const DvDecodeTable& DvDecodeTable::Get() {

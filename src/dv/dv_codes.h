@@ -48,8 +48,20 @@ struct DvDecodedCode {
 };
 constexpr std::uint8_t kDvEndOfBlock = 128;
 
-/// Two look-ups decode any 16 bits: the code is complete, every pattern is one. The first takes the top bits; patterns
-/// of longer codes go on to the second, whose part of the table begins where the first step says.
+/// Two steps at once, each with an amplitude or the end of the block. Where the window holds one alone, the second step
+/// stores the first one's amplitude again.
+struct DvDecodedPair {
+    std::uint8_t firstLength;  ///< 0 where the first code goes beyond the window or is a run alone.
+    std::uint8_t firstAdvance;
+    std::int16_t firstAmplitude;
+    std::uint8_t length;  ///< Of both; nothing follows the end of the block.
+    std::uint8_t secondAdvance;
+    std::int16_t secondAmplitude;
+};
+
+/// Most codes are short, and one look-up decodes two of them. Two look-ups decode any 16 bits: the code is complete,
+/// every pattern is one. The first takes the top bits; patterns of longer codes go on to the second, whose part of the
+/// table begins where the first step says.
 class DvDecodeTable {
 public:
     static const DvDecodeTable& Get();
@@ -58,6 +70,10 @@ public:
     const DvDecodedCode& At(unsigned window) const {
         return window < kFirstLong ? short_[window >> (16 - kShortBits)] : long_[window - kFirstLong];
     }
+
+    static constexpr unsigned kPairBits = 11;
+    /// @param window  the next kPairBits bits
+    const DvDecodedPair& PairAt(unsigned window) const { return pairs_[window]; }
 
 private:
     DvDecodeTable();
@@ -68,6 +84,7 @@ private:
 
     std::array<DvDecodedCode, (kFirstLong >> (16 - kShortBits))> short_;
     std::array<DvDecodedCode, 0x10000 - kFirstLong> long_;
+    std::array<DvDecodedPair, 1u << kPairBits> pairs_{};
 };
 
 }  // namespace KorvaneSoftware

@@ -91,7 +91,34 @@ bool DecodeBlock(OpenBlock& open, BitRange& bits) {
         left += open.begunBits;
         bit -= open.begunBits;
     }
+    const auto take = [&](unsigned length) {
+        ahead <<= length;
+        left -= length;
+        bit += length;
+        counted -= length;
+    };
     while (true) {
+        if (counted < kLongestDvCode) {
+            ahead = LoadBigEndian(bits.bytes + bit / 8) << (bit % 8);
+            counted = kLookAhead;
+        }
+        const DvDecodedPair& pair = table.PairAt(static_cast<unsigned>(ahead >> (64 - DvDecodeTable::kPairBits)));
+        if (pair.firstLength != 0 && pair.length <= left) [[likely]] {
+            const unsigned first = position + pair.firstAdvance;
+            if (first >= kDvBlockValues) {
+                // The second code is not this block's.
+                take(pair.firstLength);
+                break;
+            }
+            levels[scan[first]] = pair.firstAmplitude;
+            last = first;
+            take(pair.length);
+            position = first + pair.secondAdvance;
+            if (position >= kDvBlockValues) break;
+            levels[scan[position]] = pair.secondAmplitude;
+            last = position;
+            continue;
+        }
         const DvDecodedCode& code = table.At(static_cast<unsigned>(ahead >> 48));
         if (code.length > left) {
             open.begun = left == 0 ? 0 : static_cast<std::uint32_t>(ahead >> (64 - left));
@@ -101,19 +128,12 @@ bool DecodeBlock(OpenBlock& open, BitRange& bits) {
             bits.bit = bits.end;
             return false;
         }
-        ahead <<= code.length;
-        left -= code.length;
-        bit += code.length;
-        counted -= code.length;
+        take(code.length);
         position += code.advance;
         if (position >= kDvBlockValues) break;
         // A run alone stores a zero where there is one.
         levels[scan[position]] = code.amplitude;
         last = code.amplitude != 0 ? position : last;
-        if (counted < kLongestDvCode) {
-            ahead = LoadBigEndian(bits.bytes + bit / 8) << (bit % 8);
-            counted = kLookAhead;
-        }
     }
     open.block->count = static_cast<std::uint8_t>(last + 1);
     bits.bit = bit;

@@ -75,12 +75,6 @@ inline void EncodeLevels(Writer& out, const std::int16_t* block, std::uint64_t p
     out = writer;
 }
 
-std::uint64_t PresentLevels(const std::int16_t* block, unsigned count) {
-    std::uint64_t present = 0;
-    for (unsigned k = 0; k < count; ++k) present |= std::uint64_t{block[kZigZag[k]] != 0} << k;
-    return present;
-}
-
 // What the decoder finds for the bits that come next.
 struct Decoded {
     std::int16_t value = 0;    // The level; of a code whose value is not in sight its size.
@@ -190,14 +184,6 @@ template <class Writer>
 void EncodeChromaLevels(Writer& writer, const std::int16_t* block, std::uint64_t present, std::int16_t& predictor) {
     EncodeLevels(writer, block, present, predictor, kChromaEncoder);
 }
-template <class Writer>
-void EncodeLumaBlock(Writer& writer, const std::int16_t* block, unsigned count, std::int16_t& predictor) {
-    EncodeLevels(writer, block, PresentLevels(block, count), predictor, kLumaEncoder);
-}
-template <class Writer>
-void EncodeChromaBlock(Writer& writer, const std::int16_t* block, unsigned count, std::int16_t& predictor) {
-    EncodeLevels(writer, block, PresentLevels(block, count), predictor, kChromaEncoder);
-}
 template <class Reader>
 unsigned DecodeLumaBlock(std::int16_t* block, std::int16_t& predictor, Reader& reader) {
     return DecodeBlock(block, predictor, reader, kLumaDecoder, LongLumaDc);
@@ -211,10 +197,6 @@ template void EncodeLumaLevels(JpegBitWriter&, const std::int16_t*, std::uint64_
 template void EncodeLumaLevels(WordBitWriter&, const std::int16_t*, std::uint64_t, std::int16_t&);
 template void EncodeChromaLevels(JpegBitWriter&, const std::int16_t*, std::uint64_t, std::int16_t&);
 template void EncodeChromaLevels(WordBitWriter&, const std::int16_t*, std::uint64_t, std::int16_t&);
-template void EncodeLumaBlock(JpegBitWriter&, const std::int16_t*, unsigned, std::int16_t&);
-template void EncodeLumaBlock(WordBitWriter&, const std::int16_t*, unsigned, std::int16_t&);
-template void EncodeChromaBlock(JpegBitWriter&, const std::int16_t*, unsigned, std::int16_t&);
-template void EncodeChromaBlock(WordBitWriter&, const std::int16_t*, unsigned, std::int16_t&);
 template unsigned DecodeLumaBlock(std::int16_t*, std::int16_t&, JpegBitReader&);
 template unsigned DecodeLumaBlock(std::int16_t*, std::int16_t&, WordBitReader&);
 template unsigned DecodeChromaBlock(std::int16_t*, std::int16_t&, JpegBitReader&);

@@ -15,12 +15,6 @@ void EncodeLumaLevels(Writer& writer, const std::int16_t* block, std::uint64_t p
 template <class Writer>
 void EncodeChromaLevels(Writer& writer, const std::int16_t* block, std::uint64_t present, std::int16_t& predictor);
 
-/// The same where the first `count` scan positions may be other than 0, as QuantiseBlock counts them.
-template <class Writer>
-void EncodeLumaBlock(Writer& writer, const std::int16_t* block, unsigned count, std::int16_t& predictor);
-template <class Writer>
-void EncodeChromaBlock(Writer& writer, const std::int16_t* block, unsigned count, std::int16_t& predictor);
-
 /// Reads a block into 64 zeros, natural order. No data fails: a bad code costs no bits and stands for nothing.
 /// Reader is JpegBitReader or WordBitReader.
 /// @return the coefficient count, 1 to 64

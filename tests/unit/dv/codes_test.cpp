@@ -116,5 +116,38 @@ TEST(DvCodes, EveryPatternDecodesAndEachWordToItself) {
     EXPECT_EQ(table.At(Bits("0110") << 12).advance, kDvEndOfBlock);
 }
 
+// Two steps at once are the two single ones.
+TEST(DvCodes, PairsAreTwoCodes) {
+    const DvDecodeTable& table = DvDecodeTable::Get();
+    constexpr unsigned kBits = DvDecodeTable::kPairBits;
+    unsigned twos = 0;
+    for (unsigned window = 0; window < 1u << kBits; ++window) {
+        const unsigned bits = window << (16 - kBits);
+        const DvDecodedPair& pair = table.PairAt(window);
+        const DvDecodedCode& first = table.At(bits);
+        const bool isEnd = first.advance == kDvEndOfBlock;
+        if (first.length > kBits || (first.amplitude == 0 && !isEnd)) {
+            EXPECT_EQ(pair.firstLength, 0) << window;
+            continue;
+        }
+        EXPECT_EQ(pair.firstLength, first.length) << window;
+        EXPECT_EQ(pair.firstAdvance, first.advance) << window;
+        EXPECT_EQ(pair.firstAmplitude, first.amplitude) << window;
+        const DvDecodedCode& second = table.At(bits << first.length & 0xFFFF);
+        if (isEnd || first.length + second.length > kBits ||
+            (second.amplitude == 0 && second.advance != kDvEndOfBlock)) {
+            EXPECT_EQ(pair.length, first.length) << window;
+            EXPECT_EQ(pair.secondAdvance, 0) << window;
+            EXPECT_EQ(pair.secondAmplitude, first.amplitude) << window;
+            continue;
+        }
+        ++twos;
+        EXPECT_EQ(pair.length, first.length + second.length) << window;
+        EXPECT_EQ(pair.secondAdvance, second.advance) << window;
+        EXPECT_EQ(pair.secondAmplitude, second.amplitude) << window;
+    }
+    EXPECT_GT(twos, 1u << (kBits - 1)) << "most windows hold two";
+}
+
 }  // namespace
 }  // namespace KorvaneSoftware

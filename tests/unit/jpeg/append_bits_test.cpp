@@ -16,14 +16,14 @@ struct CodedRun {
     unsigned freeBits = 8;
 };
 
-// Many ones, so that stuffing happens often and at every phase.
-CodedRun RandomRun(ByteGenerator& generator, int values) {
+// Ones in so many of 12 values, so that stuffing happens at every phase: close together, or with many bytes between.
+CodedRun RandomRun(ByteGenerator& generator, int values, unsigned ones) {
     CodedRun run;
     run.bytes.resize(static_cast<std::size_t>(values) * 8 + 16);
     km::JpegBitWriter writer(run.bytes.data(), run.bytes.data() + run.bytes.size());
     for (int i = 0; i < values; ++i) {
         const int length = 1 + static_cast<int>(generator.Below(16));
-        const unsigned value = (generator.Below(3) != 0 ? 0xFFFFu : generator.Below(65536)) & ((1u << length) - 1);
+        const unsigned value = (generator.Below(12) < ones ? 0xFFFFu : generator.Below(65536)) & ((1u << length) - 1);
         run.bits.emplace_back(value, length);
         writer.Put(value, length);
     }
@@ -41,7 +41,8 @@ TEST(JpegAppendBits, JoinedRunsAreOneRun) {
         km::JpegBitWriter whole(expected.data(), expected.data() + expected.size());
         km::BitPosition position;
         for (int part = 0; part < 5; ++part) {
-            const CodedRun run = RandomRun(generator, static_cast<int>(generator.Below(part % 2 == 0 ? 4 : 200)));
+            const CodedRun run = RandomRun(generator, static_cast<int>(generator.Below(part % 2 == 0 ? 4 : 200)),
+                                           round % 2 == 0 ? 8 : 1);
             for (const auto& [value, length] : run.bits) whole.Put(value, length);
             position = km::AppendBits(actual.data(), actual.size(), position, run.bytes.data(), run.bytes.size(),
                                       run.freeBits);
@@ -59,7 +60,7 @@ TEST(JpegAppendBits, JoinedRunsAreOneRun) {
 
 TEST(JpegAppendBits, StopsAtTheEndOfTheBuffer) {
     ByteGenerator generator(18);
-    const CodedRun run = RandomRun(generator, 100);
+    const CodedRun run = RandomRun(generator, 100, 4);
     std::vector<std::uint8_t> whole(2000);
     const km::BitPosition from{5, 3};
     const auto expected =

@@ -25,13 +25,20 @@ std::vector<std::uint8_t> Stuffed(std::string bits) {
     return bytes;
 }
 
+// The scan positions whose levels are other than 0, as the quantiser finds them.
+std::uint64_t Present(const std::int16_t* block, unsigned count) {
+    std::uint64_t present = 0;
+    for (unsigned k = 0; k < count; ++k) present |= std::uint64_t{block[km::kZigZag[k]] != 0} << k;
+    return present;
+}
+
 std::vector<std::uint8_t> Encoded(const std::int16_t* block, unsigned count, bool chroma, std::int16_t predictor) {
     std::vector<std::uint8_t> bytes(1000);
     km::JpegBitWriter writer(bytes.data(), bytes.data() + bytes.size());
     if (chroma)
-        km::EncodeChromaBlock(writer, block, count, predictor);
+        km::EncodeChromaLevels(writer, block, Present(block, count), predictor);
     else
-        km::EncodeLumaBlock(writer, block, count, predictor);
+        km::EncodeLumaLevels(writer, block, Present(block, count), predictor);
     EXPECT_EQ(predictor, block[0]);
     writer.Finish();
     bytes.resize(writer.Size());
@@ -137,11 +144,11 @@ TEST(JpegBlockCoder, RandomBlocksComeBack) {
                 if (level != 0) block.count = k + 1;
             }
         if (i % 3 == 0) {
-            km::EncodeChromaBlock(writer, block.values, block.count, predictor);
-            km::EncodeChromaBlock(wordWriter, block.values, block.count, wordPredictor);
+            km::EncodeChromaLevels(writer, block.values, Present(block.values, block.count), predictor);
+            km::EncodeChromaLevels(wordWriter, block.values, Present(block.values, block.count), wordPredictor);
         } else {
-            km::EncodeLumaBlock(writer, block.values, block.count, predictor);
-            km::EncodeLumaBlock(wordWriter, block.values, block.count, wordPredictor);
+            km::EncodeLumaLevels(writer, block.values, Present(block.values, block.count), predictor);
+            km::EncodeLumaLevels(wordWriter, block.values, Present(block.values, block.count), wordPredictor);
         }
     }
     writer.Finish();
