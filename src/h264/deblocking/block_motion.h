@@ -4,6 +4,7 @@
 
 #include <cstdint>
 
+#include "foundation/dispatch.h"
 #include "h264/macroblock_record.h"
 
 namespace KorvaneSoftware {
@@ -14,20 +15,12 @@ struct H264MotionTest {
     int verticalLimit;  ///< Vertical difference that makes an edge, in quarter samples; across it is 4.
 };
 
-/// Motion of the four blocks along one side of a macroblock.
-struct H264MotionSide {
-    /// Picture ids of the first two and the last two blocks, list 0 in the low half, list 1 in the high one.
-    std::uint32_t references[2];
-    std::int16_t vectors[2][4][2];  ///< By list and block.
-};
+/// Four blocks along one side of a macroblock.
+enum H264Side : unsigned { SIDE_LEFT, SIDE_RIGHT, SIDE_TOP, SIDE_BOTTOM };
 
-H264MotionSide LeftMotion(const H264MacroblockRecord& mb);
-H264MotionSide RightMotion(const H264MacroblockRecord& mb);
-H264MotionSide TopMotion(const H264MacroblockRecord& mb);
-H264MotionSide BottomMotion(const H264MacroblockRecord& mb);
-
-/// Bit i: blocks i of both sides differ.
-unsigned CompareMotion(const H264MotionSide& p, const H264MotionSide& q, const H264MotionTest& test);
+/// Bit i: block i of one side of `p` and block i of one side of `q` differ.
+unsigned CompareMotion(const H264MacroblockRecord& p, H264Side pSide, const H264MacroblockRecord& q, H264Side qSide,
+                       const H264MotionTest& test);
 
 /// Edges between the blocks of a macroblock. Bit i of `vertical`: block i and the one left of it differ; of
 /// `horizontal`: block i and the one above. Bits of the macroblock's own edges are 0.
@@ -36,5 +29,12 @@ struct H264InnerEdges {
     unsigned horizontal = 0;
 };
 H264InnerEdges CompareMotionInside(const H264MacroblockRecord& mb, const H264MotionTest& test);
+
+/// The vectors of a macroblock in one list, by place.
+using H264BlockVectors = std::int16_t[16][2];
+/// Edges inside a macroblock whose blocks' vectors are too far apart: vector i of `q` and the one left of place i in
+/// `p` in bit i, the one above in bit 16 + i. Bits of the macroblock's own edges are 0.
+using H264FarVectorsSignature = std::uint32_t(const H264BlockVectors& p, const H264BlockVectors& q, int verticalLimit);
+extern DispatchSlot<H264FarVectorsSignature> H264FarVectors;
 
 }  // namespace KorvaneSoftware
