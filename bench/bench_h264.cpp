@@ -4,8 +4,8 @@
 #include <string>
 
 #include "bench.h"
-#include "h264/deblocking/block_motion.h"
 #include "h264/deblocking/edge_filters.h"
+#include "h264/deblocking/far_vectors.h"
 #include "h264/reconstruction/inter_prediction.h"
 #include "h264/reconstruction/intra_prediction.h"
 #include "h264/reconstruction/transforms.h"

@@ -3,8 +3,8 @@
 #include <initializer_list>
 #include <string>
 
-#include "h264/deblocking/block_motion.h"
 #include "h264/deblocking/edge_filters.h"
+#include "h264/deblocking/far_vectors.h"
 #include "kernels/h264_check.h"
 
 namespace pixmorph_test {

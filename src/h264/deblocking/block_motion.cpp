@@ -2,25 +2,14 @@
 
 #include <cstring>
 
-#include "h264/deblocking/x86/block_motion_forms.h"
+#include "h264/deblocking/far_vectors.h"
 
 namespace KorvaneSoftware {
 namespace {
 
-constexpr int kHorizontalLimit = 4;
 /// Vertical edges between blocks in the low half, horizontal ones in the high half of a word of edges.
 constexpr unsigned kInnerVertical = 0xEEEE, kInnerHorizontal = 0xFFF0;
 constexpr unsigned kBothDirections = 0x10001;
-
-using Vector = std::int16_t[2];
-
-bool DifferBy(int difference, int limit) {
-    return static_cast<unsigned>(difference + (limit - 1)) >= static_cast<unsigned>(2 * limit - 1);
-}
-
-bool AreFarApart(const Vector& p, const Vector& q, int verticalLimit) {
-    return DifferBy(q[0] - p[0], kHorizontalLimit) || DifferBy(q[1] - p[1], verticalLimit);
-}
 
 std::uint32_t ReferenceKey(const H264MacroblockRecord& mb, unsigned part) {
     const std::uint32_t list0 = static_cast<std::uint16_t>(mb.refPicId[0][part]);
@@ -61,7 +50,7 @@ unsigned FarBlocks(const SideVectors& p, const SideVectors& q, int verticalLimit
     if (p == q) return 0;
     unsigned blocks = 0;
     for (unsigned i = 0; i < 4; ++i) {
-        Vector a, b;
+        std::int16_t a[2], b[2];
         std::memcpy(a, &p.words[i], sizeof a);
         std::memcpy(b, &q.words[i], sizeof b);
         blocks |= static_cast<unsigned>(AreFarApart(a, b, verticalLimit)) << i;
@@ -70,21 +59,6 @@ unsigned FarBlocks(const SideVectors& p, const SideVectors& q, int verticalLimit
 }
 
 constexpr unsigned kBlocksOfHalf[2] = {0x3, 0xC};
-
-}  // namespace
-
-std::uint32_t plain::H264FarVectors(const H264BlockVectors& p, const H264BlockVectors& q, int verticalLimit) {
-    std::uint32_t edges = 0;
-    for (unsigned i = 0; i < 16; ++i) {
-        if (i % 4 != 0 && AreFarApart(p[i - 1], q[i], verticalLimit)) edges |= 1u << i;
-        if (i / 4 != 0 && AreFarApart(p[i - 4], q[i], verticalLimit)) edges |= 0x10000u << i;
-    }
-    return edges;
-}
-PIXMORPH_SLOT(DispatchSlot<H264FarVectorsSignature>, H264FarVectors, plain::H264FarVectors, simd_sse41::H264FarVectors,
-              nullptr, nullptr);
-
-namespace {
 
 /// Edges at which two parts meet: 0 and 1, 2 and 3, 0 and 2, 1 and 3.
 constexpr unsigned kMeetingEdges[4] = {0x0044, 0x4400, 0x0300u << 16, 0x0C00u << 16};

@@ -4,7 +4,6 @@
 
 #include <cstdint>
 
-#include "foundation/dispatch.h"
 #include "h264/macroblock_record.h"
 
 namespace KorvaneSoftware {
@@ -29,12 +28,5 @@ struct H264InnerEdges {
     unsigned horizontal = 0;
 };
 H264InnerEdges CompareMotionInside(const H264MacroblockRecord& mb, const H264MotionTest& test);
-
-/// The vectors of a macroblock in one list, by place.
-using H264BlockVectors = std::int16_t[16][2];
-/// Edges inside a macroblock whose blocks' vectors are too far apart: vector i of `q` and the one left of place i in
-/// `p` in bit i, the one above in bit 16 + i. Bits of the macroblock's own edges are 0.
-using H264FarVectorsSignature = std::uint32_t(const H264BlockVectors& p, const H264BlockVectors& q, int verticalLimit);
-extern DispatchSlot<H264FarVectorsSignature> H264FarVectors;
 
 }  // namespace KorvaneSoftware

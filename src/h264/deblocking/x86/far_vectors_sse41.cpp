@@ -1,6 +1,6 @@
 // A row of four blocks in each register. Wider ones would hold two, but each must meet the one before it.
 #include "foundation/simd/vec_sse41.h"
-#include "h264/deblocking/x86/block_motion_forms.h"
+#include "h264/deblocking/x86/far_vectors_forms.h"
 
 namespace KorvaneSoftware {
 namespace PIXMORPH_SIMD {

@@ -1,7 +1,7 @@
 // Forms of the comparison of vectors.
 #pragma once
 
-#include "h264/deblocking/block_motion.h"
+#include "h264/deblocking/far_vectors.h"
 
 namespace KorvaneSoftware {
 
