@@ -1,9 +1,11 @@
 // Sample primitives of the H.264 decoder, each over the blocks of a frame of 1080 lines.
 #include <algorithm>
+#include <cstring>
 #include <string>
 
 #include "bench.h"
 #include "h264/deblocking/edge_filters.h"
+#include "h264/deblocking/far_vectors.h"
 #include "h264/reconstruction/inter_prediction.h"
 #include "h264/reconstruction/intra_prediction.h"
 #include "h264/reconstruction/transforms.h"
@@ -139,6 +141,17 @@ void AddEdgeFilters() {
     addChroma(Slots::kChromaHorizontalStrong);
 }
 
+// Vectors of a macroblock out of the frame's first bytes; what they are is as good as random.
+void AddBlockMotion() {
+    AddBlocks<std::uint8_t>(km::H264FarVectors, 16, 16, [](auto* form, std::uint8_t* samples, std::uint8_t* other) {
+        km::H264BlockVectors p, q;
+        std::memcpy(p, samples, sizeof p);
+        std::memcpy(q, other, sizeof q);
+        const std::uint32_t far = form(p, q, 4);
+        std::memcpy(samples, &far, sizeof far);
+    });
+}
+
 struct AddAll {
     AddAll() {
         AddTransforms<std::uint8_t>();
@@ -149,6 +162,7 @@ struct AddAll {
         AddIntraPrediction<std::uint16_t>();
         AddEdgeFilters<std::uint8_t>();
         AddEdgeFilters<std::uint16_t>();
+        AddBlockMotion();
     }
 } const kAll;
 

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "h264/deblocking/edge_filters.h"
+#include "h264/deblocking/far_vectors.h"
 #include "kernels/h264_check.h"
 
 namespace pixmorph_test {
@@ -17,6 +18,8 @@ const ChecksSlots kWords{&km::H264LumaVerticalWeakWords,     &km::H264LumaVertic
                          &km::H264LumaHorizontalWeakWords,   &km::H264LumaHorizontalStrongWords,
                          &km::H264ChromaVerticalWeakWords,   &km::H264ChromaVerticalStrongWords,
                          &km::H264ChromaHorizontalWeakWords, &km::H264ChromaHorizontalStrongWords};
+
+const ChecksSlots kMotion{&km::H264FarVectors};
 
 int Clip3(int low, int high, int value) { return std::min(std::max(value, low), high); }
 
@@ -215,6 +218,35 @@ TYPED_TEST(H264Deblocking, WorkedSteps) {
            {60, 60, 60, 60, 70, 70, 70, 70});
     chroma(Slots::kChromaVerticalWeak, {40, 10, 0x01010101}, {40, 10, 0}, {60, 60, 60, 62, 68, 70, 70, 70},
            {60, 60, 60, 61, 69, 70, 70, 70});
+}
+
+// Each pair of blocks on its own, vectors near each other and as far apart as 16 bits allow.
+TEST(H264BlockMotion, FindsVectorsThatAreFarApart) {
+    ForEachH264Form(km::H264FarVectors, [](auto* form) {
+        ByteGenerator generator(47);
+        for (int round = 0; round < 2000; ++round) {
+            const int limit = round % 2 != 0 ? 4 : 2;
+            const std::uint32_t spread = round % 16 == 0 ? 65536 : 2 + generator.Below(8);
+            km::H264BlockVectors p, q;
+            for (auto* vectors : {&p, &q})
+                for (auto& vector : *vectors)
+                    for (auto& part : vector)
+                        part = static_cast<std::int16_t>(static_cast<int>(generator.Below(spread)) -
+                                                         static_cast<int>(spread / 2));
+            std::uint32_t expected = 0;
+            const auto isFar = [&](int before, int block) {
+                return std::abs(p[before][0] - q[block][0]) >= 4 || std::abs(p[before][1] - q[block][1]) >= limit;
+            };
+            for (int y = 0; y < 4; ++y) {
+                for (int x = 0; x < 4; ++x) {
+                    const int block = 4 * y + x;
+                    if (x > 0 && isFar(block - 1, block)) expected |= 1u << block;
+                    if (y > 0 && isFar(block - 4, block)) expected |= 1u << (16 + block);
+                }
+            }
+            ASSERT_EQ(form(p, q, limit), expected) << "round " << round;
+        }
+    });
 }
 
 // Entries of tables 8-16 and 8-17.

@@ -2,23 +2,14 @@
 
 #include <cstring>
 
+#include "h264/deblocking/far_vectors.h"
+
 namespace KorvaneSoftware {
 namespace {
 
-constexpr int kHorizontalLimit = 4;
 /// Vertical edges between blocks in the low half, horizontal ones in the high half of a word of edges.
 constexpr unsigned kInnerVertical = 0xEEEE, kInnerHorizontal = 0xFFF0;
 constexpr unsigned kBothDirections = 0x10001;
-
-using Vector = std::int16_t[2];
-
-bool DifferBy(int difference, int limit) {
-    return static_cast<unsigned>(difference + (limit - 1)) >= static_cast<unsigned>(2 * limit - 1);
-}
-
-bool AreFarApart(const Vector& p, const Vector& q, int verticalLimit) {
-    return DifferBy(q[0] - p[0], kHorizontalLimit) || DifferBy(q[1] - p[1], verticalLimit);
-}
 
 std::uint32_t ReferenceKey(const H264MacroblockRecord& mb, unsigned part) {
     const std::uint32_t list0 = static_cast<std::uint16_t>(mb.refPicId[0][part]);
@@ -32,42 +23,42 @@ std::uint32_t Crossed(std::uint32_t key) { return key << 16 | key >> 16; }
 bool UsesList0(std::uint32_t key) { return (key & 0xFFFF) != 0xFFFF; }
 bool UsesList1(std::uint32_t key) { return key >> 16 != 0xFFFF; }
 
-H264MotionSide Side(const H264MacroblockRecord& mb, unsigned firstPart, unsigned secondPart, unsigned firstBlock,
-                    unsigned step) {
-    H264MotionSide side;
-    side.references[0] = ReferenceKey(mb, firstPart);
-    side.references[1] = ReferenceKey(mb, secondPart);
-    for (unsigned list = 0; list < 2; ++list)
-        for (unsigned i = 0; i < 4; ++i)
-            std::memcpy(side.vectors[list][i], mb.mv[list][firstBlock + i * step], sizeof(Vector));
-    return side;
-}
+/// Where the blocks of a side are: its two parts, its first block, and the way to the next.
+struct SidePlaces {
+    unsigned parts[2];
+    unsigned block;
+    unsigned step;
+};
+constexpr SidePlaces kSides[4] = {{{0, 2}, 0, 4}, {{1, 3}, 3, 4}, {{0, 1}, 0, 1}, {{2, 3}, 12, 1}};
 
-bool DifferInOneList(const H264MotionSide& p, const H264MotionSide& q, unsigned block, int verticalLimit) {
-    const unsigned half = block / 2;
-    return ((p.references[half] ^ q.references[half]) & 0xFFFF) != 0 ||
-           AreFarApart(p.vectors[0][block], q.vectors[0][block], verticalLimit);
-}
+/// Vectors along a side, as words that are equal where the vectors are.
+struct SideVectors {
+    std::uint32_t words[4];
 
-bool DifferInBothLists(const H264MotionSide& p, const H264MotionSide& q, unsigned block, int verticalLimit) {
-    const std::uint32_t pKey = p.references[block / 2], qKey = q.references[block / 2];
-    const auto areFar = [&](unsigned pList0, unsigned pList1) {
-        return (UsesList0(qKey) && AreFarApart(p.vectors[pList0][block], q.vectors[0][block], verticalLimit)) ||
-               (UsesList1(qKey) && AreFarApart(p.vectors[pList1][block], q.vectors[1][block], verticalLimit));
-    };
-    // Two vectors into one picture may be paired in either way.
-    return (pKey != qKey || areFar(0, 1)) && (pKey != Crossed(qKey) || areFar(1, 0));
-}
-
-/// Edges, in both directions, whose blocks' vectors are too far apart: those of `q` and of its neighbours in `p`.
-unsigned FarApartInside(const Vector (&p)[16], const Vector (&q)[16], int verticalLimit) {
-    unsigned edges = 0;
-    for (unsigned i = 0; i < 16; ++i) {
-        if (i % 4 != 0 && AreFarApart(p[i - 1], q[i], verticalLimit)) edges |= 1u << i;
-        if (i / 4 != 0 && AreFarApart(p[i - 4], q[i], verticalLimit)) edges |= 0x10000u << i;
+    SideVectors(const H264BlockVectors& vectors, const SidePlaces& side) {
+        for (unsigned i = 0; i < 4; ++i) std::memcpy(&words[i], vectors[side.block + i * side.step], sizeof words[i]);
     }
-    return edges;
+    bool operator==(const SideVectors& other) const {
+        std::uint32_t difference = 0;
+        for (unsigned i = 0; i < 4; ++i) difference |= words[i] ^ other.words[i];
+        return difference == 0;
+    }
+};
+
+/// Blocks whose vectors are too far apart.
+unsigned FarBlocks(const SideVectors& p, const SideVectors& q, int verticalLimit) {
+    if (p == q) return 0;
+    unsigned blocks = 0;
+    for (unsigned i = 0; i < 4; ++i) {
+        std::int16_t a[2], b[2];
+        std::memcpy(a, &p.words[i], sizeof a);
+        std::memcpy(b, &q.words[i], sizeof b);
+        blocks |= static_cast<unsigned>(AreFarApart(a, b, verticalLimit)) << i;
+    }
+    return blocks;
 }
+
+constexpr unsigned kBlocksOfHalf[2] = {0x3, 0xC};
 
 /// Edges at which two parts meet: 0 and 1, 2 and 3, 0 and 2, 1 and 3.
 constexpr unsigned kMeetingEdges[4] = {0x0044, 0x4400, 0x0300u << 16, 0x0C00u << 16};
@@ -79,7 +70,7 @@ constexpr unsigned kBlocksOfPart[4] = {0x0033, 0x00CC, 0x3300, 0xCC00};
 
 unsigned CompareOneListInside(const H264MacroblockRecord& mb, int verticalLimit) {
     const std::int16_t(&id)[4] = mb.refPicId[0];
-    unsigned edges = FarApartInside(mb.mv[0], mb.mv[0], verticalLimit);
+    unsigned edges = H264FarVectors(mb.mv[0], mb.mv[0], verticalLimit);
     if (id[0] != id[1]) edges |= kMeetingEdges[0];
     if (id[2] != id[3]) edges |= kMeetingEdges[1];
     if (id[0] != id[2]) edges |= kMeetingEdges[2];
@@ -109,8 +100,8 @@ unsigned CompareBothListsInside(const H264MacroblockRecord& mb, int verticalLimi
     meet(3, 1, 3);
     const auto far = [&](unsigned pOf0, unsigned pOf1) {
         unsigned edges = 0;
-        if (uses0 != 0) edges |= FarApartInside(mb.mv[pOf0], mb.mv[0], verticalLimit) & uses0;
-        if (uses1 != 0) edges |= FarApartInside(mb.mv[pOf1], mb.mv[1], verticalLimit) & uses1;
+        if (uses0 != 0) edges |= H264FarVectors(mb.mv[pOf0], mb.mv[0], verticalLimit) & uses0;
+        if (uses1 != 0) edges |= H264FarVectors(mb.mv[pOf1], mb.mv[1], verticalLimit) & uses1;
         return edges;
     };
     unsigned edges = ~same | far(0, 1);
@@ -120,18 +111,32 @@ unsigned CompareBothListsInside(const H264MacroblockRecord& mb, int verticalLimi
 
 }  // namespace
 
-H264MotionSide LeftMotion(const H264MacroblockRecord& mb) { return Side(mb, 0, 2, 0, 4); }
-H264MotionSide RightMotion(const H264MacroblockRecord& mb) { return Side(mb, 1, 3, 3, 4); }
-H264MotionSide TopMotion(const H264MacroblockRecord& mb) { return Side(mb, 0, 1, 0, 1); }
-H264MotionSide BottomMotion(const H264MacroblockRecord& mb) { return Side(mb, 2, 3, 12, 1); }
-
-unsigned CompareMotion(const H264MotionSide& p, const H264MotionSide& q, const H264MotionTest& test) {
-    unsigned differing = 0;
-    for (unsigned i = 0; i < 4; ++i) {
-        const bool differ = test.lists == 1 ? DifferInOneList(p, q, i, test.verticalLimit)
-                                            : DifferInBothLists(p, q, i, test.verticalLimit);
-        differing |= static_cast<unsigned>(differ) << i;
+unsigned CompareMotion(const H264MacroblockRecord& p, H264Side pSide, const H264MacroblockRecord& q, H264Side qSide,
+                       const H264MotionTest& test) {
+    const SidePlaces &ofP = kSides[pSide], &ofQ = kSides[qSide];
+    const auto far = [&](unsigned pList, unsigned qList) {
+        return FarBlocks({p.mv[pList], ofP}, {q.mv[qList], ofQ}, test.verticalLimit);
+    };
+    if (test.lists == 1) {
+        unsigned differing = far(0, 0);
+        for (unsigned half = 0; half < 2; ++half) {
+            if (p.refPicId[0][ofP.parts[half]] != q.refPicId[0][ofQ.parts[half]]) differing |= kBlocksOfHalf[half];
+        }
+        return differing;
     }
+    // Two vectors into one picture may be paired in either way.
+    unsigned same = 0, crossed = 0, uses0 = 0, uses1 = 0;
+    for (unsigned half = 0; half < 2; ++half) {
+        const std::uint32_t pKey = ReferenceKey(p, ofP.parts[half]), qKey = ReferenceKey(q, ofQ.parts[half]);
+        const unsigned blocks = kBlocksOfHalf[half];
+        if (pKey == qKey) same |= blocks;
+        if (pKey == Crossed(qKey)) crossed |= blocks;
+        if (UsesList0(qKey)) uses0 |= blocks;
+        if (UsesList1(qKey)) uses1 |= blocks;
+    }
+    unsigned differing = 0xF;
+    if (same != 0) differing &= ~same | (far(0, 0) & uses0) | (far(1, 1) & uses1);
+    if (crossed != 0) differing &= ~crossed | (far(1, 0) & uses0) | (far(0, 1) & uses1);
     return differing;
 }
 

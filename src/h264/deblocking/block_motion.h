@@ -14,20 +14,12 @@ struct H264MotionTest {
     int verticalLimit;  ///< Vertical difference that makes an edge, in quarter samples; across it is 4.
 };
 
-/// Motion of the four blocks along one side of a macroblock.
-struct H264MotionSide {
-    /// Picture ids of the first two and the last two blocks, list 0 in the low half, list 1 in the high one.
-    std::uint32_t references[2];
-    std::int16_t vectors[2][4][2];  ///< By list and block.
-};
+/// Four blocks along one side of a macroblock.
+enum H264Side : unsigned { SIDE_LEFT, SIDE_RIGHT, SIDE_TOP, SIDE_BOTTOM };
 
-H264MotionSide LeftMotion(const H264MacroblockRecord& mb);
-H264MotionSide RightMotion(const H264MacroblockRecord& mb);
-H264MotionSide TopMotion(const H264MacroblockRecord& mb);
-H264MotionSide BottomMotion(const H264MacroblockRecord& mb);
-
-/// Bit i: blocks i of both sides differ.
-unsigned CompareMotion(const H264MotionSide& p, const H264MotionSide& q, const H264MotionTest& test);
+/// Bit i: block i of one side of `p` and block i of one side of `q` differ.
+unsigned CompareMotion(const H264MacroblockRecord& p, H264Side pSide, const H264MacroblockRecord& q, H264Side qSide,
+                       const H264MotionTest& test);
 
 /// Edges between the blocks of a macroblock. Bit i of `vertical`: block i and the one left of it differ; of
 /// `horizontal`: block i and the one above. Bits of the macroblock's own edges are 0.

@@ -87,14 +87,14 @@ H264Strengths CH264Deblocker::LeftStrengths(const H264MacroblockRecord& p) const
     if (IsIntra(p)) return kH264StrengthsOf4;
     const unsigned coded = CodedInColumn(p, 3) | CodedInColumn(*mb_, 0);
     if (coded == 0xF) return FromMasks(coded, 0);
-    return FromMasks(coded, CompareMotion(RightMotion(p), LeftMotion(*mb_), MotionTest(p)));
+    return FromMasks(coded, CompareMotion(p, SIDE_RIGHT, *mb_, SIDE_LEFT, MotionTest(p)));
 }
 
 H264Strengths CH264Deblocker::TopStrengths(const H264MacroblockRecord& p) const {
     if (IsIntra(p)) return topStrength_;
     const unsigned coded = CodedInRow(p, 3) | CodedInRow(*mb_, 0);
     if (coded == 0xF) return FromMasks(coded, 0);
-    return FromMasks(coded, CompareMotion(BottomMotion(p), TopMotion(*mb_), MotionTest(p)));
+    return FromMasks(coded, CompareMotion(p, SIDE_BOTTOM, *mb_, SIDE_TOP, MotionTest(p)));
 }
 
 H264Strengths CH264Deblocker::FromMasks(unsigned coded, unsigned differing) {

@@ -72,7 +72,10 @@ void CH264DeblockerMBAFF::FindTop() {
 
 void CH264DeblockerMBAFF::FindStrengths() {
     CH264Deblocker::FindStrengths();
-    if (topIsMixed_) horizontalStrengths_[0] = MixedTopStrengths(*top_);
+    if (topIsMixed_) {
+        horizontalStrengths_[0] = MixedTopStrengths(*top_);
+        MarkEdges();
+    }
     if (fieldsAbove_[0] != nullptr) {
         for (unsigned i = 0; i < 2; ++i) fieldsAboveStrengths_[i] = MixedTopStrengths(*fieldsAbove_[i]);
     }

@@ -27,6 +27,18 @@ protected:
         qp_.BeginSlice(*this->slice_, picture.sps.bitDepthChromaMinus8);
     }
 
+    /// Limits of an edge of Y, Cb and Cr.
+    struct Limits {
+        H264EdgeLimits luma;
+        H264EdgeLimits chroma[2];
+    };
+    Limits LimitsBetween(const H264MacroblockRecord& p, const H264MacroblockRecord& q) const {
+        const H264EdgeQp qp = qp_.Of(p, q);
+        const H264SliceHeader& header = this->slice_->header;
+        const auto find = [&](int of) { return FindH264EdgeLimits(of, header.filterOffsetA, header.filterOffsetB); };
+        return {find(qp.luma), {find(qp.chroma[0]), find(qp.chroma[1])}};
+    }
+
     void FilterAtCursor() {
         this->SelectMacroblock();
         this->FindStrengths();
@@ -35,54 +47,44 @@ protected:
     }
 
     void FilterVerticalEdges() {
-        Sample* const luma = Plane(0);
-        const std::ptrdiff_t stride = Stride();
-        const H264EdgeQp inner = qp_.Of(*this->mb_, *this->mb_);
-        const H264EdgeQp outer = this->left_ != nullptr ? qp_.Of(*this->left_, *this->mb_) : inner;
-        for (unsigned i = 0; i < 4; ++i) {
+        const auto filter = [&](unsigned i, const Limits& limits) {
             const H264Strengths strengths = this->verticalStrengths_[i];
-            if (strengths == 0) continue;
-            const H264EdgeQp& qp = i == 0 ? outer : inner;
-            if (HasLumaEdge(i)) FilterLuma<true>(luma + 4 * i, stride, strengths, qp, 4);
-            if (i % 2 == 0) FilterChroma<true>(2 * i, stride, strengths, qp, kChromaDown);
-        }
+            if (HasLumaEdge(i)) FilterLuma<true>(Plane(0) + 4 * i, Stride(), strengths, limits, 4);
+            if (i % 2 == 0) FilterChroma<true>(2 * i, Stride(), strengths, limits, kChromaDown);
+        };
+        FilterEdges(this->edges_ & 0xF, this->left_, filter);
     }
 
     void FilterHorizontalEdges() {
-        Sample* const luma = Plane(0);
         const std::ptrdiff_t stride = Stride();
-        const H264EdgeQp inner = qp_.Of(*this->mb_, *this->mb_);
-        const H264EdgeQp outer = this->top_ != nullptr ? qp_.Of(*this->top_, *this->mb_) : inner;
-        for (unsigned i = 0; i < 4; ++i) {
+        const auto filter = [&](unsigned i, const Limits& limits) {
             const H264Strengths strengths = this->horizontalStrengths_[i];
-            if (strengths == 0) continue;
-            const H264EdgeQp& qp = i == 0 ? outer : inner;
-            if (HasLumaEdge(i)) FilterLuma<false>(luma + 4 * i * stride, stride, strengths, qp, 4);
+            if (HasLumaEdge(i)) FilterLuma<false>(Plane(0) + 4 * i * stride, stride, strengths, limits, 4);
             // The transform of chroma is 4x4 always: with 16 rows it has all four edges, with 8 rows two.
-            if (C == 2 || i % 2 == 0) FilterChroma<false>(kChromaDown * i * stride, stride, strengths, qp, 2);
-        }
+            if (C == 2 || i % 2 == 0) FilterChroma<false>(kChromaDown * i * stride, stride, strengths, limits, 2);
+        };
+        FilterEdges(this->edges_ >> 4, this->top_, filter);
     }
 
     template <bool kVertical>
-    void FilterLuma(Sample* samples, std::ptrdiff_t stride, H264Strengths strengths, const H264EdgeQp& qp,
+    void FilterLuma(Sample* samples, std::ptrdiff_t stride, H264Strengths strengths, const Limits& limits,
                     int segment) const {
         const auto& weak = kVertical ? Filters::kLumaVerticalWeak : Filters::kLumaHorizontalWeak;
         const auto& strong = kVertical ? Filters::kLumaVerticalStrong : Filters::kLumaHorizontalStrong;
-        const H264EdgeLimits limits = Limits(qp.luma);
-        if (limits.FilterNothing()) return;
-        if (HasStrong(strengths)) strong(samples, stride, limits.Strong(strengths), segment, lumaDepth_);
-        if (HasWeak(strengths)) weak(samples, stride, limits.Weak(strengths), segment, lumaDepth_);
+        if (limits.luma.FilterNothing()) return;
+        if (HasStrong(strengths)) strong(samples, stride, limits.luma.Strong(strengths), segment, lumaDepth_);
+        if (HasWeak(strengths)) weak(samples, stride, limits.luma.Weak(strengths), segment, lumaDepth_);
     }
 
     /// Filters Cb and Cr at a place in the macroblock.
     template <bool kVertical>
-    void FilterChroma(std::ptrdiff_t at, std::ptrdiff_t stride, H264Strengths strengths, const H264EdgeQp& qp,
+    void FilterChroma(std::ptrdiff_t at, std::ptrdiff_t stride, H264Strengths strengths, const Limits& limits,
                       int segment) const {
         const auto& weak = kVertical ? Filters::kChromaVerticalWeak : Filters::kChromaHorizontalWeak;
         const auto& strong = kVertical ? Filters::kChromaVerticalStrong : Filters::kChromaHorizontalStrong;
         Sample* const cb = Plane(1) + at;
         Sample* const cr = Plane(2) + at;
-        const H264EdgeLimits ofCb = Limits(qp.chroma[0]), ofCr = Limits(qp.chroma[1]);
+        const auto& [ofCb, ofCr] = limits.chroma;
         if (ofCb.FilterNothing() && ofCr.FilterNothing()) return;
         if (HasStrong(strengths)) {
             strong(cb, cr, stride, {ofCb.Strong(strengths), ofCr.Strong(strengths)}, segment, chromaDepth_);
@@ -98,19 +100,23 @@ protected:
     /// Samples of chroma that stand beside four rows of luma.
     static constexpr int kChromaDown = C == 2 ? 4 : 2;
 
-    H264QpOfEdges qp_;
-
 private:
     /// Under the 8x8 transform the edges between 4x4 blocks of luma are none.
     bool HasLumaEdge(unsigned i) const { return P == 1 || i % 2 == 0 || this->mb_->transform8x8 == 0; }
 
     static bool HasStrong(H264Strengths strengths) { return (strengths & kH264StrengthsOf4) != 0; }
     static bool HasWeak(H264Strengths strengths) { return (strengths & kH264StrengthsOf3) != 0; }
-    H264EdgeLimits Limits(int qp) const {
-        const H264SliceHeader& header = this->slice_->header;
-        return FindH264EdgeLimits(qp, header.filterOffsetA, header.filterOffsetB);
+    /// Calls `filter(edge, limits)` for the edges of a mask, of which the first is that to a neighbour.
+    template <class Filter>
+    void FilterEdges(std::uint32_t edges, const H264MacroblockRecord* neighbour, Filter filter) const {
+        if ((edges & 1) != 0) filter(0, LimitsBetween(*neighbour, *this->mb_));
+        if (edges <= 1) return;
+        const Limits inner = LimitsBetween(*this->mb_, *this->mb_);
+        for (unsigned i = 1; i < 4; ++i)
+            if ((edges >> i & 1) != 0) filter(i, inner);
     }
 
+    H264QpOfEdges qp_;
     std::uint32_t lumaDepth_ = 8;
     std::uint32_t chromaDepth_ = 8;
 };

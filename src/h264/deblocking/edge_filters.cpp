@@ -138,11 +138,11 @@ PIXMORPH_H264_DEFINE_CHROMA(plain::H264ChromaHorizontalStrongWords, std::uint16_
 PIXMORPH_SLOT(DispatchSlot<H264FilterLumaBytes>, H264LumaVerticalWeakBytes, plain::H264LumaVerticalWeakBytes,
               simd_sse41::H264LumaVerticalWeakBytes, nullptr, nullptr);
 PIXMORPH_SLOT(DispatchSlot<H264FilterLumaBytes>, H264LumaVerticalStrongBytes, plain::H264LumaVerticalStrongBytes,
-              simd_sse41::H264LumaVerticalStrongBytes, simd_avx2::H264LumaVerticalStrongBytes, nullptr);
+              simd_sse41::H264LumaVerticalStrongBytes, nullptr, nullptr);
 PIXMORPH_SLOT(DispatchSlot<H264FilterLumaBytes>, H264LumaHorizontalWeakBytes, plain::H264LumaHorizontalWeakBytes,
               simd_sse41::H264LumaHorizontalWeakBytes, nullptr, nullptr);
 PIXMORPH_SLOT(DispatchSlot<H264FilterLumaBytes>, H264LumaHorizontalStrongBytes, plain::H264LumaHorizontalStrongBytes,
-              simd_sse41::H264LumaHorizontalStrongBytes, simd_avx2::H264LumaHorizontalStrongBytes, nullptr);
+              simd_sse41::H264LumaHorizontalStrongBytes, nullptr, nullptr);
 PIXMORPH_SLOT(DispatchSlot<H264FilterChromaBytes>, H264ChromaVerticalWeakBytes, plain::H264ChromaVerticalWeakBytes,
               simd_sse41::H264ChromaVerticalWeakBytes, nullptr, nullptr);
 PIXMORPH_SLOT(DispatchSlot<H264FilterChromaBytes>, H264ChromaVerticalStrongBytes, plain::H264ChromaVerticalStrongBytes,
@@ -160,9 +160,9 @@ PIXMORPH_SLOT(DispatchSlot<H264FilterLumaWords>, H264LumaHorizontalWeakWords, pl
 PIXMORPH_SLOT(DispatchSlot<H264FilterLumaWords>, H264LumaHorizontalStrongWords, plain::H264LumaHorizontalStrongWords,
               simd_sse41::H264LumaHorizontalStrongWords, simd_avx2::H264LumaHorizontalStrongWords, nullptr);
 PIXMORPH_SLOT(DispatchSlot<H264FilterChromaWords>, H264ChromaVerticalWeakWords, plain::H264ChromaVerticalWeakWords,
-              simd_sse41::H264ChromaVerticalWeakWords, simd_avx2::H264ChromaVerticalWeakWords, nullptr);
+              simd_sse41::H264ChromaVerticalWeakWords, nullptr, nullptr);
 PIXMORPH_SLOT(DispatchSlot<H264FilterChromaWords>, H264ChromaVerticalStrongWords, plain::H264ChromaVerticalStrongWords,
-              simd_sse41::H264ChromaVerticalStrongWords, simd_avx2::H264ChromaVerticalStrongWords, nullptr);
+              simd_sse41::H264ChromaVerticalStrongWords, nullptr, nullptr);
 PIXMORPH_SLOT(DispatchSlot<H264FilterChromaWords>, H264ChromaHorizontalWeakWords, plain::H264ChromaHorizontalWeakWords,
               simd_sse41::H264ChromaHorizontalWeakWords, simd_avx2::H264ChromaHorizontalWeakWords, nullptr);
 PIXMORPH_SLOT(DispatchSlot<H264FilterChromaWords>, H264ChromaHorizontalStrongWords,

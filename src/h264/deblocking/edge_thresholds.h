@@ -43,9 +43,22 @@ struct H264EdgeLimits {
     }
 };
 
+/// Tables 8-16 and 8-17 by index.
+struct H264EdgeTables {
+    static constexpr int kIndices = 52;
+    static const std::uint8_t kAlpha[kIndices];
+    static const std::uint8_t kBeta[kIndices];
+    static const std::uint8_t kTc0[kIndices][5];  ///< And by strength; kH264NotFiltered for 0 and 4.
+};
+
 /// @param qp      mean of the two macroblocks' QP, of chroma that of the mapped ones: without the extension by bit depth
 /// @param offsetA FilterOffsetA
 /// @param offsetB FilterOffsetB
-H264EdgeLimits FindH264EdgeLimits(int qp, int offsetA, int offsetB);
+inline H264EdgeLimits FindH264EdgeLimits(int qp, int offsetA, int offsetB) {
+    constexpr int kLast = H264EdgeTables::kIndices - 1;
+    const auto clip = [](int index) { return index < 0 ? 0 : index > kLast ? kLast : index; };
+    const int indexA = clip(qp + offsetA);
+    return {H264EdgeTables::kAlpha[indexA], H264EdgeTables::kBeta[clip(qp + offsetB)], H264EdgeTables::kTc0[indexA]};
+}
 
 }  // namespace KorvaneSoftware

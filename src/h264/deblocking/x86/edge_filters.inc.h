@@ -1,4 +1,4 @@
-// Lanes of 16 bits, eight lines across an edge in each 128 bits. The including file says how eights are loaded.
+// Filters of words: eight lines across an edge in each 128 bits. The including file says how eights are loaded.
 #include "h264/deblocking/x86/edge_filter_forms.h"
 
 namespace KorvaneSoftware {
@@ -95,23 +95,7 @@ struct ChromaStrong {
     }
 };
 
-void Transpose8x8(Vec* v) {
-    Vec a[8], b[8];
-    for (int i = 0; i < 4; ++i) {
-        a[2 * i] = UnpackLow16(v[2 * i], v[2 * i + 1]);
-        a[2 * i + 1] = UnpackHigh16(v[2 * i], v[2 * i + 1]);
-    }
-    for (int i = 0; i < 2; ++i) {
-        b[4 * i] = UnpackLow32(a[4 * i], a[4 * i + 2]);
-        b[4 * i + 1] = UnpackHigh32(a[4 * i], a[4 * i + 2]);
-        b[4 * i + 2] = UnpackLow32(a[4 * i + 1], a[4 * i + 3]);
-        b[4 * i + 3] = UnpackHigh32(a[4 * i + 1], a[4 * i + 3]);
-    }
-    for (int i = 0; i < 4; ++i) {
-        v[2 * i] = UnpackLow64(b[i], b[i + 4]);
-        v[2 * i + 1] = UnpackHigh64(b[i], b[i + 4]);
-    }
-}
+#include "foundation/simd/transpose_words.inc.h"
 
 // Across a vertical edge of luma four samples on each side are loaded, of chroma two.
 struct Vertical {
@@ -134,7 +118,7 @@ struct Vertical {
             }
         } else {
             for (int i = 0; i < 8; ++i) v[i] = LoadEights(at, i * stride - 4);
-            Transpose8x8(v);
+            TransposeWords(v);
         }
         const Vec mask = FilteredLines(v, t);
         if (AllZero(mask)) return;
@@ -149,7 +133,7 @@ struct Vertical {
                 StoreFours(at, (4 * i + 2) * stride - 2, stride, UnpackHigh32(p[i], q[i]));
             }
         } else {
-            Transpose8x8(v);
+            TransposeWords(v);
             for (int i = 0; i < 8; ++i) StoreEights(at, i * stride - 4, v[i]);
         }
     }

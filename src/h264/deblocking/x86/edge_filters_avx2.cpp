@@ -13,29 +13,17 @@ Vec SetLanes32(const std::uint32_t* lanes) {
 }
 
 __m128i LoadEight(const std::uint16_t* p) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(p)); }
-__m128i LoadFour(const void* p) { return _mm_loadl_epi64(static_cast<const __m128i*>(p)); }
 void StoreFour(void* p, __m128i v) { _mm_storel_epi64(static_cast<__m128i*>(p), v); }
 
-Vec LoadEights(const std::uint8_t* const* at, std::ptrdiff_t offset) {
-    return {_mm256_cvtepu8_epi16(_mm_unpacklo_epi64(LoadFour(at[0] + offset), LoadFour(at[1] + offset)))};
-}
 Vec LoadEights(const std::uint16_t* const* at, std::ptrdiff_t offset) {
     return Join(LoadEight(at[0] + offset), LoadEight(at[1] + offset));
-}
-void StoreEights(std::uint8_t* const* at, std::ptrdiff_t offset, Vec v) {
-    const Vec bytes = Pack16To8u(v, v);
-    StoreFour(at[0] + offset, Low(bytes));
-    StoreFour(at[1] + offset, High(bytes));
 }
 void StoreEights(std::uint16_t* const* at, std::ptrdiff_t offset, Vec v) {
     _mm_storeu_si128(reinterpret_cast<__m128i*>(at[0] + offset), Low(v));
     _mm_storeu_si128(reinterpret_cast<__m128i*>(at[1] + offset), High(v));
 }
 
-Vec LoadFours(const std::uint16_t* const* at, std::ptrdiff_t offset) {
-    return Join(LoadFour(at[0] + offset), LoadFour(at[1] + offset));
-}
-// Two rows of four, and eight rows of two.
+// Two rows of four.
 void StoreFours(std::uint16_t* p, std::ptrdiff_t stride, __m128i v) {
     StoreFour(p, v);
     StoreFour(p + stride, _mm_unpackhi_epi64(v, v));
@@ -44,24 +32,6 @@ void StoreFours(std::uint16_t* const* at, std::ptrdiff_t offset, std::ptrdiff_t 
     StoreFours(at[0] + offset, stride, Low(v));
     StoreFours(at[1] + offset, stride, High(v));
 }
-template <int kLane>
-void StoreTwo(std::uint16_t* p, __m128i v) {
-    const int two = _mm_extract_epi32(v, kLane);
-    __builtin_memcpy(p, &two, sizeof two);
-}
-void StoreTwos(std::uint16_t* p, std::ptrdiff_t stride, __m128i v) {
-    StoreTwo<0>(p, v);
-    StoreTwo<1>(p + stride, v);
-    StoreTwo<2>(p + 2 * stride, v);
-    StoreTwo<3>(p + 3 * stride, v);
-}
-void StoreTwos(std::uint16_t* const* at, std::ptrdiff_t offset, std::ptrdiff_t stride, Vec upper, Vec lower) {
-    StoreTwos(at[0] + offset, stride, Low(upper));
-    StoreTwos(at[0] + offset + 4 * stride, stride, Low(lower));
-    StoreTwos(at[1] + offset, stride, High(upper));
-    StoreTwos(at[1] + offset + 4 * stride, stride, High(lower));
-}
-
 }  // namespace
 }  // namespace PIXMORPH_SIMD
 }  // namespace KorvaneSoftware
@@ -70,10 +40,6 @@ void StoreTwos(std::uint16_t* const* at, std::ptrdiff_t offset, std::ptrdiff_t s
 
 namespace KorvaneSoftware {
 
-PIXMORPH_H264_DEFINE_LUMA(PIXMORPH_SIMD::H264LumaVerticalStrongBytes, simd_sse41::H264LumaVerticalStrongBytes,
-                          std::uint8_t, LumaStrong, Vertical, 4)
-PIXMORPH_H264_DEFINE_LUMA(PIXMORPH_SIMD::H264LumaHorizontalStrongBytes, simd_sse41::H264LumaHorizontalStrongBytes,
-                          std::uint8_t, LumaStrong, Horizontal, 4)
 PIXMORPH_H264_DEFINE_LUMA(PIXMORPH_SIMD::H264LumaVerticalWeakWords, simd_sse41::H264LumaVerticalWeakWords,
                           std::uint16_t, LumaWeak, Vertical, 4)
 PIXMORPH_H264_DEFINE_LUMA(PIXMORPH_SIMD::H264LumaVerticalStrongWords, simd_sse41::H264LumaVerticalStrongWords,
@@ -82,10 +48,6 @@ PIXMORPH_H264_DEFINE_LUMA(PIXMORPH_SIMD::H264LumaHorizontalWeakWords, simd_sse41
                           std::uint16_t, LumaWeak, Horizontal, 4)
 PIXMORPH_H264_DEFINE_LUMA(PIXMORPH_SIMD::H264LumaHorizontalStrongWords, simd_sse41::H264LumaHorizontalStrongWords,
                           std::uint16_t, LumaStrong, Horizontal, 4)
-PIXMORPH_H264_DEFINE_CHROMA(PIXMORPH_SIMD::H264ChromaVerticalWeakWords, plain::H264ChromaVerticalWeakWords,
-                            std::uint16_t, ChromaWeak, Vertical)
-PIXMORPH_H264_DEFINE_CHROMA(PIXMORPH_SIMD::H264ChromaVerticalStrongWords, plain::H264ChromaVerticalStrongWords,
-                            std::uint16_t, ChromaStrong, Vertical)
 PIXMORPH_H264_DEFINE_CHROMA(PIXMORPH_SIMD::H264ChromaHorizontalWeakWords, plain::H264ChromaHorizontalWeakWords,
                             std::uint16_t, ChromaWeak, Horizontal)
 PIXMORPH_H264_DEFINE_CHROMA(PIXMORPH_SIMD::H264ChromaHorizontalStrongWords, plain::H264ChromaHorizontalStrongWords,

@@ -36,22 +36,68 @@ void MoveTogether(Vec p1, Vec& p0, Vec& q0, Vec q1, Vec tc) {
     q0 = AddSat8u(SubSat8u(q0, up), down);
 }
 
-// p2 to q2; what is left of tC0 in `t` is 0 where nothing is to change.
-void FilterLumaWeak(Vec* s, const Thresholds& t, Vec mask) {
-    const Vec p2 = s[0], p1 = s[1], q1 = s[4], q2 = s[5];
-    const Vec tc0 = And(t.tc0, mask);
-    const Vec flatP = AndNot(IsFar(AbsDiff8u(p2, s[2]), t.beta), mask);
-    const Vec flatQ = AndNot(IsFar(AbsDiff8u(q2, s[3]), t.beta), mask);
-    const Vec mean = Avg8(s[2], s[3]);
-    const auto second = [&](Vec third, Vec middle, Vec flat) {
-        const Vec most = And(tc0, flat);
-        return Min8u(Max8u(FloorAvg8(third, mean), SubSat8u(middle, most)), AddSat8u(middle, most));
-    };
-    s[1] = second(p2, p1, flatP);
-    s[4] = second(q2, q1, flatQ);
-    // Masks are -1 in each lane.
-    MoveTogether(p1, s[2], s[3], q1, Sub8(Sub8(tc0, flatP), flatQ));
-}
+// Of luma s[0] to s[7] are p3, p2, p1, p0, q0, q1, q2, q3.
+struct LumaWeak {
+    static constexpr int kReach = 3, kChanged = 2;
+    static void Run(Vec* s, const Thresholds& t, Vec mask) {
+        const Vec p2 = s[1], p1 = s[2], q1 = s[5], q2 = s[6];
+        // Where nothing is to change it is by no more than 0.
+        const Vec tc0 = And(t.tc0, mask);
+        const Vec flatP = AndNot(IsFar(AbsDiff8u(p2, s[3]), t.beta), mask);
+        const Vec flatQ = AndNot(IsFar(AbsDiff8u(q2, s[4]), t.beta), mask);
+        const Vec mean = Avg8(s[3], s[4]);
+        const auto second = [&](Vec third, Vec middle, Vec flat) {
+            const Vec most = And(tc0, flat);
+            return Min8u(Max8u(FloorAvg8(third, mean), SubSat8u(middle, most)), AddSat8u(middle, most));
+        };
+        s[2] = second(p2, p1, flatP);
+        s[5] = second(q2, q1, flatQ);
+        // Masks are -1 in each lane.
+        MoveTogether(p1, s[3], s[4], q1, Sub8(Sub8(tc0, flatP), flatQ));
+    }
+};
+
+// Two bytes' sum: its half, and the bit that is left.
+struct HalfSum {
+    Vec half, odd;
+    HalfSum(Vec a, Vec b) : half(FloorAvg8(a, b)), odd(And(Xor(a, b), Set8(1))) {}
+};
+// (a + b + c + d + 2) >> 2 of two sums. The bits left make one more only together.
+Vec RoundedQuarter(const HalfSum& a, const HalfSum& b) { return Avg8(a.half, Add8(b.half, And(a.odd, b.odd))); }
+
+struct LumaStrong {
+    static constexpr int kReach = 4, kChanged = 3;
+    static void Run(Vec* s, const Thresholds& t, Vec mask) {
+        const Vec smallAlpha = Add8(And(ShiftRight16u<2>(t.alpha), Set8(0x3F)), Set8(2));
+        const Vec small = AndNot(IsFar(AbsDiff8u(s[3], s[4]), smallAlpha), mask);
+        const Vec flatP = AndNot(IsFar(AbsDiff8u(s[1], s[3]), t.beta), small);
+        const Vec flatQ = AndNot(IsFar(AbsDiff8u(s[6], s[4]), t.beta), small);
+        Vec p[3] = {s[3], s[2], s[1]}, q[3] = {s[4], s[5], s[6]};
+        const HalfSum middle(s[3], s[4]);
+        Side(p, s[0], s[5], middle, mask, flatP);
+        Side(q, s[7], s[2], middle, mask, flatQ);
+        for (int i = 0; i < 3; ++i) {
+            s[3 - i] = p[i];
+            s[4 + i] = q[i];
+        }
+    }
+
+private:
+    // One side, from the edge on, its fourth sample, the second of the other side, and the two at the edge.
+    static void Side(Vec* v, Vec fourth, Vec other1, const HalfSum& middle, Vec mask, Vec flat) {
+        const HalfSum outer(v[1], v[2]);
+        // (v2 + 2 v1 + 2 v0 + 2 o0 + o1 + 4) >> 3: an odd half of v2 + o1 makes no difference.
+        const Vec edge = RoundedQuarter({FloorAvg8(v[2], other1), v[1]}, middle);
+        const Vec second = RoundedQuarter(outer, middle);
+        // (2 v3 + 3 v2 + v1 + v0 + o0 + 4) >> 3, with half of the last four.
+        const Vec lastHalf = Add8(middle.half, And(outer.odd, middle.odd));
+        const Vec third = RoundedQuarter({fourth, v[2]}, {outer.half, lastHalf});
+        const Vec soft = Avg8(v[1], FloorAvg8(v[0], other1));
+        v[0] = Blend8(Blend8(v[0], soft, mask), edge, flat);
+        v[1] = Blend8(v[1], second, flat);
+        v[2] = Blend8(v[2], third, flat);
+    }
+};
 
 // Of chroma: p1 to q1.
 struct ChromaWeak {
@@ -87,6 +133,14 @@ void StoreFourRows(std::uint8_t* p, std::ptrdiff_t stride, Vec rows) {
     StoreInt<2>(p + 2 * stride, rows);
     StoreInt<3>(p + 3 * stride, rows);
 }
+// Four rows of eight bytes, of their left halves and their right ones.
+void StoreEightRows(std::uint8_t* p, std::ptrdiff_t stride, Vec left, Vec right) {
+    const Vec upper = UnpackLow32(left, right), lower = UnpackHigh32(left, right);
+    StoreHalf(p, upper);
+    StoreHalf(p + stride, UnpackHigh64(upper, upper));
+    StoreHalf(p + 2 * stride, lower);
+    StoreHalf(p + 3 * stride, UnpackHigh64(lower, lower));
+}
 template <int kLane>
 void StoreShort(std::uint8_t* p, Vec v) {
     const short value = static_cast<short>(_mm_extract_epi16(v.v, kLane));
@@ -110,47 +164,75 @@ Thresholds SpreadChroma(const H264EdgeThresholds (&t)[2], int segment, int first
             Shuffle8(Set64(t[0].tc0 >> passed, t[1].tc0 >> passed), Load(segment == 4 ? kChromaFours : kChromaTwos))};
 }
 
-// Rows i, i + 8 of two registers' halves end up as neighbours; done four times, rows have become columns.
-template <int kRows>
-void LumaVerticalWeak(std::uint8_t* samples, std::ptrdiff_t stride, const Thresholds& t) {
-    Vec a[8], b[8];
-    for (int i = 0; i < 8; ++i) {
-        const std::uint8_t* const row = samples + i * stride - 4;
-        const Vec other = kRows == 16 ? LoadHalf(row + 8 * stride) : Zero();
-        a[i] = UnpackLow8(LoadHalf(row), other);
+// Eight upper and eight lower rows of eight bytes become eight columns, in `v`: rows i and i + 8 end up as neighbours,
+// and then again what is four, two and one apart.
+void ToColumns(Vec* v, const Vec* lower) {
+    Vec a[8];
+    for (int i = 0; i < 8; ++i) a[i] = UnpackLow8(v[i], lower[i]);
+    for (int i = 0; i < 4; ++i) {
+        v[2 * i] = UnpackLow8(a[i], a[i + 4]);
+        v[2 * i + 1] = UnpackHigh8(a[i], a[i + 4]);
     }
     for (int i = 0; i < 4; ++i) {
-        b[2 * i] = UnpackLow8(a[i], a[i + 4]);
-        b[2 * i + 1] = UnpackHigh8(a[i], a[i + 4]);
+        a[2 * i] = UnpackLow8(v[i], v[i + 4]);
+        a[2 * i + 1] = UnpackHigh8(v[i], v[i + 4]);
     }
-    // b[0], b[2], b[4], b[6] hold p3 to p0 of every fourth row, the others q0 to q3.
     for (int i = 0; i < 4; ++i) {
-        a[2 * i] = UnpackLow8(b[i], b[i + 4]);
-        a[2 * i + 1] = UnpackHigh8(b[i], b[i + 4]);
-    }
-    // a[0]: p3, p2 of even rows; a[1]: p1, p0; a[2]: q0, q1; a[3]: q2, q3; a[4] to a[7]: of odd rows.
-    Vec s[6] = {UnpackHigh8(a[0], a[4]), UnpackLow8(a[1], a[5]),  UnpackHigh8(a[1], a[5]),
-                UnpackLow8(a[2], a[6]),  UnpackHigh8(a[2], a[6]), UnpackLow8(a[3], a[7])};
-    const Vec mask = FilteredLines(s[1], s[2], s[3], s[4], t);
-    if (AllZero(mask)) return;
-    FilterLumaWeak(s, t, mask);
-    const Vec p[2] = {UnpackLow8(s[1], s[2]), UnpackHigh8(s[1], s[2])};
-    const Vec q[2] = {UnpackLow8(s[3], s[4]), UnpackHigh8(s[3], s[4])};
-    for (int i = 0; i < kRows / 8; ++i) {
-        StoreFourRows(samples + 8 * i * stride - 2, stride, UnpackLow16(p[i], q[i]));
-        StoreFourRows(samples + (8 * i + 4) * stride - 2, stride, UnpackHigh16(p[i], q[i]));
+        v[2 * i] = UnpackLow8(a[i], a[i + 4]);
+        v[2 * i + 1] = UnpackHigh8(a[i], a[i + 4]);
     }
 }
 
-void LumaHorizontalWeak(std::uint8_t* samples, std::ptrdiff_t stride, const Thresholds& t) {
-    Vec s[6];
-    for (int i = -2; i < 2; ++i) s[3 + i] = Load(samples + i * stride);
-    const Vec mask = FilteredLines(s[1], s[2], s[3], s[4], t);
+template <class Filter>
+void LumaVertical(std::uint8_t* samples, std::ptrdiff_t stride, const H264EdgeThresholds& thresholds, int segment) {
+    const Thresholds t = SpreadLuma(thresholds, segment);
+    const bool isWhole = segment == 4;
+    Vec s[8], lower[8];
+    for (int i = 0; i < 8; ++i) {
+        const std::uint8_t* const row = samples + i * stride - 4;
+        s[i] = LoadHalf(row);
+        lower[i] = isWhole ? LoadHalf(row + 8 * stride) : Zero();
+    }
+    ToColumns(s, lower);
+    const Vec mask = FilteredLines(s[2], s[3], s[4], s[5], t);
     if (AllZero(mask)) return;
-    s[0] = Load(samples - 3 * stride);
-    s[5] = Load(samples + 2 * stride);
-    FilterLumaWeak(s, t, mask);
-    for (int i = -2; i < 2; ++i) Store(samples + i * stride, s[3 + i]);
+    Filter::Run(s, t, mask);
+    const int halves = isWhole ? 2 : 1;
+    if constexpr (Filter::kChanged == 2) {
+        const Vec p[2] = {UnpackLow8(s[2], s[3]), UnpackHigh8(s[2], s[3])};
+        const Vec q[2] = {UnpackLow8(s[4], s[5]), UnpackHigh8(s[4], s[5])};
+        for (int i = 0; i < halves; ++i) {
+            StoreFourRows(samples + 8 * i * stride - 2, stride, UnpackLow16(p[i], q[i]));
+            StoreFourRows(samples + (8 * i + 4) * stride - 2, stride, UnpackHigh16(p[i], q[i]));
+        }
+    } else {
+        Vec pairs[8];  // Two columns of eight rows each: of rows 0 to 7, then of the others.
+        for (int i = 0; i < 4; ++i) {
+            pairs[i] = UnpackLow8(s[2 * i], s[2 * i + 1]);
+            pairs[4 + i] = UnpackHigh8(s[2 * i], s[2 * i + 1]);
+        }
+        for (int i = 0; i < halves; ++i) {
+            const Vec* const of = pairs + 4 * i;
+            std::uint8_t* const rows = samples + 8 * i * stride - 4;
+            StoreEightRows(rows, stride, UnpackLow16(of[0], of[1]), UnpackLow16(of[2], of[3]));
+            StoreEightRows(rows + 4 * stride, stride, UnpackHigh16(of[0], of[1]), UnpackHigh16(of[2], of[3]));
+        }
+    }
+}
+
+template <class Filter>
+void LumaHorizontal(std::uint8_t* samples, std::ptrdiff_t stride, const H264EdgeThresholds& thresholds) {
+    const Thresholds t = SpreadLuma(thresholds, 4);
+    Vec s[8];
+    for (int i = -2; i < 2; ++i) s[4 + i] = Load(samples + i * stride);
+    const Vec mask = FilteredLines(s[2], s[3], s[4], s[5], t);
+    if (AllZero(mask)) return;
+    for (int i = 2; i < Filter::kReach; ++i) {
+        s[3 - i] = Load(samples - (i + 1) * stride);
+        s[4 + i] = Load(samples + i * stride);
+    }
+    Filter::Run(s, t, mask);
+    for (int i = -Filter::kChanged; i < Filter::kChanged; ++i) Store(samples + i * stride, s[4 + i]);
 }
 
 template <class Filter>
@@ -210,19 +292,26 @@ void ChromaVertical(std::uint8_t* cb, std::uint8_t* cr, std::ptrdiff_t stride,
 
 void PIXMORPH_SIMD::H264LumaVerticalWeakBytes(std::uint8_t* samples, std::ptrdiff_t stride,
                                               const H264EdgeThresholds& thresholds, int segment, std::uint32_t) {
-    const Thresholds t = SpreadLuma(thresholds, segment);
-    if (segment == 4) {
-        LumaVerticalWeak<16>(samples, stride, t);
-    } else {
-        LumaVerticalWeak<8>(samples, stride, t);
-    }
+    LumaVertical<LumaWeak>(samples, stride, thresholds, segment);
+}
+
+void PIXMORPH_SIMD::H264LumaVerticalStrongBytes(std::uint8_t* samples, std::ptrdiff_t stride,
+                                                const H264EdgeThresholds& thresholds, int segment, std::uint32_t) {
+    LumaVertical<LumaStrong>(samples, stride, thresholds, segment);
 }
 
 void PIXMORPH_SIMD::H264LumaHorizontalWeakBytes(std::uint8_t* samples, std::ptrdiff_t stride,
                                                 const H264EdgeThresholds& thresholds, int segment,
                                                 std::uint32_t bitDepth) {
     if (segment != 4) return plain::H264LumaHorizontalWeakBytes(samples, stride, thresholds, segment, bitDepth);
-    LumaHorizontalWeak(samples, stride, SpreadLuma(thresholds, segment));
+    LumaHorizontal<LumaWeak>(samples, stride, thresholds);
+}
+
+void PIXMORPH_SIMD::H264LumaHorizontalStrongBytes(std::uint8_t* samples, std::ptrdiff_t stride,
+                                                  const H264EdgeThresholds& thresholds, int segment,
+                                                  std::uint32_t bitDepth) {
+    if (segment != 4) return plain::H264LumaHorizontalStrongBytes(samples, stride, thresholds, segment, bitDepth);
+    LumaHorizontal<LumaStrong>(samples, stride, thresholds);
 }
 
 void PIXMORPH_SIMD::H264ChromaVerticalWeakBytes(std::uint8_t* cb, std::uint8_t* cr, std::ptrdiff_t stride,

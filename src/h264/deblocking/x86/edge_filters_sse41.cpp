@@ -7,9 +7,7 @@ namespace {
 Vec Less16(Vec a, Vec b) { return {_mm_cmplt_epi16(a.v, b.v)}; }
 Vec SetLanes32(const std::uint32_t* lanes) { return Set32(static_cast<int>(lanes[0])); }
 
-Vec LoadEights(const std::uint8_t* const* at, std::ptrdiff_t offset) { return LoadWiden8(at[0] + offset); }
 Vec LoadEights(const std::uint16_t* const* at, std::ptrdiff_t offset) { return Load(at[0] + offset); }
-void StoreEights(std::uint8_t* const* at, std::ptrdiff_t offset, Vec v) { StoreNarrow16To8(at[0] + offset, v); }
 void StoreEights(std::uint16_t* const* at, std::ptrdiff_t offset, Vec v) { Store(at[0] + offset, v); }
 
 Vec LoadFours(const std::uint16_t* const* at, std::ptrdiff_t offset) { return LoadHalf(at[0] + offset); }
@@ -42,10 +40,6 @@ void StoreTwos(std::uint16_t* const* at, std::ptrdiff_t offset, std::ptrdiff_t s
 
 namespace KorvaneSoftware {
 
-PIXMORPH_H264_DEFINE_LUMA(PIXMORPH_SIMD::H264LumaVerticalStrongBytes, plain::H264LumaVerticalStrongBytes, std::uint8_t,
-                          LumaStrong, Vertical, 2)
-PIXMORPH_H264_DEFINE_LUMA(PIXMORPH_SIMD::H264LumaHorizontalStrongBytes, plain::H264LumaHorizontalStrongBytes,
-                          std::uint8_t, LumaStrong, Horizontal, 2)
 PIXMORPH_H264_DEFINE_LUMA(PIXMORPH_SIMD::H264LumaVerticalWeakWords, plain::H264LumaVerticalWeakWords, std::uint16_t,
                           LumaWeak, Vertical, 2)
 PIXMORPH_H264_DEFINE_LUMA(PIXMORPH_SIMD::H264LumaVerticalStrongWords, plain::H264LumaVerticalStrongWords, std::uint16_t,
