@@ -264,7 +264,7 @@ void SegmentEncoder::Pack(std::uint8_t* difBlocks) {
                 bits.Finish(amplitudes, 0, coded_);
                 continue;
             }
-            const unsigned b = static_cast<std::uint8_t>(layout_->place[i].block);
+            const auto b = static_cast<unsigned>(layout_->place[i].block);
             const BlockRecord& record = macroblock.blocks[b];
             const std::int16_t* const coded = CodedBlock(m, b);
             bits.Start((coded[0] + 8) >> 4, record.mode, record.quantiserClass);
