@@ -180,8 +180,8 @@ PictureBench::PictureBench(const char* group, const char* variant, std::uint32_t
 }
 
 PictureSlotBench::PictureSlotBench(
-    const km::DispatchSlot<void(const km::ImageDescriptor&, const km::ImageDescriptor&)>& slot, std::uint32_t dstFormat,
-    std::uint32_t srcFormat, std::uint32_t width, std::uint32_t height) {
+    const km::DispatchSlot<void(const km::ImageDescriptor&, const km::ConstImageDescriptor&)>& slot,
+    std::uint32_t dstFormat, std::uint32_t srcFormat, std::uint32_t width, std::uint32_t height) {
     ForEachRunnableRow(slot, [&](std::size_t row) {
         PictureBench(slot.Name(), VariantLabel(slot, row).c_str(), dstFormat, srcFormat, slot.Row(row).function, width,
                      height);

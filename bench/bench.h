@@ -70,7 +70,7 @@ struct PictureBench {
 
 /// Every form of a conversion slot that this processor can run.
 struct PictureSlotBench {
-    PictureSlotBench(const km::DispatchSlot<void(const km::ImageDescriptor&, const km::ImageDescriptor&)>& slot,
+    PictureSlotBench(const km::DispatchSlot<void(const km::ImageDescriptor&, const km::ConstImageDescriptor&)>& slot,
                      std::uint32_t dstFormat, std::uint32_t srcFormat, std::uint32_t width = kWidth,
                      std::uint32_t height = kHeight);
 };

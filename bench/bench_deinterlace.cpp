@@ -7,8 +7,8 @@
 #include "deinterlace/blend_lines.h"
 #include "deinterlace/deinterlace_filter_yadif.h"
 #include "deinterlace/field_restoration.h"
-#include "deinterlace/field_restorer.h"
 #include "deinterlace/line_filter.h"
+#include "deinterlace/restoration_lines.h"
 
 #ifdef PIXMORPH_HAVE_AVFILTER
 extern "C" {

@@ -61,11 +61,11 @@ void AddTitleSlot(const km::TitleSlot& slot, std::uint32_t dstFormat, std::uint3
 }
 
 // What callers get: the form and the stores that the library chooses.
-using Operation = km::Status(const km::ImageDescriptor*, const km::ImageDescriptor*, std::uint32_t) noexcept;
+using Operation = km::Status(const km::ImageDescriptor&, const km::ConstImageDescriptor&, std::uint32_t) noexcept;
 void AddOperation(const char* group, Operation* operation, std::uint32_t dstFormat, std::uint32_t srcFormat) {
     AddRow(group, "pixmorph", dstFormat, srcFormat,
            [operation, alpha = RegionAlphaOf(group)](const km::ImageDescriptor& dst, const km::ImageDescriptor& src) {
-               operation(&dst, &src, alpha);
+               operation(dst, src, alpha);
            });
 }
 

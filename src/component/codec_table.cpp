@@ -2,11 +2,9 @@
 
 #include "dv/dv_codecs.h"
 #include "h264/h264_decoder.h"
-#include "iframe/mmes_decoder.h"
-#include "iframe/mmes_encoder.h"
-#include "jpeg/kvmj_adapters.h"
-#include "tarvex/tarvex_decoder.h"
-#include "tarvex/tarvex_encoder.h"
+#include "iframe/iframe_codecs.h"
+#include "jpeg/kvmj_codecs.h"
+#include "tarvex/tarvex_codecs.h"
 
 namespace KorvaneSoftware {
 

@@ -1,6 +1,6 @@
 #include "component/deinterlace_maker.h"
 
-#include "deinterlace/field_restorer.h"
+#include "deinterlace/field_restoration.h"
 #include "foundation/debug_output.h"
 
 namespace KorvaneSoftware {

@@ -1,5 +1,6 @@
 #include "component/pixmorph.h"
 
+#include "component/pictures.h"
 #include "convert/conversion_dispatch.h"
 #include "convert/copy_image.h"
 #include "convert/gamma.h"
@@ -11,41 +12,18 @@ namespace {
 
 constexpr std::uint32_t kPublicY16 = PIXMORPH_Y16;
 
-// Descriptors hold one kind of pointer; the engine never writes to a source.
-std::uint8_t* Bytes(const void* p) { return const_cast<std::uint8_t*>(static_cast<const std::uint8_t*>(p)); }
-
-// Format, matrix and depth of a public number; format 0 when there is none.
-ImageDescriptor Picture(std::uint32_t publicId, std::uint32_t width, std::uint32_t height) {
-    ImageDescriptor picture;
-    SetPublicFormat(picture, publicId);
-    picture.width = width;
-    picture.height = height;
-    return picture;
-}
-
-void SetPlane(ImageDescriptor& picture, int plane, const void* base, std::int32_t stride) {
-    picture.planes[plane] = Bytes(base);
-    picture.strides[plane] = stride;
-}
-
 // The sides of the planar methods carry a format and a matrix, but no depth.
-ImageDescriptor PictureWithoutDepth(std::uint32_t publicId, std::uint32_t width, std::uint32_t height) {
-    ImageDescriptor picture = Picture(publicId, width, height);
-    picture.lumaExtraBits = picture.chromaExtraBits = 0;
-    return picture;
+FormatHead HeadWithoutDepth(std::uint32_t publicId, std::uint32_t width, std::uint32_t height) {
+    FormatHead head = PublicHeadOf(publicId, width, height);
+    head.lumaExtraBits = head.chromaExtraBits = 0;
+    return head;
 }
 
-ImageDescriptor Planar(std::uint32_t format, std::uint32_t width, std::uint32_t height) {
-    ImageDescriptor picture;
-    picture.format = format;
-    picture.width = width;
-    picture.height = height;
-    return picture;
-}
-
-// A missing plane stays missing: moved to the last line it would look like one.
-void FlipTopDown(ImageDescriptor& picture, std::uint32_t publicId) {
-    if (IsTopDownPublicId(publicId) && picture.planes[0] != nullptr) FlipFirstPlane(picture);
+// Three planes of their own.
+template <class Byte>
+TImageDescriptor<Byte> Planar(const FormatHead& head, Byte* y, Byte* u, Byte* v, std::int32_t strideY,
+                              std::int32_t strideU, std::int32_t strideV) {
+    return {head, {y, u, v}, {strideY, strideU, strideV}};
 }
 
 }  // namespace
@@ -67,17 +45,13 @@ HRESULT CPixmorph::Pixmorph(std::uint8_t* const* pDst, const std::int32_t* dstSt
     return ComponentCall([&] {
         const std::uint32_t dstId = PublicIdFromFourCC(dstFormat);
         const std::uint32_t srcId = PublicIdFromFourCC(srcFormat);
-        ImageDescriptor dst = Picture(dstId, width, height);
-        ImageDescriptor src = Picture(srcId, width, height);
         if (pDst == nullptr || dstStride == nullptr || pSrc == nullptr || srcStride == nullptr) return E_FAIL;
-        for (int plane = 0; plane < 4; ++plane) {
-            SetPlane(dst, plane, pDst[plane], dstStride[plane]);
-            SetPlane(src, plane, pSrc[plane], srcStride[plane]);
-        }
+        ImageDescriptor dst = PictureAt(PublicHeadOf(dstId, width, height), pDst, dstStride);
+        ConstImageDescriptor src = PictureAt(PublicHeadOf(srcId, width, height), pSrc, srcStride);
         FlipTopDown(dst, dstId);
         FlipTopDown(src, srcId);
         if (dst.format == FMT_NONE || src.format == FMT_NONE) return E_INVALIDARG;
-        return ResultOf(ImageConversionDispatch(&dst, &src));
+        return ResultOf(ImageConversionDispatch(dst, src));
     });
 }
 
@@ -108,14 +82,11 @@ HRESULT CPixmorph::ConvertYUVPlanarToImage(void* lpvDst, const void* lpvSrcY, co
                                            std::int32_t iStrideSrcY, std::int32_t iStrideSrcU, std::int32_t iStrideSrcV,
                                            std::uint32_t nFormat) {
     return ComponentCall([&] {
-        ImageDescriptor dst = PictureWithoutDepth(nFormat, nWidth, nHeight);
-        if (dst.format == FMT_NONE) return E_FAIL;
-        SetPlane(dst, 0, lpvDst, iStrideDst);
-        ImageDescriptor src = Planar(FMT_Y422, nWidth, nHeight);
-        SetPlane(src, 0, lpvSrcY, iStrideSrcY);
-        SetPlane(src, 1, lpvSrcU, iStrideSrcU);
-        SetPlane(src, 2, lpvSrcV, iStrideSrcV);
-        return ResultOf(ImageConversionDispatch(&dst, &src));
+        const FormatHead head = HeadWithoutDepth(nFormat, nWidth, nHeight);
+        if (head.format == FMT_NONE) return E_FAIL;
+        const ConstImageDescriptor src = Planar(HeadOf(FMT_Y422, nWidth, nHeight), Bytes(lpvSrcY), Bytes(lpvSrcU),
+                                                Bytes(lpvSrcV), iStrideSrcY, iStrideSrcU, iStrideSrcV);
+        return ResultOf(ImageConversionDispatch(PictureAt(head, Bytes(lpvDst), iStrideDst), src));
     });
 }
 
@@ -124,14 +95,11 @@ HRESULT CPixmorph::PixmorphToYUVPlanar(void* lpvDstY, void* lpvDstU, void* lpvDs
                                        std::int32_t iStrideDstU, std::int32_t iStrideDstV, std::int32_t iStrideSrc,
                                        std::uint32_t nFormat) {
     return ComponentCall([&] {
-        ImageDescriptor src = PictureWithoutDepth(nFormat, nWidth, nHeight);
-        if (src.format == FMT_NONE) return E_FAIL;
-        SetPlane(src, 0, lpvSrc, iStrideSrc);
-        ImageDescriptor dst = Planar(FMT_Y422, nWidth, nHeight);
-        SetPlane(dst, 0, lpvDstY, iStrideDstY);
-        SetPlane(dst, 1, lpvDstU, iStrideDstU);
-        SetPlane(dst, 2, lpvDstV, iStrideDstV);
-        return ResultOf(ImageConversionDispatch(&dst, &src));
+        const FormatHead head = HeadWithoutDepth(nFormat, nWidth, nHeight);
+        if (head.format == FMT_NONE) return E_FAIL;
+        const ImageDescriptor dst = Planar(HeadOf(FMT_Y422, nWidth, nHeight), Bytes(lpvDstY), Bytes(lpvDstU),
+                                           Bytes(lpvDstV), iStrideDstY, iStrideDstU, iStrideDstV);
+        return ResultOf(ImageConversionDispatch(dst, PictureAt(head, Bytes(lpvSrc), iStrideSrc)));
     });
 }
 
@@ -142,13 +110,11 @@ HRESULT CPixmorph::PixmorphGamma(void* lpvDst, const void* lpvSrc, std::uint32_t
         const std::uint32_t width = nWidth & ~15u;
         const std::uint32_t dstId = PublicIdFromFourCC(nFormatDst);
         const std::uint32_t srcId = PublicIdFromFourCC(nFormatSrc);
-        ImageDescriptor dst = Picture(dstId, width, nHeight);
-        ImageDescriptor src = Picture(srcId, width, nHeight);
-        SetPlane(dst, 0, lpvDst, iStrideDst);
-        SetPlane(src, 0, lpvSrc, iStrideSrc);
+        const ImageDescriptor dst = PictureAt(PublicHeadOf(dstId, width, nHeight), Bytes(lpvDst), iStrideDst);
+        const ConstImageDescriptor src = PictureAt(PublicHeadOf(srcId, width, nHeight), Bytes(lpvSrc), iStrideSrc);
         if (dstId == srcId) {
             // The outcome of the copy is not reported, not even that of an unknown format.
-            (void)CopyImage(&dst, &src);
+            (void)CopyImage(dst, src);
             return S_OK;
         }
         if (srcId != PIXMORPH_Y16A || dstId != PIXMORPH_BGRA) return E_INVALIDARG;
@@ -174,13 +140,10 @@ HRESULT CPixmorph::PixmorphToYUV420Planar(void* lpvDstY, void* lpvDstU, void* lp
     return ComponentCall([&] {
         const std::uint32_t srcId = PublicIdFromFourCC(nSrcFormat);
         if (srcId != kPublicY16) return E_INVALIDARG;
-        ImageDescriptor src = Picture(srcId, nWidth, nHeight);
-        SetPlane(src, 0, lpvSrc, iStrideSrc);
-        ImageDescriptor dst = Planar(FMT_I420, nWidth, nHeight);
-        SetPlane(dst, 0, lpvDstY, iStrideDstY);
-        SetPlane(dst, 1, lpvDstU, iStrideDstU);
-        SetPlane(dst, 2, lpvDstV, iStrideDstV);
-        return ResultOf(ImageConversionDispatch(&dst, &src));
+        const ImageDescriptor dst = Planar(HeadOf(FMT_I420, nWidth, nHeight), Bytes(lpvDstY), Bytes(lpvDstU),
+                                           Bytes(lpvDstV), iStrideDstY, iStrideDstU, iStrideDstV);
+        const FormatHead head = PublicHeadOf(srcId, nWidth, nHeight);
+        return ResultOf(ImageConversionDispatch(dst, PictureAt(head, Bytes(lpvSrc), iStrideSrc)));
     });
 }
 
@@ -192,23 +155,20 @@ HRESULT CPixmorph::PixmorphToYUV420Planar2(void* lpvDstY, void* lpvDstU, void* l
         const std::uint32_t srcId = PublicIdFromFourCC(nSrcFormat);
         if (srcId != kPublicY16) return E_INVALIDARG;
         const std::uint32_t fieldHeight = nHeight / 2;
-        ImageDescriptor src = Picture(srcId, nWidth, fieldHeight);
-        SetPlane(src, 0, lpvSrc1, iStrideSrc);
-        ImageDescriptor dst = Planar(FMT_I420, nWidth, fieldHeight);
-        SetPlane(dst, 0, lpvDstY, iStrideDstY);
-        SetPlane(dst, 1, lpvDstU, iStrideDstU);
-        SetPlane(dst, 2, lpvDstV, iStrideDstV);
+        ConstImageDescriptor src = PictureAt(PublicHeadOf(srcId, nWidth, fieldHeight), Bytes(lpvSrc1), iStrideSrc);
+        ImageDescriptor dst = Planar(HeadOf(FMT_I420, nWidth, fieldHeight), Bytes(lpvDstY), Bytes(lpvDstU),
+                                     Bytes(lpvDstV), iStrideDstY, iStrideDstU, iStrideDstV);
         const bool isEmpty = nWidth == 0 || fieldHeight == 0;
         // A plane that is missing cannot be moved to the second field, so none may be left to be derived.
         if (!isEmpty && (lpvSrc2 == nullptr || lpvDstY == nullptr || lpvDstU == nullptr || lpvDstV == nullptr))
             return E_FAIL;
         for (int plane = 0; plane < 3; ++plane) dst.strides[plane] *= 2;
-        if (const Status status = ImageConversionDispatch(&dst, &src); status != IMG_OK) return E_FAIL;
+        if (const Status status = ImageConversionDispatch(dst, src); status != IMG_OK) return E_FAIL;
         // Every plane moves by the luma stride, the chroma planes too: their callers keep them at that stride.
         for (int plane = 0; plane < 3; ++plane)
             if (dst.planes[plane] != nullptr) dst.planes[plane] += iStrideDstY;
-        SetPlane(src, 0, lpvSrc2, iStrideSrc);
-        return ResultOf(ImageConversionDispatch(&dst, &src));
+        src.planes[0] = Bytes(lpvSrc2);
+        return ResultOf(ImageConversionDispatch(dst, src));
     });
 }
 

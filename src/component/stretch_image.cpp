@@ -1,25 +1,12 @@
 #include "component/stretch_image.h"
 
+#include <algorithm>
+#include <iterator>
+
+#include "component/pictures.h"
 #include "convert/conversion_dispatch.h"
 
 namespace KorvaneSoftware {
-
-namespace {
-
-ImageDescriptor HeadOf(std::uint32_t publicId, std::uint32_t width, std::uint32_t height) {
-    ImageDescriptor picture;
-    SetPublicFormat(picture, publicId);
-    picture.width = width;
-    picture.height = height;
-    return picture;
-}
-
-// Engines take one descriptor type for both sides and never write through the source.
-std::uint8_t* Writable(const void* pixels) {
-    return const_cast<std::uint8_t*>(static_cast<const std::uint8_t*>(pixels));
-}
-
-}  // namespace
 
 HRESULT CStretchImage::FinalConstruct() {
     converter_.reset(CreateImageConverter());
@@ -32,11 +19,11 @@ HRESULT CStretchImage::StretchImage(void* lpvDst, const void* lpvSrc, std::uint3
                                     std::int32_t iStrideSrc, std::uint32_t nFormat) {
     return ComponentCall([&] {
         const std::uint32_t format = PublicIdFromFourCC(nFormat);
-        ImageDescriptor src = HeadOf(format, nWidthSrc, nHeightSrc);
-        ImageDescriptor dst = HeadOf(format, nWidthDst, nHeightDst);
-        if (ImageSetPlanes(&src, Writable(lpvSrc), iStrideSrc) != IMG_OK) return E_FAIL;
-        if (ImageSetPlanes(&dst, Writable(lpvDst), iStrideDst) != IMG_OK) return E_FAIL;
-        return ResultOf(converter_->Convert(&dst, &src));
+        ConstImageDescriptor src = {PublicHeadOf(format, nWidthSrc, nHeightSrc)};
+        ImageDescriptor dst = {PublicHeadOf(format, nWidthDst, nHeightDst)};
+        if (ImageSetPlanes(&src, Bytes(lpvSrc), iStrideSrc) != IMG_OK) return E_FAIL;
+        if (ImageSetPlanes(&dst, Bytes(lpvDst), iStrideDst) != IMG_OK) return E_FAIL;
+        return ResultOf(converter_->ConvertPicture(dst, src));
     });
 }
 
@@ -55,19 +42,14 @@ HRESULT CStretchImage::ResizePixmorph(std::uint8_t* const* pDst, const std::int3
         if (pDst == nullptr || dstStride == nullptr || pSrc == nullptr || srcStride == nullptr) return E_FAIL;
         const std::uint32_t dstId = PublicIdFromFourCC(dstFormat);
         const std::uint32_t srcId = PublicIdFromFourCC(srcFormat);
-        ImageDescriptor src = HeadOf(srcId, srcWidth, srcHeight);
-        ImageDescriptor dst = HeadOf(dstId, dstWidth, dstHeight);
-        for (int plane = 0; plane < 4; ++plane) {
-            src.planes[plane] = Writable(pSrc[plane]);
-            // The first source stride serves all planes; callers rely on the other three being ignored.
-            src.strides[plane] = srcStride[0];
-            dst.planes[plane] = pDst[plane];
-            dst.strides[plane] = dstStride[plane];
-        }
-        // A missing plane stays null: the converter refuses it.
-        if (IsTopDownPublicId(srcId) && src.planes[0] != nullptr) FlipFirstPlane(src);
-        if (IsTopDownPublicId(dstId) && dst.planes[0] != nullptr) FlipFirstPlane(dst);
-        return ResultOf(converter_->Convert(&dst, &src));
+        ConstImageDescriptor src = PictureAt(PublicHeadOf(srcId, srcWidth, srcHeight), pSrc, srcStride);
+        ImageDescriptor dst = PictureAt(PublicHeadOf(dstId, dstWidth, dstHeight), pDst, dstStride);
+        // The first source stride serves all planes; callers rely on the other three being ignored.
+        std::fill(std::begin(src.strides), std::end(src.strides), srcStride[0]);
+        FlipTopDown(src, srcId);
+        FlipTopDown(dst, dstId);
+        // An unknown destination format asks for nothing, and succeeds.
+        return dst.format == FMT_NONE ? S_OK : ResultOf(converter_->ConvertPicture(dst, src));
     });
 }
 

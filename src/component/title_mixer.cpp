@@ -1,5 +1,6 @@
 #include "component/title_mixer.h"
 
+#include "component/pictures.h"
 #include "foundation/block_ops.h"
 #include "foundation/image_descriptor.h"
 #include "titles/title_mixer.h"
@@ -9,28 +10,16 @@ namespace KorvaneSoftware {
 
 namespace {
 
-// Engines take sources by the same record as destinations and do not write to them.
-ImageDescriptor Picture(const std::uint8_t* base, std::uint32_t width, std::uint32_t height, std::int32_t stride) {
-    ImageDescriptor desc;
-    desc.width = width;
-    desc.height = height;
-    desc.planes[0] = const_cast<std::uint8_t*>(base);
-    desc.strides[0] = stride;
-    return desc;
-}
-
-ImageDescriptor Title(const std::uint8_t* base, std::uint32_t width, std::uint32_t height, std::int32_t stride) {
-    ImageDescriptor desc = Picture(base, width, height, stride);
-    desc.format = FMT_BGRA;
-    return desc;
+template <class Byte>
+TImageDescriptor<Byte> Title(Byte* base, std::uint32_t width, std::uint32_t height, std::int32_t stride) {
+    return PictureAt(HeadOf(FMT_BGRA, width, height), base, stride);
 }
 
 // The top-down numbers of the RGB formats give the plain ones here: rows are not turned.
-ImageDescriptor Image(const std::uint8_t* base, std::uint32_t width, std::uint32_t height, std::int32_t stride,
-                      std::uint32_t publicFormat) {
-    ImageDescriptor desc = Picture(base, width, height, stride);
-    SetPublicFormat(desc, publicFormat);
-    return desc;
+template <class Byte>
+TImageDescriptor<Byte> Image(Byte* base, std::uint32_t width, std::uint32_t height, std::int32_t stride,
+                             std::uint32_t publicFormat) {
+    return PictureAt(PublicHeadOf(publicFormat, width, height), base, stride);
 }
 
 // Groups of a title of any width: a last, incomplete group is read whole. The step between rows then takes off only the
@@ -64,8 +53,8 @@ HRESULT TTitleMixer<Interface>::MovTitle(std::uint8_t* lpbDestination, const std
                                          std::uint32_t nWidth, std::uint32_t nHeight, std::int32_t iStrideDst,
                                          std::int32_t iStrideSrc, std::uint32_t nRegionAlpha) {
     const ImageDescriptor dst = Title(lpbDestination, nWidth, nHeight, iStrideDst);
-    const ImageDescriptor src = Title(lpbSource, nWidth, nHeight, iStrideSrc);
-    return ResultOf(PutImageIntoTitle(&dst, &src, nRegionAlpha));
+    const ConstImageDescriptor src = Title(lpbSource, nWidth, nHeight, iStrideSrc);
+    return ResultOf(PutImageIntoTitle(dst, src, nRegionAlpha));
 }
 
 template <class Interface>
@@ -73,8 +62,8 @@ HRESULT TTitleMixer<Interface>::AddTitle(std::uint8_t* lpbDestination, const std
                                          std::uint32_t nWidth, std::uint32_t nHeight, std::int32_t iStrideDst,
                                          std::int32_t iStrideSrc, std::uint32_t nRegionAlpha) {
     const ImageDescriptor dst = Title(lpbDestination, nWidth, nHeight, iStrideDst);
-    const ImageDescriptor src = Title(lpbSource, nWidth, nHeight, iStrideSrc);
-    return ResultOf(AddImageBeneathTitle(&dst, &src, nRegionAlpha));
+    const ConstImageDescriptor src = Title(lpbSource, nWidth, nHeight, iStrideSrc);
+    return ResultOf(AddImageBeneathTitle(dst, src, nRegionAlpha));
 }
 
 template <class Interface>
@@ -109,8 +98,8 @@ HRESULT CTitleMixer3::PixmorphToTitle(std::uint8_t* pbDstTitle, const std::uint8
                                       std::int32_t srcImageStride, std::uint32_t regionAlpha,
                                       std::uint32_t imageFormat) {
     const ImageDescriptor dst = Title(pbDstTitle, imageWidth, imageHeight, dstTitleStride);
-    const ImageDescriptor src = Image(pbSrcImage, imageWidth, imageHeight, srcImageStride, imageFormat);
-    return ResultOf(PutImageIntoTitle(&dst, &src, regionAlpha));
+    const ConstImageDescriptor src = Image(pbSrcImage, imageWidth, imageHeight, srcImageStride, imageFormat);
+    return ResultOf(PutImageIntoTitle(dst, src, regionAlpha));
 }
 
 HRESULT CTitleMixer3::PixmorphToNPTitle(std::uint8_t* pbDstTitle, const std::uint8_t* pbSrcImage,
@@ -118,8 +107,8 @@ HRESULT CTitleMixer3::PixmorphToNPTitle(std::uint8_t* pbDstTitle, const std::uin
                                         std::int32_t dstTitleStride, std::int32_t srcImageStride,
                                         std::uint32_t regionAlpha, std::uint32_t imageFormat) {
     const ImageDescriptor dst = Title(pbDstTitle, imageWidth, imageHeight, dstTitleStride);
-    const ImageDescriptor src = Image(pbSrcImage, imageWidth, imageHeight, srcImageStride, imageFormat);
-    return ResultOf(PutImageIntoNPTitle(&dst, &src, regionAlpha));
+    const ConstImageDescriptor src = Image(pbSrcImage, imageWidth, imageHeight, srcImageStride, imageFormat);
+    return ResultOf(PutImageIntoNPTitle(dst, src, regionAlpha));
 }
 
 HRESULT CTitleMixer3::AddImageToTitle(std::uint8_t* pbDstTitle, const std::uint8_t* pbSrcImage,
@@ -127,8 +116,8 @@ HRESULT CTitleMixer3::AddImageToTitle(std::uint8_t* pbDstTitle, const std::uint8
                                       std::int32_t srcImageStride, std::uint32_t regionAlpha,
                                       std::uint32_t imageFormat) {
     const ImageDescriptor dst = Title(pbDstTitle, imageWidth, imageHeight, dstTitleStride);
-    const ImageDescriptor src = Image(pbSrcImage, imageWidth, imageHeight, srcImageStride, imageFormat);
-    return ResultOf(AddImageBeneathTitle(&dst, &src, regionAlpha));
+    const ConstImageDescriptor src = Image(pbSrcImage, imageWidth, imageHeight, srcImageStride, imageFormat);
+    return ResultOf(AddImageBeneathTitle(dst, src, regionAlpha));
 }
 
 // Never implemented, but part of the interface: callers rely on the method being there and on its answer.
@@ -142,8 +131,8 @@ HRESULT CTitleMixer3::ConvertTitleToImage(std::uint8_t* pbDstImage, const std::u
                                           std::int32_t dstImageStride, std::int32_t srcTitleStride,
                                           std::uint32_t imageFormat) {
     const ImageDescriptor dst = Image(pbDstImage, imageWidth, imageHeight, dstImageStride, imageFormat);
-    const ImageDescriptor src = Title(pbSrcTitle, imageWidth, imageHeight, srcTitleStride);
-    return ResultOf(TitleToStraightImage(&dst, &src));
+    const ConstImageDescriptor src = Title(pbSrcTitle, imageWidth, imageHeight, srcTitleStride);
+    return ResultOf(TitleToStraightImage(dst, src));
 }
 
 HRESULT CTitleMixer3::MoveImageToUYVYBuffer(std::uint8_t* pbDestination, const std::uint8_t* pbSource,
@@ -151,8 +140,8 @@ HRESULT CTitleMixer3::MoveImageToUYVYBuffer(std::uint8_t* pbDestination, const s
                                             std::int32_t strideSrc, std::uint32_t regionAlpha, std::uint32_t dstFormat,
                                             std::uint32_t srcFormat) {
     const ImageDescriptor dst = Image(pbDestination, width, height, strideDst, dstFormat);
-    const ImageDescriptor src = Image(pbSource, width, height, strideSrc, srcFormat);
-    return ResultOf(MoveImageOntoFrame(&dst, &src, regionAlpha));
+    const ConstImageDescriptor src = Image(pbSource, width, height, strideSrc, srcFormat);
+    return ResultOf(MoveImageOntoFrame(dst, src, regionAlpha));
 }
 
 HRESULT CTitleMixer3::AddImageToUYVYBuffer(std::uint8_t* pbDestination, const std::uint8_t* pbSource,
@@ -160,8 +149,8 @@ HRESULT CTitleMixer3::AddImageToUYVYBuffer(std::uint8_t* pbDestination, const st
                                            std::int32_t strideSrc, std::uint32_t regionAlpha, std::uint32_t dstFormat,
                                            std::uint32_t srcFormat) {
     const ImageDescriptor dst = Image(pbDestination, width, height, strideDst, dstFormat);
-    const ImageDescriptor src = Image(pbSource, width, height, strideSrc, srcFormat);
-    return ResultOf(AddImageOntoFrame(&dst, &src, regionAlpha));
+    const ConstImageDescriptor src = Image(pbSource, width, height, strideSrc, srcFormat);
+    return ResultOf(AddImageOntoFrame(dst, src, regionAlpha));
 }
 
 HRESULT CTitleMixer3::SetImageByte(std::uint8_t* pbImage, std::int32_t stride, std::uint32_t width,

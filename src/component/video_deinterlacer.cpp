@@ -2,26 +2,16 @@
 
 #include <new>
 
+#include "component/pictures.h"
 #include "deinterlace/deinterlace_filter_yadif.h"
 
 namespace KorvaneSoftware {
 
 namespace {
 
-// RGB pictures are taken as they lie, for the top-down numbers as well. Missing arrays leave every plane null.
-template <class Byte>
-ImageDescriptor PictureOf(Byte* const* planes, const std::int32_t* strides, std::uint32_t width, std::uint32_t height,
-                          std::uint32_t format) {
-    ImageDescriptor picture;
-    SetPublicFormat(picture, PublicIdFromFourCC(format));
-    picture.width = width;
-    picture.height = height;
-    if (planes == nullptr || strides == nullptr) return picture;
-    for (int i = 0; i < 4; ++i) {
-        picture.planes[i] = const_cast<std::uint8_t*>(planes[i]);  // Descriptors serve sources and destinations alike.
-        picture.strides[i] = strides[i];
-    }
-    return picture;
+// RGB pictures are taken as they lie, for the top-down numbers as well.
+FormatHead HeadOfFrame(std::uint32_t format, std::uint32_t width, std::uint32_t height) {
+    return PublicHeadOf(PublicIdFromFourCC(format), width, height);
 }
 
 }  // namespace
@@ -48,8 +38,8 @@ HRESULT CVideoDeinterlacer::SetSourceFrame(const std::uint8_t* const* pSrc, cons
         if (filter_ == nullptr) return E_NOTIMPL;
         if (imageStructure != FIELDS_TOP_FIRST && imageStructure != FIELDS_BOTTOM_FIRST) return E_INVALIDARG;
         if (pSrc == nullptr || srcStride == nullptr) return E_FAIL;
-        return ResultOf(
-            filter_->SetSourceFrame(PictureOf(pSrc, srcStride, srcWidth, srcHeight, imageFormat), imageStructure));
+        return ResultOf(filter_->SetSourceFrame(
+            PictureAt(HeadOfFrame(imageFormat, srcWidth, srcHeight), pSrc, srcStride), imageStructure));
     });
 }
 
@@ -57,8 +47,10 @@ HRESULT CVideoDeinterlacer::GetFrame(std::uint8_t* const* pDst, const std::int32
                                      std::uint32_t dstHeight, std::uint32_t imageFormat, std::uint32_t fieldIntact) {
     return ComponentCall([&]() -> HRESULT {
         if (filter_ == nullptr) return E_NOTIMPL;
-        const Status status =
-            filter_->GetFrame(PictureOf(pDst, dstStride, dstWidth, dstHeight, imageFormat), fieldIntact);
+        ImageDescriptor image = {HeadOfFrame(imageFormat, dstWidth, dstHeight)};
+        // Without the arrays every plane is null, which the filter refuses when there is a frame to give.
+        if (pDst != nullptr && dstStride != nullptr) image = PictureAt(image, pDst, dstStride);
+        const Status status = filter_->GetFrame(image, fieldIntact);
         return status == kFramePending ? E_PENDING : ResultOf(status);
     });
 }

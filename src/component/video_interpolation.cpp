@@ -1,22 +1,9 @@
 #include "component/video_interpolation.h"
 
+#include "component/pictures.h"
 #include "deinterlace/video_interpolator.h"
 
 namespace KorvaneSoftware {
-
-namespace {
-
-ImageDescriptor BytePlane(const std::uint8_t* pixels, std::int32_t stride, std::uint32_t width, std::uint32_t height) {
-    ImageDescriptor plane;
-    plane.format = FMT_Y400;
-    plane.width = width;
-    plane.height = height;
-    plane.planes[0] = const_cast<std::uint8_t*>(pixels);  // Descriptors serve sources and destinations alike.
-    plane.strides[0] = stride;
-    return plane;
-}
-
-}  // namespace
 
 // The two interpolations succeed whatever happens inside: callers never learn of a failure.
 HRESULT CVideoInterpolation::InterpolateTopField(std::uint8_t* pbDst, const std::uint8_t* pbSrc,
@@ -43,10 +30,10 @@ HRESULT CVideoInterpolation::InterpolateBottomField(std::uint8_t* pbDst, const s
 HRESULT CVideoInterpolation::CombineBuffersAlpha(std::uint8_t* pDst, const std::uint8_t* pSrcFwd,
                                                  const std::uint8_t* pSrcBck, std::int32_t stride, std::uint32_t width,
                                                  std::uint32_t height, std::uint32_t alphaFwd) {
-    const ImageDescriptor forward = BytePlane(pSrcFwd, stride, width, height);
+    const FormatHead head = HeadOf(FMT_Y400, width, height);
     const bool fillShows = alphaFwd == 255 && pDst == pSrcBck;
-    return ResultOf(CVideoInterpolator::CombineImages(BytePlane(pDst, stride, width, height), forward,
-                                                      fillShows ? forward : BytePlane(pSrcBck, stride, width, height),
+    return ResultOf(CVideoInterpolator::CombineImages(PictureAt(head, pDst, stride), PictureAt(head, pSrcFwd, stride),
+                                                      PictureAt(head, fillShows ? pSrcFwd : pSrcBck, stride),
                                                       alphaFwd));
 }
 

@@ -9,8 +9,8 @@ namespace {
 
 // The source as its row of the matrix wants it. Completion may fail, for want of a plane or of a row in the table of
 // formats: the descriptor then goes on as the caller gave it.
-ImageDescriptor RewrittenSource(const ImageDescriptor& src, const ConversionSource& row) {
-    ImageDescriptor rewritten = src;
+ConstImageDescriptor RewrittenSource(const ConstImageDescriptor& src, const ConversionSource& row) {
+    ConstImageDescriptor rewritten = src;
     if (row.rewrite == SourceRewrite::RelabelFirst) rewritten.format = row.as;
     (void)ImageCompletePlanes(&rewritten);
     rewritten.format = row.as;
@@ -30,10 +30,10 @@ ImageDescriptor RewrittenDestination(const ImageDescriptor& dst) {
     return rewritten;
 }
 
-bool IsKnownFormat(const ImageDescriptor& desc) { return FormatInfoOf(desc) != nullptr || desc.format == FMT_P016; }
+bool IsKnownFormat(const FormatHead& desc) { return FormatInfoOf(desc) != nullptr || desc.format == FMT_P016; }
 
 // The path of a pair, if there is one and the size suits it.
-Status FindPath(const ConversionSource& row, const ImageDescriptor& dst, const ImageDescriptor& src,
+Status FindPath(const ConversionSource& row, const FormatHead& dst, const FormatHead& src,
                 const ConversionPath** found) {
     if (dst.width != src.width || dst.height != src.height) return IMG_E_BAD_SIZE;
     for (const ConversionPath& path : row.paths) {
@@ -47,20 +47,18 @@ Status FindPath(const ConversionSource& row, const ImageDescriptor& dst, const I
 
 }  // namespace
 
-Status ImageConversionDispatch(const ImageDescriptor* dst, const ImageDescriptor* src) {
+Status ImageConversionDispatch(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     return Guarded([&] {
-        if (src == nullptr) return IMG_E_NULL_ARG;
-        const ConversionSource* const row = FindConversionSource(src->format);
+        const ConversionSource* const row = FindConversionSource(src.format);
         if (row == nullptr) return IMG_E_BAD_FORMAT;
         if (row->paths.empty()) return row->noPath;
-        if (dst == nullptr) return IMG_E_NULL_ARG;
         const ConversionPath* path = nullptr;
-        if (const Status status = FindPath(*row, *dst, *src, &path); status != IMG_OK) return status;
-        return path->step(RewrittenDestination(*dst), RewrittenSource(*src, *row));
+        if (const Status status = FindPath(*row, dst, src, &path); status != IMG_OK) return status;
+        return path->step(RewrittenDestination(dst), RewrittenSource(src, *row));
     });
 }
 
-Status CheckImageConversion(const ImageDescriptor& dst, const ImageDescriptor& src) {
+Status CheckImageConversion(const FormatHead& dst, const FormatHead& src) {
     const ConversionSource* const row = FindConversionSource(src.format);
     if (row == nullptr) return IMG_E_BAD_FORMAT;
     if (row->paths.empty()) return row->noPath;
@@ -75,15 +73,13 @@ bool HasConversion(std::uint32_t dstFormat, std::uint32_t srcFormat) {
         if (!Contains(path.destinations, dstFormat)) continue;
         // Copies go by the rows and lines of the source's format, which P016 has none of.
         const bool isCopy = path.step == static_cast<ConversionStep>(CopyPlanes);
-        return !isCopy || FormatInfoOf({{row->as}}) != nullptr;
+        return !isCopy || FormatInfoOf({row->as}) != nullptr;
     }
     return false;
 }
 
-Status ConvertToUYVY(const ImageDescriptor* dst, const ImageDescriptor* src) {
-    if (dst == nullptr || src == nullptr) return IMG_E_NULL_ARG;
-    if (dst->format != FMT_UYVY) return IMG_E_BAD_FORMAT;
-    return ImageConversionDispatch(dst, src);
+Status ConvertToUYVY(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
+    return dst.format == FMT_UYVY ? ImageConversionDispatch(dst, src) : IMG_E_BAD_FORMAT;
 }
 
 }  // namespace KorvaneSoftware

@@ -28,7 +28,7 @@ struct SizeRule {
 };
 
 /// Does the work of a path, between complete descriptors of a size that passed the rule and is not zero.
-using ConversionStep = Status (*)(const ImageDescriptor& dst, const ImageDescriptor& src);
+using ConversionStep = Status (*)(const ImageDescriptor& dst, const ConstImageDescriptor& src);
 
 /// A path to each of a set of destinations.
 struct ConversionPath {

@@ -7,18 +7,25 @@
 
 namespace KorvaneSoftware {
 
-bool HasPlanes(const ImageDescriptor& desc, std::uint32_t count) {
+template <class Byte>
+bool HasPlanes(const TImageDescriptor<Byte>& desc, std::uint32_t count) {
     return std::all_of(desc.planes, desc.planes + count, [](const std::uint8_t* plane) { return plane != nullptr; });
 }
 
-bool HasAllPlanes(const ImageDescriptor& desc) {
+template <class Byte>
+bool HasAllPlanes(const TImageDescriptor<Byte>& desc) {
     // P016 has no row in the table of formats.
     return HasPlanes(desc, desc.format == FMT_P016 ? 2 : ImagePlaneCount(&desc));
 }
 
-Status CopyLuma(const ImageDescriptor& dst, const ImageDescriptor& src) { return CopyPlane(dst, src, 0); }
+template bool HasPlanes(const ImageDescriptor&, std::uint32_t);
+template bool HasPlanes(const ConstImageDescriptor&, std::uint32_t);
+template bool HasAllPlanes(const ImageDescriptor&);
+template bool HasAllPlanes(const ConstImageDescriptor&);
 
-Status CopySecondPicture(const ImageDescriptor& dst, const ImageDescriptor& src) {
+Status CopyLuma(const ImageDescriptor& dst, const ConstImageDescriptor& src) { return CopyPlane(dst, src, 0); }
+
+Status CopySecondPicture(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     if (IsEmpty(src)) return IMG_OK;
     if (!HasPlanes(dst, 1) || !HasPlanes(src, 1)) return IMG_E_NULL_ARG;
     const auto rowBytes = static_cast<std::int64_t>(ImagePlaneRowBytes(&src, 0));

@@ -5,7 +5,7 @@
 
 namespace KorvaneSoftware {
 
-Status CopyPlane(const ImageDescriptor& dst, const ImageDescriptor& src, std::uint32_t plane) {
+Status CopyPlane(const ImageDescriptor& dst, const ConstImageDescriptor& src, std::uint32_t plane) {
     const std::uint64_t rowBytes = ImagePlaneRowBytes(&src, plane);
     const std::uint64_t rows = ImagePlaneHeight(&src, plane);
     if (rowBytes == 0 || rows == 0) return IMG_OK;
@@ -21,7 +21,7 @@ Status CopyPlane(const ImageDescriptor& dst, const ImageDescriptor& src, std::ui
     return IMG_OK;
 }
 
-Status CopyPlanes(const ImageDescriptor& dst, const ImageDescriptor& src) {
+Status CopyPlanes(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     const std::uint32_t planes = ImagePlaneCount(&src);
     if (planes == 0) return IMG_E_BAD_FORMAT;
     if (src.width == 0 || src.height == 0) return IMG_OK;
@@ -33,13 +33,12 @@ Status CopyPlanes(const ImageDescriptor& dst, const ImageDescriptor& src) {
     return IMG_OK;
 }
 
-Status CopyImage(const ImageDescriptor* dst, const ImageDescriptor* src) {
+Status CopyImage(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     return Guarded([&] {
-        if (dst == nullptr || src == nullptr) return IMG_E_NULL_ARG;
-        if (dst->width != src->width || dst->height != src->height) return IMG_E_BAD_SIZE;
-        if (dst->format != src->format) return IMG_E_BAD_FORMAT;
-        ImageDescriptor to = *dst;
-        ImageDescriptor from = *src;
+        if (dst.width != src.width || dst.height != src.height) return IMG_E_BAD_SIZE;
+        if (dst.format != src.format) return IMG_E_BAD_FORMAT;
+        ImageDescriptor to = dst;
+        ConstImageDescriptor from = src;
         if (const Status status = ImageCompletePlanes(&to); status != IMG_OK) return status;
         if (const Status status = ImageCompletePlanes(&from); status != IMG_OK) return status;
         return CopyPlanes(to, from);

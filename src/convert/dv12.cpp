@@ -21,7 +21,7 @@ DvChromaLines DvChromaLinesOf(std::int64_t y, std::int64_t height) {
 namespace {
 
 template <class Dst>
-void Dv12To422(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void Dv12To422(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     const std::int64_t height = src.height;
     for (std::int64_t y = 0; y < height; ++y) {
         const DvChromaLines lines = DvChromaLinesOf(y, height);
@@ -30,7 +30,7 @@ void Dv12To422(const ImageDescriptor& dst, const ImageDescriptor& src) {
         const std::uint8_t* const u1 = PlaneLine(src, 1, lines.u1);
         const std::uint8_t* const v0 = PlaneLine(src, 1, lines.v0);
         const std::uint8_t* const v1 = PlaneLine(src, 1, lines.v1);
-        const auto to = LineAt<WriteLine>(dst, y, y);
+        const auto to = LineAt(dst, y, y);
         for (std::size_t x = 0; x < src.width; ++x) Dst::Luma(to, x) = luma[x];
         for (std::size_t k = 0; k < src.width / 2; ++k) {
             Dst::Cb(to, k) = Mean(u0[2 * k], u1[2 * k]);
@@ -41,10 +41,16 @@ void Dv12To422(const ImageDescriptor& dst, const ImageDescriptor& src) {
 
 }  // namespace
 
-void plain::Dv12ToUyvy(const ImageDescriptor& dst, const ImageDescriptor& src) { Dv12To422<UyvySamples>(dst, src); }
-void plain::Dv12ToYuy2(const ImageDescriptor& dst, const ImageDescriptor& src) { Dv12To422<Yuy2Samples>(dst, src); }
-void plain::Dv12ToYvyu(const ImageDescriptor& dst, const ImageDescriptor& src) { Dv12To422<YvyuSamples>(dst, src); }
-void plain::Dv12ToY16(const ImageDescriptor& dst, const ImageDescriptor& src) { Dv12To422<Y16Samples>(dst, src); }
+void plain::Dv12ToUyvy(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
+    Dv12To422<UyvySamples>(dst, src);
+}
+void plain::Dv12ToYuy2(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
+    Dv12To422<Yuy2Samples>(dst, src);
+}
+void plain::Dv12ToYvyu(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
+    Dv12To422<YvyuSamples>(dst, src);
+}
+void plain::Dv12ToY16(const ImageDescriptor& dst, const ConstImageDescriptor& src) { Dv12To422<Y16Samples>(dst, src); }
 
 PIXMORPH_SLOT(ConvertSlot, Dv12ToUyvy, plain::Dv12ToUyvy, simd_sse41::Dv12ToUyvy, simd_avx2::Dv12ToUyvy,
               simd_avx512::Dv12ToUyvy);

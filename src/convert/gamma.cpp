@@ -42,7 +42,7 @@ std::uint8_t TruncatedToByte(double value) {
 std::uint8_t RoundedAndLimited(double value) {
     if (value <= 0.0) return 0;
     if (value >= 255.0) return 255;
-    return static_cast<std::uint8_t>(value + 0.5);
+    return static_cast<std::uint8_t>(std::floor(value + 0.5));
 }
 
 }  // namespace
@@ -54,11 +54,11 @@ void SetGammaExponent(double exponent) {
 
 std::uint8_t GammaValue(std::uint8_t index) { return Table().Get(index); }
 
-Status ConvertWithGamma(const ImageDescriptor& dst, const ImageDescriptor& src) {
+Status ConvertWithGamma(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     if (src.width == 0 || src.height == 0) return IMG_OK;
     if (dst.planes[0] == nullptr || src.planes[0] == nullptr) return IMG_E_NULL_ARG;
     for (std::int64_t row = 0; row < src.height; ++row) {
-        const auto from = LineAt<ReadLine>(src, row, row);
+        const auto from = LineAt(src, row, row);
         std::uint8_t* to = BottomUpLine(dst, row);
         for (std::size_t x = 0; x < src.width; ++x, to += 4) {
             const double y = 1.164 * (Y16ASamples::Luma(from, x) - 16);

@@ -19,6 +19,6 @@ std::uint8_t GammaValue(std::uint8_t index);
 /// Y16A to BGRA by the rounded BT.601 numbers in double precision, each chroma pair serving both its pixels; the table
 /// is applied to blue, green and red, alpha is copied. Widths are multiples of 16.
 /// @return IMG_E_NULL_ARG when a plane is missing.
-Status ConvertWithGamma(const ImageDescriptor& dst, const ImageDescriptor& src);
+Status ConvertWithGamma(const ImageDescriptor& dst, const ConstImageDescriptor& src);
 
 }  // namespace KorvaneSoftware

@@ -10,7 +10,7 @@
 
 namespace KorvaneSoftware {
 
-using ConvertSignature = void(const ImageDescriptor& dst, const ImageDescriptor& src);
+using ConvertSignature = void(const ImageDescriptor& dst, const ConstImageDescriptor& src);
 using ConvertSlot = DispatchSlot<ConvertSignature>;
 
 }  // namespace KorvaneSoftware

@@ -11,10 +11,10 @@ namespace {
 constexpr std::uint8_t kNeutralChroma = 128;
 
 template <class Dst>
-void Y400ToPacked(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void Y400ToPacked(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     for (std::int64_t y = 0; y < src.height; ++y) {
         const std::uint8_t* const from = PlaneLine(src, 0, y);
-        const auto to = LineAt<WriteLine>(dst, y, y);
+        const auto to = LineAt(dst, y, y);
         for (std::size_t x = 0; x < src.width; ++x) Dst::Luma(to, x) = from[x];
         for (std::size_t k = 0; k < src.width / 2; ++k) Dst::Cb(to, k) = Dst::Cr(to, k) = kNeutralChroma;
     }
@@ -24,13 +24,17 @@ void Y400ToPacked(const ImageDescriptor& dst, const ImageDescriptor& src) {
 
 PIXMORPH_FORMS(ConvertSignature, Y400ToUyvy, Y400ToYuy2)
 
-void plain::Y400ToUyvy(const ImageDescriptor& dst, const ImageDescriptor& src) { Y400ToPacked<UyvySamples>(dst, src); }
-void plain::Y400ToYuy2(const ImageDescriptor& dst, const ImageDescriptor& src) { Y400ToPacked<Yuy2Samples>(dst, src); }
+void plain::Y400ToUyvy(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
+    Y400ToPacked<UyvySamples>(dst, src);
+}
+void plain::Y400ToYuy2(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
+    Y400ToPacked<Yuy2Samples>(dst, src);
+}
 
 PIXMORPH_SLOT(ConvertSlot, Y400ToUyvy, plain::Y400ToUyvy, nullptr, nullptr, nullptr);
 PIXMORPH_SLOT(ConvertSlot, Y400ToYuy2, plain::Y400ToYuy2, nullptr, nullptr, nullptr);
 
-Status CopyLumaFillChroma(const ImageDescriptor& dst, const ImageDescriptor& src) {
+Status CopyLumaFillChroma(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     if (const Status status = CopyPlane(dst, src, 0); status != IMG_OK) return status;
     for (std::uint32_t plane = 1; plane < ImagePlaneCount(&dst); ++plane) {
         const std::uint64_t rowBytes = ImagePlaneRowBytes(&dst, plane);

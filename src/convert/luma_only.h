@@ -10,6 +10,6 @@ extern ConvertSlot Y400ToUyvy, Y400ToYuy2;
 
 /// Luma copied into a picture with a luma plane of its own, its further planes (as the destination's format has them)
 /// filled with 128.
-Status CopyLumaFillChroma(const ImageDescriptor& dst, const ImageDescriptor& src);
+Status CopyLumaFillChroma(const ImageDescriptor& dst, const ConstImageDescriptor& src);
 
 }  // namespace KorvaneSoftware

@@ -43,11 +43,11 @@ void CopyLuma(const WriteLine& dst, const ReadLine& src, std::size_t pairs) {
 }
 
 template <class Dst, class Src>
-void Reorder422To422(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void Reorder422To422(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     const std::size_t pairs = src.width / 2;
     for (std::int64_t row = 0; row < src.height; ++row) {
-        const auto from = LineAt<ReadLine>(src, row, row);
-        const auto to = LineAt<WriteLine>(dst, row, row);
+        const auto from = LineAt(src, row, row);
+        const auto to = LineAt(dst, row, row);
         for (std::size_t pair = 0; pair < pairs; ++pair) {
             // All four samples are read before one is written: packed formats may be converted in place.
             const std::uint8_t first = Src::Luma(from, 2 * pair);
@@ -61,14 +61,14 @@ void Reorder422To422(const ImageDescriptor& dst, const ImageDescriptor& src) {
 
 /// Each chroma line is the rounded mean of the two that it stands for.
 template <class Dst, class Src>
-void Reorder422To420(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void Reorder422To420(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     const std::size_t pairs = src.width / 2;
     for (std::int64_t chromaRow = 0; chromaRow < src.height / 2; ++chromaRow) {
         const std::int64_t row = 2 * chromaRow;
-        const auto from0 = LineAt<ReadLine>(src, row, row);
-        const auto from1 = LineAt<ReadLine>(src, row + 1, row + 1);
-        const auto to0 = LineAt<WriteLine>(dst, row, chromaRow);
-        const auto to1 = LineAt<WriteLine>(dst, row + 1, chromaRow);
+        const auto from0 = LineAt(src, row, row);
+        const auto from1 = LineAt(src, row + 1, row + 1);
+        const auto to0 = LineAt(dst, row, chromaRow);
+        const auto to1 = LineAt(dst, row + 1, chromaRow);
         CopyLuma<Dst, Src>(to0, from0, pairs);
         CopyLuma<Dst, Src>(to1, from1, pairs);
         for (std::size_t pair = 0; pair < pairs; ++pair)
@@ -79,16 +79,16 @@ void Reorder422To420(const ImageDescriptor& dst, const ImageDescriptor& src) {
 /// Even lines take the chroma line as it is, odd lines its rounded mean with the next one. The last two lines have no
 /// next one and both take the last as it is.
 template <class Dst, class Src>
-void Reorder420To422(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void Reorder420To422(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     const std::size_t pairs = src.width / 2;
     const std::int64_t chromaRows = src.height / 2;
     for (std::int64_t chromaRow = 0; chromaRow < chromaRows; ++chromaRow) {
         const std::int64_t row = 2 * chromaRow;
         const std::int64_t nextRow = chromaRow + 1 < chromaRows ? chromaRow + 1 : chromaRow;
-        const auto from0 = LineAt<ReadLine>(src, row, chromaRow);
-        const auto from1 = LineAt<ReadLine>(src, row + 1, nextRow);
-        const auto to0 = LineAt<WriteLine>(dst, row, row);
-        const auto to1 = LineAt<WriteLine>(dst, row + 1, row + 1);
+        const auto from0 = LineAt(src, row, chromaRow);
+        const auto from1 = LineAt(src, row + 1, nextRow);
+        const auto to0 = LineAt(dst, row, row);
+        const auto to1 = LineAt(dst, row + 1, row + 1);
         CopyLuma<Dst, Src>(to0, from0, pairs);
         CopyLuma<Dst, Src>(to1, from1, pairs);
         for (std::size_t pair = 0; pair < pairs; ++pair) {
@@ -100,11 +100,11 @@ void Reorder420To422(const ImageDescriptor& dst, const ImageDescriptor& src) {
 }
 
 template <class Dst, class Src>
-void Reorder420To420(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void Reorder420To420(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     const std::size_t pairs = src.width / 2;
     for (std::int64_t row = 0; row < src.height; ++row) {
-        const auto from = LineAt<ReadLine>(src, row, row / 2);
-        const auto to = LineAt<WriteLine>(dst, row, row / 2);
+        const auto from = LineAt(src, row, row / 2);
+        const auto to = LineAt(dst, row, row / 2);
         CopyLuma<Dst, Src>(to, from, pairs);
         if (row % 2 != 0) continue;
         for (std::size_t pair = 0; pair < pairs; ++pair) WriteChroma<Dst>(to, pair, ReadChroma<Src>(from, pair));
@@ -113,148 +113,148 @@ void Reorder420To420(const ImageDescriptor& dst, const ImageDescriptor& src) {
 
 }  // namespace
 
-void plain::UyvyToYuy2(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::UyvyToYuy2(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Reorder422To422<Yuy2Samples, UyvySamples>(dst, src);
 }
-void plain::UyvyToYvyu(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::UyvyToYvyu(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Reorder422To422<YvyuSamples, UyvySamples>(dst, src);
 }
-void plain::Yuy2ToUyvy(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::Yuy2ToUyvy(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Reorder422To422<UyvySamples, Yuy2Samples>(dst, src);
 }
-void plain::Yuy2ToYvyu(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::Yuy2ToYvyu(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Reorder422To422<YvyuSamples, Yuy2Samples>(dst, src);
 }
-void plain::YvyuToUyvy(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::YvyuToUyvy(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Reorder422To422<UyvySamples, YvyuSamples>(dst, src);
 }
-void plain::YvyuToYuy2(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::YvyuToYuy2(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Reorder422To422<Yuy2Samples, YvyuSamples>(dst, src);
 }
-void plain::UyvyToY16(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::UyvyToY16(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Reorder422To422<Y16Samples, UyvySamples>(dst, src);
 }
-void plain::Yuy2ToY16(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::Yuy2ToY16(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Reorder422To422<Y16Samples, Yuy2Samples>(dst, src);
 }
-void plain::YvyuToY16(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::YvyuToY16(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Reorder422To422<Y16Samples, YvyuSamples>(dst, src);
 }
-void plain::UyvyToY16A(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::UyvyToY16A(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Reorder422To422<Y16ASamples, UyvySamples>(dst, src);
 }
-void plain::Yuy2ToY16A(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::Yuy2ToY16A(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Reorder422To422<Y16ASamples, Yuy2Samples>(dst, src);
 }
-void plain::YvyuToY16A(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::YvyuToY16A(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Reorder422To422<Y16ASamples, YvyuSamples>(dst, src);
 }
-void plain::UyvyToY422(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::UyvyToY422(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Reorder422To422<PlanarSamples, UyvySamples>(dst, src);
 }
-void plain::Yuy2ToY422(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::Yuy2ToY422(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Reorder422To422<PlanarSamples, Yuy2Samples>(dst, src);
 }
-void plain::Y16ToUyvy(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::Y16ToUyvy(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Reorder422To422<UyvySamples, Y16Samples>(dst, src);
 }
-void plain::Y16ToYuy2(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::Y16ToYuy2(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Reorder422To422<Yuy2Samples, Y16Samples>(dst, src);
 }
-void plain::Y16ToYvyu(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::Y16ToYvyu(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Reorder422To422<YvyuSamples, Y16Samples>(dst, src);
 }
-void plain::Y16ToY16A(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::Y16ToY16A(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Reorder422To422<Y16ASamples, Y16Samples>(dst, src);
 }
-void plain::Y16ToY422(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::Y16ToY422(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Reorder422To422<PlanarSamples, Y16Samples>(dst, src);
 }
-void plain::Y16AToUyvy(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::Y16AToUyvy(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Reorder422To422<UyvySamples, Y16ASamples>(dst, src);
 }
-void plain::Y16AToYuy2(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::Y16AToYuy2(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Reorder422To422<Yuy2Samples, Y16ASamples>(dst, src);
 }
-void plain::Y16AToYvyu(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::Y16AToYvyu(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Reorder422To422<YvyuSamples, Y16ASamples>(dst, src);
 }
-void plain::Y16AToY16(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::Y16AToY16(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Reorder422To422<Y16Samples, Y16ASamples>(dst, src);
 }
-void plain::Y16AToY422(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::Y16AToY422(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Reorder422To422<PlanarSamples, Y16ASamples>(dst, src);
 }
-void plain::Y422ToUyvy(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::Y422ToUyvy(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Reorder422To422<UyvySamples, PlanarSamples>(dst, src);
 }
-void plain::Y422ToYuy2(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::Y422ToYuy2(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Reorder422To422<Yuy2Samples, PlanarSamples>(dst, src);
 }
-void plain::Y422ToY16(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::Y422ToY16(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Reorder422To422<Y16Samples, PlanarSamples>(dst, src);
 }
-void plain::Y422ToY16A(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::Y422ToY16A(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Reorder422To422<Y16ASamples, PlanarSamples>(dst, src);
 }
 
-void plain::UyvyToI420(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::UyvyToI420(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Reorder422To420<PlanarSamples, UyvySamples>(dst, src);
 }
-void plain::Yuy2ToI420(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::Yuy2ToI420(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Reorder422To420<PlanarSamples, Yuy2Samples>(dst, src);
 }
-void plain::UyvyToNv12(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::UyvyToNv12(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Reorder422To420<SemiPlanarSamples, UyvySamples>(dst, src);
 }
-void plain::Yuy2ToNv12(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::Yuy2ToNv12(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Reorder422To420<SemiPlanarSamples, Yuy2Samples>(dst, src);
 }
-void plain::YvyuToNv12(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::YvyuToNv12(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Reorder422To420<SemiPlanarSamples, YvyuSamples>(dst, src);
 }
-void plain::Y16ToI420(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::Y16ToI420(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Reorder422To420<PlanarSamples, Y16Samples>(dst, src);
 }
-void plain::Y16AToI420(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::Y16AToI420(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Reorder422To420<PlanarSamples, Y16ASamples>(dst, src);
 }
-void plain::Y422ToI420(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::Y422ToI420(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Reorder422To420<PlanarSamples, PlanarSamples>(dst, src);
 }
 
-void plain::I420ToUyvy(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::I420ToUyvy(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Reorder420To422<UyvySamples, PlanarSamples>(dst, src);
 }
-void plain::I420ToYuy2(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::I420ToYuy2(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Reorder420To422<Yuy2Samples, PlanarSamples>(dst, src);
 }
-void plain::I420ToY16(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::I420ToY16(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Reorder420To422<Y16Samples, PlanarSamples>(dst, src);
 }
-void plain::I420ToY16A(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::I420ToY16A(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Reorder420To422<Y16ASamples, PlanarSamples>(dst, src);
 }
-void plain::I420ToY422(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::I420ToY422(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Reorder420To422<PlanarSamples, PlanarSamples>(dst, src);
 }
-void plain::Nv12ToUyvy(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::Nv12ToUyvy(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Reorder420To422<UyvySamples, SemiPlanarSamples>(dst, src);
 }
-void plain::Nv12ToYuy2(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::Nv12ToYuy2(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Reorder420To422<Yuy2Samples, SemiPlanarSamples>(dst, src);
 }
-void plain::Nv12ToYvyu(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::Nv12ToYvyu(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Reorder420To422<YvyuSamples, SemiPlanarSamples>(dst, src);
 }
-void plain::Nv12ToY16(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::Nv12ToY16(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Reorder420To422<Y16Samples, SemiPlanarSamples>(dst, src);
 }
 
-void plain::I420ToNv12(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::I420ToNv12(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Reorder420To420<SemiPlanarSamples, PlanarSamples>(dst, src);
 }
-void plain::Nv12ToI420(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::Nv12ToI420(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Reorder420To420<PlanarSamples, SemiPlanarSamples>(dst, src);
 }
 

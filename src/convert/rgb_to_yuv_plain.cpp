@@ -42,11 +42,11 @@ void ConvertLuma(const WriteLine& out, const Pixels& in, std::size_t width, cons
 
 /// 4:2:2: a chroma pair from the mean of two pixels.
 template <class Pixels, class Samples>
-void ConvertTo422(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void ConvertTo422(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     const RgbToYuvRow& matrix = RgbToYuvOf(dst.colorMatrix);
     for (std::int64_t row = 0; row < src.height; ++row) {
         const Pixels in{BottomUpLine(src, row)};
-        const auto out = LineAt<WriteLine>(dst, row, row);
+        const auto out = LineAt(dst, row, row);
         ConvertLuma<Samples>(out, in, src.width, matrix);
         for (std::size_t pair = 0; pair < src.width / 2; ++pair) {
             const std::size_t x = 2 * pair;
@@ -60,14 +60,14 @@ void ConvertTo422(const ImageDescriptor& dst, const ImageDescriptor& src) {
 
 /// 4:2:0: a chroma pair from the mean of two pixels on two lines.
 template <class Pixels, class Samples>
-void ConvertTo420(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void ConvertTo420(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     const RgbToYuvRow& matrix = RgbToYuvOf(dst.colorMatrix);
     for (std::int64_t chromaRow = 0; chromaRow < src.height / 2; ++chromaRow) {
         const Pixels upper{BottomUpLine(src, 2 * chromaRow)};
         const Pixels lower{BottomUpLine(src, 2 * chromaRow + 1)};
-        const auto out = LineAt<WriteLine>(dst, 2 * chromaRow, chromaRow);
+        const auto out = LineAt(dst, 2 * chromaRow, chromaRow);
         ConvertLuma<Samples>(out, upper, src.width, matrix);
-        ConvertLuma<Samples>(LineAt<WriteLine>(dst, 2 * chromaRow + 1, chromaRow), lower, src.width, matrix);
+        ConvertLuma<Samples>(LineAt(dst, 2 * chromaRow + 1, chromaRow), lower, src.width, matrix);
         for (std::size_t pair = 0; pair < src.width / 2; ++pair) {
             const std::size_t x = 2 * pair;
             const Chroma chroma = RgbToChroma(matrix, (upper.B(x) + upper.B(x + 1) + lower.B(x) + lower.B(x + 1)) << 6,
@@ -81,58 +81,58 @@ void ConvertTo420(const ImageDescriptor& dst, const ImageDescriptor& src) {
 
 }  // namespace
 
-void plain::BgrToUyvy(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::BgrToUyvy(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     ConvertTo422<BgrLine, UyvySamples>(dst, src);
 }
-void plain::BgraToUyvy(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::BgraToUyvy(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     ConvertTo422<BgraLine, UyvySamples>(dst, src);
 }
-void plain::BgrToYuy2(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::BgrToYuy2(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     ConvertTo422<BgrLine, Yuy2Samples>(dst, src);
 }
-void plain::BgraToYuy2(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::BgraToYuy2(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     ConvertTo422<BgraLine, Yuy2Samples>(dst, src);
 }
-void plain::BgrToYvyu(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::BgrToYvyu(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     ConvertTo422<BgrLine, YvyuSamples>(dst, src);
 }
-void plain::BgraToYvyu(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::BgraToYvyu(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     ConvertTo422<BgraLine, YvyuSamples>(dst, src);
 }
-void plain::BgrToY16(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::BgrToY16(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     ConvertTo422<BgrLine, Y16Samples>(dst, src);
 }
-void plain::BgraToY16(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::BgraToY16(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     ConvertTo422<BgraLine, Y16Samples>(dst, src);
 }
-void plain::BgrToY16A(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::BgrToY16A(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     ConvertTo422<BgrLine, Y16ASamples>(dst, src);
 }
-void plain::BgraToY16A(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::BgraToY16A(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     ConvertTo422<BgraLine, Y16ASamples>(dst, src);
 }
-void plain::BgrToY422(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::BgrToY422(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     ConvertTo422<BgrLine, PlanarSamples>(dst, src);
 }
-void plain::BgraToY422(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::BgraToY422(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     ConvertTo422<BgraLine, PlanarSamples>(dst, src);
 }
-void plain::BgrToI420(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::BgrToI420(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     ConvertTo420<BgrLine, PlanarSamples>(dst, src);
 }
-void plain::BgraToI420(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::BgraToI420(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     ConvertTo420<BgraLine, PlanarSamples>(dst, src);
 }
-void plain::BgrToNv12(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::BgrToNv12(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     ConvertTo420<BgrLine, SemiPlanarSamples>(dst, src);
 }
-void plain::BgraToNv12(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::BgraToNv12(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     ConvertTo420<BgraLine, SemiPlanarSamples>(dst, src);
 }
 
 // Luma of video levels by BT.601, whatever the destination's matrix. The last column of each line is left as it was,
 // which looks wrong and is required.
-void plain::BgrToY400(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::BgrToY400(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     for (std::int64_t row = 0; row < src.height; ++row) {
         const BgrLine in{BottomUpLine(src, row)};
         std::uint8_t* const out = PlaneLine(dst, 0, row);
@@ -140,7 +140,7 @@ void plain::BgrToY400(const ImageDescriptor& dst, const ImageDescriptor& src) {
     }
 }
 
-void plain::BgrToBgra(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::BgrToBgra(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     for (std::int64_t row = 0; row < src.height; ++row) {
         const std::uint8_t* const in = PlaneLine(src, 0, row);
         std::uint8_t* const out = PlaneLine(dst, 0, row);
@@ -151,7 +151,7 @@ void plain::BgrToBgra(const ImageDescriptor& dst, const ImageDescriptor& src) {
     }
 }
 
-void plain::BgraToBgr(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::BgraToBgr(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     for (std::int64_t row = 0; row < src.height; ++row) {
         const std::uint8_t* const in = PlaneLine(src, 0, row);
         std::uint8_t* const out = PlaneLine(dst, 0, row);

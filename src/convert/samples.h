@@ -121,21 +121,23 @@ struct SemiPlanarWordSamples {
 };
 
 /// First byte of line `row` of a plane.
-inline std::uint8_t* PlaneLine(const ImageDescriptor& desc, int plane, std::int64_t row) {
+template <class Byte>
+Byte* PlaneLine(const TImageDescriptor<Byte>& desc, int plane, std::int64_t row) {
     return desc.planes[plane] + row * desc.strides[plane];
 }
 
 /// Line `row` of a picture of top-down order whose chroma line is `chromaRow`.
-template <class Line>
-Line LineAt(const ImageDescriptor& desc, std::int64_t row, std::int64_t chromaRow) {
-    Line line{{PlaneLine(desc, 0, row), nullptr, nullptr}};
+template <class Byte>
+LineOf<Byte> LineAt(const TImageDescriptor<Byte>& desc, std::int64_t row, std::int64_t chromaRow) {
+    LineOf<Byte> line{{PlaneLine(desc, 0, row), nullptr, nullptr}};
     for (int plane = 1; plane < 3; ++plane)
         if (desc.planes[plane] != nullptr) line.plane[plane] = PlaneLine(desc, plane, chromaRow);
     return line;
 }
 
 /// Line `row`, counted from the top, of a bottom-up picture (BGR, BGRA).
-inline std::uint8_t* BottomUpLine(const ImageDescriptor& desc, std::int64_t row) {
+template <class Byte>
+Byte* BottomUpLine(const TImageDescriptor<Byte>& desc, std::int64_t row) {
     return PlaneLine(desc, 0, static_cast<std::int64_t>(desc.height) - 1 - row);
 }
 

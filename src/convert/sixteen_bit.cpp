@@ -50,32 +50,32 @@ void NarrowChroma(const WriteLine& to, const ReadLine& from, std::size_t pairs, 
 
 // As many chroma lines on both sides; `LinesPerChroma` picture lines share one.
 template <class Dst, class Src, class Narrow, int LinesPerChroma>
-void SameChroma(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void SameChroma(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     const Narrow luma(src.lumaExtraBits);
     const Narrow chroma(src.chromaExtraBits);
     for (std::int64_t y = 0; y < src.height; ++y)
-        NarrowLuma<Dst, Src>(LineAt<WriteLine>(dst, y, 0), LineAt<ReadLine>(src, y, 0), src.width, luma);
+        NarrowLuma<Dst, Src>(LineAt(dst, y, 0), LineAt(src, y, 0), src.width, luma);
     for (std::int64_t r = 0; r < src.height / LinesPerChroma; ++r)
-        NarrowChroma<Dst, Src>(LineAt<WriteLine>(dst, r, r), LineAt<ReadLine>(src, r, r), src.width / 2, chroma);
+        NarrowChroma<Dst, Src>(LineAt(dst, r, r), LineAt(src, r, r), src.width / 2, chroma);
 }
 
 // 4:2:0 to 4:2:2: even lines take their chroma line, odd lines the mean with the next; the last pair has no next.
 template <class Dst, class Src, class Narrow>
-void ChromaToEveryLine(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void ChromaToEveryLine(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     const Narrow luma(src.lumaExtraBits);
     const Narrow chroma(src.chromaExtraBits);
     const std::size_t pairs = src.width / 2;
     const std::int64_t chromaLines = src.height / 2;
     for (std::int64_t y = 0; y < src.height; ++y) {
         const std::int64_t r = y / 2;
-        const auto to = LineAt<WriteLine>(dst, y, y);
-        const auto from = LineAt<ReadLine>(src, y, r);
+        const auto to = LineAt(dst, y, y);
+        const auto from = LineAt(src, y, r);
         NarrowLuma<Dst, Src>(to, from, src.width, luma);
         if (y % 2 == 0 || r + 1 == chromaLines) {
             NarrowChroma<Dst, Src>(to, from, pairs, chroma);
             continue;
         }
-        const auto next = LineAt<ReadLine>(src, y, r + 1);
+        const auto next = LineAt(src, y, r + 1);
         for (std::size_t k = 0; k < pairs; ++k) {
             Dst::Cb(to, k) = chroma.Mean(Src::Cb(from, k), Src::Cb(next, k));
             Dst::Cr(to, k) = chroma.Mean(Src::Cr(from, k), Src::Cr(next, k));
@@ -96,7 +96,7 @@ std::uint32_t WideningShift(const ImageDescriptor& dst) { return std::min<std::u
 
 // Each chroma line of the source becomes `Repeats` lines.
 template <int Repeats>
-void WidenPlanes(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void WidenPlanes(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     const std::uint32_t shift = WideningShift(dst);
     for (std::int64_t y = 0; y < src.height; ++y) Widen(PlaneLine(dst, 0, y), PlaneLine(src, 0, y), src.width, shift);
     for (int plane = 1; plane < 3; ++plane)
@@ -107,11 +107,10 @@ void WidenPlanes(const ImageDescriptor& dst, const ImageDescriptor& src) {
 }  // namespace
 
 // 4:2:2 to 4:2:0. Unlike the mean that HighByte makes of two lines on the way to 4:2:2, this one is rounded.
-void plain::P216ToNv12(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::P216ToNv12(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     const HighByte narrow(0);
     for (std::int64_t y = 0; y < src.height; ++y)
-        NarrowLuma<SemiPlanarSamples, SemiPlanarWordSamples>(LineAt<WriteLine>(dst, y, 0), LineAt<ReadLine>(src, y, 0),
-                                                             src.width, narrow);
+        NarrowLuma<SemiPlanarSamples, SemiPlanarWordSamples>(LineAt(dst, y, 0), LineAt(src, y, 0), src.width, narrow);
     for (std::int64_t r = 0; r < src.height / 2; ++r) {
         std::uint8_t* const to = PlaneLine(dst, 1, r);
         const std::uint8_t* const upper = PlaneLine(src, 1, 2 * r);
@@ -121,46 +120,46 @@ void plain::P216ToNv12(const ImageDescriptor& dst, const ImageDescriptor& src) {
     }
 }
 
-void plain::Y400ToS400(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::Y400ToS400(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     const std::uint32_t shift = WideningShift(dst);
     for (std::int64_t y = 0; y < src.height; ++y) Widen(PlaneLine(dst, 0, y), PlaneLine(src, 0, y), src.width, shift);
 }
 
-void plain::P216ToUyvy(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::P216ToUyvy(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     SameChroma<UyvySamples, SemiPlanarWordSamples, HighByte, 1>(dst, src);
 }
-void plain::P216ToYuy2(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::P216ToYuy2(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     SameChroma<Yuy2Samples, SemiPlanarWordSamples, HighByte, 1>(dst, src);
 }
-void plain::P016ToUyvy(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::P016ToUyvy(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     ChromaToEveryLine<UyvySamples, SemiPlanarWordSamples, HighByte>(dst, src);
 }
-void plain::P016ToYuy2(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::P016ToYuy2(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     ChromaToEveryLine<Yuy2Samples, SemiPlanarWordSamples, HighByte>(dst, src);
 }
-void plain::P016ToNv12(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::P016ToNv12(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     SameChroma<SemiPlanarSamples, SemiPlanarWordSamples, HighByte, 2>(dst, src);
 }
-void plain::S420ToUyvy(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::S420ToUyvy(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     ChromaToEveryLine<UyvySamples, PlanarWordSamples, RoundedShift>(dst, src);
 }
-void plain::S420ToYuy2(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::S420ToYuy2(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     ChromaToEveryLine<Yuy2Samples, PlanarWordSamples, RoundedShift>(dst, src);
 }
-void plain::S420ToI420(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::S420ToI420(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     SameChroma<PlanarSamples, PlanarWordSamples, RoundedShift, 2>(dst, src);
 }
-void plain::S422ToUyvy(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::S422ToUyvy(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     SameChroma<UyvySamples, PlanarWordSamples, RoundedShift, 1>(dst, src);
 }
-void plain::S422ToYuy2(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::S422ToYuy2(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     SameChroma<Yuy2Samples, PlanarWordSamples, RoundedShift, 1>(dst, src);
 }
-void plain::S422ToY422(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::S422ToY422(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     SameChroma<PlanarSamples, PlanarWordSamples, RoundedShift, 1>(dst, src);
 }
-void plain::I420ToS420(const ImageDescriptor& dst, const ImageDescriptor& src) { WidenPlanes<1>(dst, src); }
-void plain::I420ToS422(const ImageDescriptor& dst, const ImageDescriptor& src) { WidenPlanes<2>(dst, src); }
+void plain::I420ToS420(const ImageDescriptor& dst, const ConstImageDescriptor& src) { WidenPlanes<1>(dst, src); }
+void plain::I420ToS422(const ImageDescriptor& dst, const ConstImageDescriptor& src) { WidenPlanes<2>(dst, src); }
 
 PIXMORPH_SLOT(ConvertSlot, P216ToUyvy, plain::P216ToUyvy, simd_sse41::P216ToUyvy, simd_avx2::P216ToUyvy,
               simd_avx512::P216ToUyvy);

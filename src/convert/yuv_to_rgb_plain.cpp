@@ -108,21 +108,21 @@ void ConvertPairs(std::uint8_t* out, std::size_t width, const Line& in, const Yu
     }
 }
 
-/// One line of 4:1:1, 12 bytes for 8 pixels: chroma every fourth pixel, interpolated in quarters.
+/// One line of 4:1:1: chroma every fourth pixel, interpolated in quarters.
 template <class Pixel>
 void ConvertY41PLine(std::uint8_t* out, std::size_t width, const std::uint8_t* in, const YuvToRgbRow& matrix) {
-    static constexpr std::size_t kLuma[8] = {1, 3, 5, 7, 8, 9, 10, 11};
+    using Order = Y41POrder;
     const std::size_t quads = width / 4;
     const auto chroma = [in](std::size_t quad, std::size_t offset) -> std::uint32_t {
-        return in[quad / 2 * 12 + quad % 2 * 4 + offset];
+        return in[quad / 2 * Order::kBytes + quad % 2 * Order::kPairStep + offset];
     };
     for (std::size_t quad = 0; quad < quads; ++quad) {
         const std::size_t next = quad + 1 < quads ? quad + 1 : quad;
-        const std::uint32_t u = chroma(quad, 0), nextU = chroma(next, 0);
-        const std::uint32_t v = chroma(quad, 2), nextV = chroma(next, 2);
+        const std::uint32_t u = chroma(quad, Order::kU), nextU = chroma(next, Order::kU);
+        const std::uint32_t v = chroma(quad, Order::kV), nextV = chroma(next, Order::kV);
         for (std::uint32_t i = 0; i < 4; ++i) {
             const std::size_t x = 4 * quad + i;
-            const std::uint32_t y = Widen(in[x / 8 * 12 + kLuma[x % 8]]);
+            const std::uint32_t y = Widen(in[x / Order::kPixels * Order::kBytes + Order::kLuma[x % Order::kPixels]]);
             Pixel::Write(out + x * Pixel::kBytes,
                          YuvToBgr(matrix, y, ((4 - i) * u + i * nextU) << 6, ((4 - i) * v + i * nextV) << 6), 255);
         }
@@ -133,25 +133,25 @@ void ConvertY41PLine(std::uint8_t* out, std::size_t width, const std::uint8_t* i
 
 /// 4:2:2: every line has chroma of its own.
 template <class Pixel, class Line>
-void Convert422(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void Convert422(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     const YuvToRgbRow& matrix = YuvToRgbOf(src.colorMatrix);
     for (std::int64_t row = 0; row < src.height; ++row)
-        ConvertPairs<Pixel>(BottomUpLine(dst, row), src.width, Line{LineAt<ReadLine>(src, row, row)}, matrix);
+        ConvertPairs<Pixel>(BottomUpLine(dst, row), src.width, Line{LineAt(src, row, row)}, matrix);
 }
 
 /// 4:2:0: the first line of a pair takes its chroma line, the second the mean with the next one, except in the last
 /// pair.
 template <class Pixel, class Line>
-void Convert420(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void Convert420(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     const YuvToRgbRow& matrix = YuvToRgbOf(src.colorMatrix);
     const std::int64_t chromaRows = src.height / 2;
     for (std::int64_t row = 0; row < 2 * chromaRows; ++row) {
         const std::int64_t chromaRow = row / 2;
-        const Line line{LineAt<ReadLine>(src, row, chromaRow)};
+        const Line line{LineAt(src, row, chromaRow)};
         if (row % 2 == 0 || chromaRow + 1 == chromaRows) {
             ConvertPairs<Pixel>(BottomUpLine(dst, row), src.width, line, matrix);
         } else {
-            const BetweenLines<Line> between{line, Line{LineAt<ReadLine>(src, row, chromaRow + 1)}};
+            const BetweenLines<Line> between{line, Line{LineAt(src, row, chromaRow + 1)}};
             ConvertPairs<Pixel>(BottomUpLine(dst, row), src.width, between, matrix);
         }
     }
@@ -159,7 +159,7 @@ void Convert420(const ImageDescriptor& dst, const ImageDescriptor& src) {
 
 /// DV 4:2:0: U and V are sited on different lines.
 template <class Pixel>
-void ConvertDv12(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void ConvertDv12(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     const YuvToRgbRow& matrix = YuvToRgbOf(src.colorMatrix);
     for (std::int64_t row = 0; row < src.height; ++row) {
         const DvChromaLines lines = DvChromaLinesOf(row, src.height);
@@ -171,7 +171,7 @@ void ConvertDv12(const ImageDescriptor& dst, const ImageDescriptor& src) {
 }
 
 template <class Pixel>
-void ConvertY41P(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void ConvertY41P(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     const YuvToRgbRow& matrix = YuvToRgbOf(src.colorMatrix);
     for (std::int64_t row = 0; row < src.height; ++row)
         ConvertY41PLine<Pixel>(BottomUpLine(dst, row), src.width, PlaneLine(src, 0, row), matrix);
@@ -179,11 +179,11 @@ void ConvertY41P(const ImageDescriptor& dst, const ImageDescriptor& src) {
 
 /// 4:4:4: each pixel has samples of its own.
 template <class Pixel>
-void ConvertY444(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void ConvertY444(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     const YuvToRgbRow& matrix = YuvToRgbOf(src.colorMatrix);
     for (std::int64_t row = 0; row < src.height; ++row) {
         std::uint8_t* const out = BottomUpLine(dst, row);
-        const auto in = LineAt<ReadLine>(src, row, row);
+        const auto in = LineAt(src, row, row);
         for (std::size_t x = 0; x < src.width; ++x)
             Pixel::Write(out + x * Pixel::kBytes,
                          YuvToBgr(matrix, Widen(in.plane[0][x]), Widen(in.plane[1][x]), Widen(in.plane[2][x])), 255);
@@ -192,99 +192,105 @@ void ConvertY444(const ImageDescriptor& dst, const ImageDescriptor& src) {
 
 }  // namespace
 
-void plain::UyvyToBgr(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::UyvyToBgr(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Convert422<BgrPixel, ByteLine<UyvySamples>>(dst, src);
 }
-void plain::UyvyToBgra(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::UyvyToBgra(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Convert422<BgraPixel, ByteLine<UyvySamples>>(dst, src);
 }
-void plain::Yuy2ToBgr(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::Yuy2ToBgr(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Convert422<BgrPixel, ByteLine<Yuy2Samples>>(dst, src);
 }
-void plain::Yuy2ToBgra(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::Yuy2ToBgra(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Convert422<BgraPixel, ByteLine<Yuy2Samples>>(dst, src);
 }
-void plain::YvyuToBgr(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::YvyuToBgr(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Convert422<BgrPixel, ByteLine<YvyuSamples>>(dst, src);
 }
-void plain::YvyuToBgra(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::YvyuToBgra(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Convert422<BgraPixel, ByteLine<YvyuSamples>>(dst, src);
 }
-void plain::Y16ToBgr(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::Y16ToBgr(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Convert422<BgrPixel, ByteLine<Y16Samples>>(dst, src);
 }
-void plain::Y16ToBgra(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::Y16ToBgra(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Convert422<BgraPixel, ByteLine<Y16Samples>>(dst, src);
 }
-void plain::Y16AToBgr(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::Y16AToBgr(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Convert422<BgrPixel, ByteLine<Y16ASamples>>(dst, src);
 }
-void plain::Y16AToBgra(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::Y16AToBgra(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Convert422<BgraPixel, ByteLine<Y16ASamples>>(dst, src);
 }
-void plain::Y32ToBgr(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::Y32ToBgr(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Convert422<BgrPixel, ByteLine<Y32Samples>>(dst, src);
 }
-void plain::Y32ToBgra(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::Y32ToBgra(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Convert422<BgraPixel, ByteLine<Y32Samples>>(dst, src);
 }
-void plain::Y32AToBgr(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::Y32AToBgr(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Convert422<BgrPixel, ByteLine<Y32ASamples>>(dst, src);
 }
-void plain::Y32AToBgra(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::Y32AToBgra(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Convert422<BgraPixel, ByteLine<Y32ASamples>>(dst, src);
 }
-void plain::Y32ABToBgr(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::Y32ABToBgr(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Convert422<BgrPixel, ByteLine<Y32ABSamples>>(dst, src);
 }
-void plain::Y32ABToBgra(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::Y32ABToBgra(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Convert422<BgraPixel, ByteLine<Y32ABSamples>>(dst, src);
 }
-void plain::Y422ToBgr(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::Y422ToBgr(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Convert422<BgrPixel, ByteLine<PlanarSamples>>(dst, src);
 }
-void plain::Y422ToBgra(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::Y422ToBgra(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Convert422<BgraPixel, ByteLine<PlanarSamples>>(dst, src);
 }
-void plain::P216ToBgr(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::P216ToBgr(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Convert422<BgrPixel, WordLine<SemiPlanarWordSamples>>(dst, src);
 }
-void plain::P216ToBgra(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::P216ToBgra(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Convert422<BgraPixel, WordLine<SemiPlanarWordSamples>>(dst, src);
 }
-void plain::I420ToBgr(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::I420ToBgr(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Convert420<BgrPixel, ByteLine<PlanarSamples>>(dst, src);
 }
-void plain::I420ToBgra(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::I420ToBgra(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Convert420<BgraPixel, ByteLine<PlanarSamples>>(dst, src);
 }
-void plain::Nv12ToBgr(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::Nv12ToBgr(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Convert420<BgrPixel, ByteLine<SemiPlanarSamples>>(dst, src);
 }
-void plain::Nv12ToBgra(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::Nv12ToBgra(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Convert420<BgraPixel, ByteLine<SemiPlanarSamples>>(dst, src);
 }
-void plain::S420ToBgr(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::S420ToBgr(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Convert420<BgrPixel, WordLine<PlanarWordSamples>>(dst, src);
 }
-void plain::S420ToBgra(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::S420ToBgra(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Convert420<BgraPixel, WordLine<PlanarWordSamples>>(dst, src);
 }
-void plain::P016ToBgr(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::P016ToBgr(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Convert420<BgrPixel, WordLine<SemiPlanarWordSamples>>(dst, src);
 }
-void plain::P016ToBgra(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::P016ToBgra(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Convert420<BgraPixel, WordLine<SemiPlanarWordSamples>>(dst, src);
 }
-void plain::Dv12ToBgr(const ImageDescriptor& dst, const ImageDescriptor& src) { ConvertDv12<BgrPixel>(dst, src); }
-void plain::Dv12ToBgra(const ImageDescriptor& dst, const ImageDescriptor& src) { ConvertDv12<BgraPixel>(dst, src); }
-void plain::Y41PToBgr(const ImageDescriptor& dst, const ImageDescriptor& src) { ConvertY41P<BgrPixel>(dst, src); }
-void plain::Y41PToBgra(const ImageDescriptor& dst, const ImageDescriptor& src) { ConvertY41P<BgraPixel>(dst, src); }
-void plain::Y444ToBgr(const ImageDescriptor& dst, const ImageDescriptor& src) { ConvertY444<BgrPixel>(dst, src); }
-void plain::Y444ToBgra(const ImageDescriptor& dst, const ImageDescriptor& src) { ConvertY444<BgraPixel>(dst, src); }
+void plain::Dv12ToBgr(const ImageDescriptor& dst, const ConstImageDescriptor& src) { ConvertDv12<BgrPixel>(dst, src); }
+void plain::Dv12ToBgra(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
+    ConvertDv12<BgraPixel>(dst, src);
+}
+void plain::Y41PToBgr(const ImageDescriptor& dst, const ConstImageDescriptor& src) { ConvertY41P<BgrPixel>(dst, src); }
+void plain::Y41PToBgra(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
+    ConvertY41P<BgraPixel>(dst, src);
+}
+void plain::Y444ToBgr(const ImageDescriptor& dst, const ConstImageDescriptor& src) { ConvertY444<BgrPixel>(dst, src); }
+void plain::Y444ToBgra(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
+    ConvertY444<BgraPixel>(dst, src);
+}
 
 // Luma only: chroma is at its zero level everywhere.
-void plain::Y400ToBgr(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void plain::Y400ToBgr(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     const YuvToRgbRow& matrix = YuvToRgbOf(src.colorMatrix);
     for (std::int64_t row = 0; row < src.height; ++row) {
         std::uint8_t* const out = BottomUpLine(dst, row);

@@ -3,6 +3,6 @@
 #pragma once
 
 #include "deinterlace/deinterlace_filter_yadif.h"
-#include "deinterlace/field_restorer.h"
+#include "deinterlace/field_restoration.h"
 #include "deinterlace/inward_video_deinterlacer.h"
 #include "deinterlace/video_interpolator.h"

@@ -17,7 +17,7 @@ constexpr std::uint64_t kSmallestSharedCopy = 512 << 10;
 
 bool IsStructure(std::uint32_t structure) { return structure == FIELDS_TOP_FIRST || structure == FIELDS_BOTTOM_FIRST; }
 
-bool SameShape(const ImageDescriptor& a, const ImageDescriptor& b) {
+bool SameShape(const FormatHead& a, const FormatHead& b) {
     return a.format == b.format && a.width == b.width && a.height == b.height;
 }
 
@@ -45,7 +45,7 @@ std::uint32_t ParityOf(std::uint32_t fieldIntact, std::uint32_t structure) {
 const FilterLineSlot* FilterOf(std::uint32_t format) {
     if (!HasTraits(format, FORMAT_FILTERED)) return nullptr;
     if (!HasTraits(format, FORMAT_PACKED_422)) return &FilterPlaneLine;
-    return format == FMT_UYVY ? &FilterUyvyLine : &FilterYuy2Line;
+    return HasTraits(format, FORMAT_LUMA_FIRST) ? &FilterYuy2Line : &FilterUyvyLine;
 }
 
 }  // namespace
@@ -87,11 +87,11 @@ Status CDeinterlaceFilterYADIF::Initialize(const DeinterlacerSettings& settings)
     return team_.Configure(WorkerTeam::DecideCount(kMostThreads, settings.threads), settings.affinityMask);
 }
 
-Status CDeinterlaceFilterYADIF::SetSourceFrame(const ImageDescriptor& source, std::uint32_t structure) {
+Status CDeinterlaceFilterYADIF::SetSourceFrame(const ConstImageDescriptor& source, std::uint32_t structure) {
     if (!IsStructure(structure)) return IMG_E_BAD_STRUCTURE;
     return Guarded([&]() -> Status {
         structure_ = structure;
-        ImageDescriptor image = source;
+        ImageDescriptor image = {source};
         // YVYU is kept although no filter takes it: such a sequence is accepted and gives no output.
         if (!HasTraits(image.format, FORMAT_KEPT_BY_FILTER)) image.format = FMT_UYVY;
         if (frameCount_ != 0 && !SameShape(image, SlotOf(frameCount_ - 1).image)) frameCount_ = 0;
@@ -99,7 +99,7 @@ Status CDeinterlaceFilterYADIF::SetSourceFrame(const ImageDescriptor& source, st
         if (const Status status = PlaceImage(image, slot.buffer); status != IMG_OK) return status;
         slot.image = image;
         const Status status =
-            source.format == image.format ? CopyFrame(slot.image, source) : ConvertToUYVY(&slot.image, &source);
+            source.format == image.format ? CopyFrame(slot.image, source) : ConvertToUYVY(slot.image, source);
         if (status == IMG_OK) ++frameCount_;
         return status;
     });
@@ -107,13 +107,13 @@ Status CDeinterlaceFilterYADIF::SetSourceFrame(const ImageDescriptor& source, st
 
 // Copying is limited by memory, of which two processors get more than one: large frames are copied band by band.
 // Conversions are not, for they may look at lines beyond a band.
-Status CDeinterlaceFilterYADIF::CopyFrame(const ImageDescriptor& dst, const ImageDescriptor& source) {
+Status CDeinterlaceFilterYADIF::CopyFrame(const ImageDescriptor& dst, const ConstImageDescriptor& source) {
     const FormatInfo& info = *FormatInfoOf(dst);
     const bool bandsFit = dst.width % info.xAlign == 0 && dst.height % info.yAlign == 0;
-    if (!bandsFit || ImageBufferSize(&dst) < kSmallestSharedCopy) return CopyImage(&dst, &source);
+    if (!bandsFit || ImageBufferSize(&dst) < kSmallestSharedCopy) return CopyImage(dst, source);
     struct Work {
         const ImageDescriptor* dst;
-        const ImageDescriptor* source;
+        const ConstImageDescriptor* source;
         BandTable table;
     } work{&dst, &source, LayOutBands(dst.width, dst.height, team_.Count())};
     return team_.Run(
@@ -121,10 +121,10 @@ Status CDeinterlaceFilterYADIF::CopyFrame(const ImageDescriptor& dst, const Imag
         [](void* context, unsigned worker) -> Status {
             const Work& shared = *static_cast<const Work*>(context);
             ImageDescriptor to = *shared.dst;
-            ImageDescriptor from = *shared.source;
+            ConstImageDescriptor from = *shared.source;
             if (const Status status = ImageCrop(&to, shared.table.bands[worker]); status != IMG_OK) return status;
             if (const Status status = ImageCrop(&from, shared.table.bands[worker]); status != IMG_OK) return status;
-            return CopyImage(&to, &from);
+            return CopyImage(to, from);
         },
         &work);
 }
@@ -220,7 +220,7 @@ Status CDeinterlaceFilterYADIF::GetFrame(const ImageDescriptor& image, std::uint
         temporary_.image = shown;
         if (const Status status = PlaceImage(temporary_.image, temporary_.buffer); status != IMG_OK) return status;
         if (const Status status = RunBands(temporary_.image, parity); status != IMG_OK) return status;
-        return ImageConversionDispatch(&image, &temporary_.image);
+        return ImageConversionDispatch(image, temporary_.image);
     });
 }
 

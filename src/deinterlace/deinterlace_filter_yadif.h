@@ -29,7 +29,7 @@ public:
     /// Copies the frame into the history, converted to UYVY where its format is not one that can be filtered. A frame
     /// of another size or format starts the history anew, even if the frame itself is then refused.
     /// @return 0; IMG_E_BAD_STRUCTURE for a bad structure; IMG_E_NO_MEMORY; what the copy or the conversion gave.
-    Status SetSourceFrame(const ImageDescriptor& source, std::uint32_t structure) override;
+    Status SetSourceFrame(const ConstImageDescriptor& source, std::uint32_t structure) override;
     /// @return 0; IMG_E_NULL_ARG; IMG_E_BAD_FORMAT when frames and image disagree in format or size; IMG_E_BAD_SIZE for
     ///         a band outside the image or a plane narrower than 16 samples; IMG_E_BAD_ALIGNMENT; IMG_E_BAD_STRUCTURE
     ///         for a bad structure; IMG_E_UNSUPPORTED for a format without a filter.
@@ -48,7 +48,7 @@ private:
     ~CDeinterlaceFilterYADIF() override = default;
 
     FrameSlot& SlotOf(std::uint64_t frame) { return ring_[frame % ring_.size()]; }
-    Status CopyFrame(const ImageDescriptor& dst, const ImageDescriptor& source);
+    Status CopyFrame(const ImageDescriptor& dst, const ConstImageDescriptor& source);
     Status RunBands(const ImageDescriptor& image, std::uint32_t parity);
     Status MakePlaneJobs(const ImageDescriptor& image, std::uint32_t parity, const ImageRect& band, PlaneJobs& jobs,
                          std::size_t& count);

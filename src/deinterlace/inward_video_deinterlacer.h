@@ -24,7 +24,7 @@ class IVideoDeinterlacer : public IBasicInterface {
 public:
     virtual Status Initialize(const DeinterlacerSettings& settings) = 0;
     /// @param structure  FIELDS_TOP_FIRST or FIELDS_BOTTOM_FIRST.
-    virtual Status SetSourceFrame(const ImageDescriptor& source, std::uint32_t structure) = 0;
+    virtual Status SetSourceFrame(const ConstImageDescriptor& source, std::uint32_t structure) = 0;
     /// Makes the lines of one band of the output. @param parity  0 keeps the top field, anything else the bottom one.
     virtual Status FilterBand(const ImageDescriptor& image, std::uint32_t parity, const ImageRect& band) = 0;
     virtual Status GetFrame(const ImageDescriptor& image, std::uint32_t fieldIntact) = 0;

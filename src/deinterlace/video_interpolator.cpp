@@ -24,11 +24,11 @@ Status CopyRow(const FieldInterpolationJob& job, std::int64_t row) {
 }
 
 // Bytes per pixel of the formats that can be mixed byte by byte; 0 for the others.
-std::uint32_t MixableBytesPerPixel(const ImageDescriptor& image) {
+std::uint32_t MixableBytesPerPixel(const FormatHead& image) {
     return HasTraits(image.format, FORMAT_MIXED_BY_BYTES) ? FormatInfoOf(image)->plane0Bits / 8u : 0;
 }
 
-bool SameHead(const ImageDescriptor& a, const ImageDescriptor& b) {
+bool SameHead(const FormatHead& a, const FormatHead& b) {
     return a.format == b.format && a.width == b.width && a.height == b.height && a.lumaExtraBits == b.lumaExtraBits &&
            a.chromaExtraBits == b.chromaExtraBits;
 }
@@ -59,8 +59,8 @@ Status CVideoInterpolator::InterpolateBottomField(const FieldInterpolationJob& j
     });
 }
 
-Status CVideoInterpolator::CombineImages(const ImageDescriptor& dst, const ImageDescriptor& forward,
-                                         const ImageDescriptor& backward, std::uint32_t weight) noexcept {
+Status CVideoInterpolator::CombineImages(const ImageDescriptor& dst, const ConstImageDescriptor& forward,
+                                         const ConstImageDescriptor& backward, std::uint32_t weight) noexcept {
     if (dst.planes[0] == nullptr || forward.planes[0] == nullptr || backward.planes[0] == nullptr)
         return IMG_E_NULL_ARG;
     if (!SameHead(dst, forward) || !SameHead(dst, backward)) return IMG_E_BAD_FORMAT;

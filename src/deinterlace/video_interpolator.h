@@ -35,8 +35,8 @@ public:
     /// share format and size; strides may differ.
     /// @return 0; IMG_E_NULL_ARG; IMG_E_BAD_FORMAT when the format heads differ; IMG_E_NO_PATH for a format that is not
     ///         made of whole bytes in one plane.
-    static Status CombineImages(const ImageDescriptor& dst, const ImageDescriptor& forward,
-                                const ImageDescriptor& backward, std::uint32_t weight) noexcept;
+    static Status CombineImages(const ImageDescriptor& dst, const ConstImageDescriptor& forward,
+                                const ConstImageDescriptor& backward, std::uint32_t weight) noexcept;
 };
 
 }  // namespace KorvaneSoftware

@@ -17,6 +17,7 @@ constexpr auto kFilter = FORMAT_FILTERED;
 constexpr auto kMixed = FORMAT_MIXED_BY_BYTES;
 constexpr auto kDirect = FORMAT_RESIZED_DIRECTLY;
 constexpr auto kByName = FORMAT_RESIZED_BY_NAME;
+constexpr auto kYFirst = FORMAT_LUMA_FIRST;
 
 struct FormatRow {
     FormatInfo info;
@@ -34,8 +35,8 @@ constexpr FormatRow kFormatRows[36] = {
     {{FMT_AYUV, 1, 0, 32, 8, 4, 0, 0, 0, 0, 1, 1, 8}, 0},
     {{FMT_Y444, 3, 0, 8, 24, 1, 1, 1, 1, 0, 1, 1, 8}, kKept | kFilter | kDirect},
     {{FMT_UYVY, 1, 0, 16, 8, 2, 0, 0, 0, 0, 2, 1, 8}, kPacked | kKept | kFilter | kMixed | kDirect},
-    {{FMT_YUY2, 1, 0, 16, 8, 2, 0, 0, 0, 0, 2, 1, 8}, kPacked | kKept | kFilter | kMixed | kDirect},
-    {{FMT_YVYU, 1, 0, 16, 8, 2, 0, 0, 0, 0, 2, 1, 8}, kPacked | kKept | kMixed | kDirect},
+    {{FMT_YUY2, 1, 0, 16, 8, 2, 0, 0, 0, 0, 2, 1, 8}, kPacked | kYFirst | kKept | kFilter | kMixed | kDirect},
+    {{FMT_YVYU, 1, 0, 16, 8, 2, 0, 0, 0, 0, 2, 1, 8}, kPacked | kYFirst | kKept | kMixed | kDirect},
     {{FMT_Y16, 1, 0, 16, 8, 32, 0, 0, 0, 0, 16, 1, 8}, kBlocks},
     {{FMT_Y16A, 1, 0, 24, 8, 48, 0, 0, 0, 0, 16, 1, 8}, kBlocks},
     {{FMT_Y32, 1, 0, 32, 8, 64, 0, 0, 0, 0, 16, 1, 8}, kBlocks},
@@ -173,9 +174,9 @@ constexpr std::uint32_t UpperCased(std::uint32_t code) {
     return result;
 }
 
-const FormatInfo* InfoOf(const ImageDescriptor* desc) { return desc != nullptr ? FormatInfoOf(*desc) : nullptr; }
+const FormatInfo* InfoOf(const FormatHead* desc) { return desc != nullptr ? FormatInfoOf(*desc) : nullptr; }
 
-const FormatInfo* InfoOfPlane(const ImageDescriptor* desc, std::uint32_t plane) {
+const FormatInfo* InfoOfPlane(const FormatHead* desc, std::uint32_t plane) {
     const FormatInfo* info = InfoOf(desc);
     return info != nullptr && plane < 4 && plane < info->planeCount ? info : nullptr;
 }
@@ -190,11 +191,13 @@ std::int64_t WrappingProduct(std::int64_t a, std::int64_t b) {
     return static_cast<std::int64_t>(static_cast<std::uint64_t>(a) * static_cast<std::uint64_t>(b));
 }
 
-std::uint8_t* Advance(std::uint8_t* base, std::uint64_t bytes) {
-    return reinterpret_cast<std::uint8_t*>(reinterpret_cast<std::uintptr_t>(base) + bytes);
+template <class Byte>
+Byte* Advance(Byte* base, std::uint64_t bytes) {
+    return reinterpret_cast<Byte*>(reinterpret_cast<std::uintptr_t>(base) + bytes);
 }
 
-std::uint8_t* Advance(std::uint8_t* base, std::int64_t lines, std::int64_t stride) {
+template <class Byte>
+Byte* Advance(Byte* base, std::int64_t lines, std::int64_t stride) {
     return Advance(base, static_cast<std::uint64_t>(WrappingProduct(lines, stride)));
 }
 
@@ -214,7 +217,8 @@ std::uint64_t TemporaryStride(const FormatInfo& info, std::uint32_t width) {
     return ImageAlign(RowBytes(info, width), kTemporaryAlignment);
 }
 
-std::uint8_t* ThirdPlane(const FormatInfo& info, const ImageDescriptor& desc, std::int64_t lines) {
+template <class Byte>
+Byte* ThirdPlane(const FormatInfo& info, const TImageDescriptor<Byte>& desc, std::int64_t lines) {
     if (info.chromaSideBySide != 0) return Advance(desc.planes[1], 1, desc.strides[1] / info.chromaSideBySide);
     return Advance(desc.planes[1], 1, WrappingProduct(lines, desc.strides[1]) / info.chromaHeightDiv);
 }
@@ -229,7 +233,7 @@ const PlaneShiftRecord& PlaneShiftsOf(std::uint32_t format) {
     return format < kPlaneShifts.size() ? kPlaneShifts[format] : kPlaneShifts[0];
 }
 
-const FormatInfo* FormatInfoOf(const ImageDescriptor& desc) {
+const FormatInfo* FormatInfoOf(const FormatHead& desc) {
     if (desc.format == FMT_NONE) return nullptr;
     if (desc.format < std::size(kFormats) && kFormats[desc.format].id == desc.format) return &kFormats[desc.format];
     for (const FormatInfo& info : kFormats)
@@ -238,31 +242,29 @@ const FormatInfo* FormatInfoOf(const ImageDescriptor& desc) {
 }
 
 bool HasTraits(std::uint32_t format, unsigned traits) {
-    ImageDescriptor desc;
-    desc.format = format;
-    const FormatInfo* const info = FormatInfoOf(desc);
+    const FormatInfo* const info = FormatInfoOf({format});
     return info != nullptr && (kFormatRows[info - kFormats.data()].traits & traits) == traits;
 }
 
-std::uint32_t ImageBitsPerPixel(const ImageDescriptor* desc) {
+std::uint32_t ImageBitsPerPixel(const FormatHead* desc) {
     const FormatInfo* info = InfoOf(desc);
     if (info == nullptr) return 0;
     return info->planeCount == 1 ? info->plane0Bits : info->totalBits;
 }
 
-std::uint32_t ImagePlaneCount(const ImageDescriptor* desc) {
+std::uint32_t ImagePlaneCount(const FormatHead* desc) {
     const FormatInfo* info = InfoOf(desc);
     return info != nullptr ? info->planeCount : 0;
 }
 
-std::uint64_t ImagePlaneRowBytes(const ImageDescriptor* desc, std::uint32_t plane) {
+std::uint64_t ImagePlaneRowBytes(const FormatHead* desc, std::uint32_t plane) {
     const FormatInfo* info = InfoOfPlane(desc, plane);
     if (info == nullptr) return 0;
     const std::uint64_t bytes = RowBytes(*info, desc->width);
     return plane == 0 ? bytes : bytes / info->chromaWidthDiv;
 }
 
-std::uint32_t ImagePlaneHeight(const ImageDescriptor* desc, std::uint32_t plane) {
+std::uint32_t ImagePlaneHeight(const FormatHead* desc, std::uint32_t plane) {
     const FormatInfo* info = InfoOfPlane(desc, plane);
     if (info == nullptr) return 0;
     return plane == 0 ? desc->height : desc->height / info->chromaHeightDiv;
@@ -272,7 +274,7 @@ std::int64_t ImagePlaneStride(const ImageDescriptor* desc, std::uint32_t plane) 
     return InfoOfPlane(desc, plane) != nullptr ? desc->strides[plane] : 0;
 }
 
-std::uint64_t ImageBufferSizeAligned(const ImageDescriptor* desc, std::uint32_t alignment) {
+std::uint64_t ImageBufferSizeAligned(const FormatHead* desc, std::uint32_t alignment) {
     const FormatInfo* info = InfoOf(desc);
     if (info == nullptr) return 0;
     const std::uint64_t lineAlign = alignment > info->rowAlign ? alignment : info->rowAlign;
@@ -286,12 +288,13 @@ std::uint64_t ImageBufferSizeAligned(const ImageDescriptor* desc, std::uint32_t 
     return bits == UINT64_MAX ? bits : bits / 8;
 }
 
-std::uint64_t ImageBufferSize(const ImageDescriptor* desc) {
+std::uint64_t ImageBufferSize(const FormatHead* desc) {
     const FormatInfo* info = InfoOf(desc);
     return info != nullptr ? ImageBufferSizeAligned(desc, info->rowAlign) : 0;
 }
 
-Status ImageSetPlanes(ImageDescriptor* desc, std::uint8_t* base, std::int64_t stride) {
+template <class Byte>
+Status ImageSetPlanes(TImageDescriptor<Byte>* desc, std::type_identity_t<Byte>* base, std::int64_t stride) {
     if (desc == nullptr || base == nullptr) return IMG_E_NULL_ARG;
     const FormatInfo* info = FormatInfoOf(*desc);
     if (info == nullptr) return IMG_E_BAD_FORMAT;
@@ -307,14 +310,14 @@ Status ImageSetPlanes(ImageDescriptor* desc, std::uint8_t* base, std::int64_t st
     return IMG_OK;
 }
 
-std::uint64_t ImageTemporarySize(const ImageDescriptor* desc) {
+std::uint64_t ImageTemporarySize(const FormatHead* desc) {
     const FormatInfo* info = InfoOf(desc);
     if (info == nullptr || desc->width == 0 || desc->height == 0) return 0;
     // No format takes more than three planes of the first one's size and a line above.
     const std::uint64_t bound = SaturatingProduct(TemporaryStride(*info, desc->width), 4 * (desc->height + 4ull));
     if (bound > INT64_MAX) return UINT64_MAX;
     constexpr std::uintptr_t kBase = kTemporaryAlignment;
-    ImageDescriptor placed = *desc;
+    ImageDescriptor placed = {*desc};
     ImageSetTemporaryPlanes(&placed, reinterpret_cast<std::uint8_t*>(kBase));
     std::uint64_t end = 0;
     for (std::uint32_t plane = 0; plane < info->planeCount; ++plane) {
@@ -356,7 +359,8 @@ Status ImageSetPlanesFromBuffer(ImageDescriptor* desc, std::uint8_t* base, std::
     return ImageSetPlanes(desc, base, static_cast<std::int64_t>(stride));
 }
 
-Status ImageCompletePlanes(ImageDescriptor* desc) {
+template <class Byte>
+Status ImageCompletePlanes(TImageDescriptor<Byte>* desc) {
     if (desc == nullptr || desc->planes[0] == nullptr) return IMG_E_NULL_ARG;
     const FormatInfo* info = FormatInfoOf(*desc);
     if (info == nullptr) return IMG_E_BAD_FORMAT;
@@ -370,7 +374,8 @@ Status ImageCompletePlanes(ImageDescriptor* desc) {
     return IMG_OK;
 }
 
-Status ImageCrop(ImageDescriptor* desc, const ImageRect& rect) {
+template <class Byte>
+Status ImageCrop(TImageDescriptor<Byte>* desc, const ImageRect& rect) {
     if (desc == nullptr) return IMG_E_NULL_ARG;
     if (rect.x < 0 || rect.y < 0 || rect.width < 0 || rect.height < 0) return IMG_E_BAD_SIZE;
     const auto x = static_cast<std::uint64_t>(rect.x);
@@ -400,12 +405,14 @@ Status ImageCrop(ImageDescriptor* desc, const ImageRect& rect) {
     return IMG_OK;
 }
 
-Status ImageFieldView(ImageDescriptor* field, const ImageDescriptor* frame, std::uint32_t parity) {
+template <class Byte>
+Status ImageFieldView(TImageDescriptor<Byte>* field, const std::type_identity_t<TImageDescriptor<Byte>>* frame,
+                      std::uint32_t parity) {
     if (field == nullptr || frame == nullptr) return IMG_E_NULL_ARG;
     const FormatInfo* info = FormatInfoOf(*frame);
     if (info == nullptr) return IMG_E_BAD_FORMAT;
     if (frame->height % (2u * info->yAlign) != 0) return IMG_E_BAD_ALIGNMENT;
-    ImageDescriptor scratch = *frame;
+    TImageDescriptor<Byte> scratch = *frame;
     if (const Status status = ImageCompletePlanes(&scratch); status != IMG_OK) return status;
     *field = *frame;
     field->height = frame->height >> 1;
@@ -460,7 +467,7 @@ const PublicFormatRecord* FindPublicFormat(std::uint32_t publicId) {
     return nullptr;
 }
 
-void SetPublicFormat(ImageDescriptor& desc, std::uint32_t publicId) {
+void SetPublicFormat(FormatHead& desc, std::uint32_t publicId) {
     const PublicFormatRecord* record = FindPublicFormat(publicId);
     if (record == nullptr) return;
     desc.format = record->format;
@@ -468,9 +475,22 @@ void SetPublicFormat(ImageDescriptor& desc, std::uint32_t publicId) {
     desc.lumaExtraBits = desc.chromaExtraBits = static_cast<std::uint8_t>(record->bitDepth - 8);
 }
 
-void FlipFirstPlane(ImageDescriptor& desc) {
+template <class Byte>
+void FlipFirstPlane(TImageDescriptor<Byte>& desc) {
     desc.planes[0] = Advance(desc.planes[0], static_cast<std::int64_t>(desc.height) - 1, desc.strides[0]);
     desc.strides[0] = WrappingProduct(desc.strides[0], -1);
 }
+
+template Status ImageSetPlanes(TImageDescriptor<std::uint8_t>*, std::uint8_t*, std::int64_t);
+template Status ImageCompletePlanes(TImageDescriptor<std::uint8_t>*);
+template Status ImageCrop(TImageDescriptor<std::uint8_t>*, const ImageRect&);
+template Status ImageFieldView(TImageDescriptor<std::uint8_t>*, const TImageDescriptor<std::uint8_t>*, std::uint32_t);
+template void FlipFirstPlane(TImageDescriptor<std::uint8_t>&);
+template Status ImageSetPlanes(TImageDescriptor<const std::uint8_t>*, const std::uint8_t*, std::int64_t);
+template Status ImageCompletePlanes(TImageDescriptor<const std::uint8_t>*);
+template Status ImageCrop(TImageDescriptor<const std::uint8_t>*, const ImageRect&);
+template Status ImageFieldView(TImageDescriptor<const std::uint8_t>*, const TImageDescriptor<const std::uint8_t>*,
+                               std::uint32_t);
+template void FlipFirstPlane(TImageDescriptor<const std::uint8_t>&);
 
 }  // namespace KorvaneSoftware

@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <span>
+#include <type_traits>
 
 #include "foundation/status.h"
 
@@ -69,10 +70,17 @@ static_assert(sizeof(FormatHead) == 16, "the head is copied as one record");
 
 /// A picture. Plain record, owns nothing, zero-filled before use, copied by value. A descriptor may carry plane 0 and
 /// stride 0 only and be completed by ImageCompletePlanes.
-struct ImageDescriptor : FormatHead {
-    std::uint8_t* planes[4] = {};  ///< First byte of each plane; BGR, BGRA, BGR8 are bottom-up.
+template <class Byte>
+struct TImageDescriptor : FormatHead {
+    Byte* planes[4] = {};          ///< First byte of each plane; BGR, BGRA, BGR8 are bottom-up.
     std::int64_t strides[4] = {};  ///< Bytes from a line to the next; may be negative.
+
+    constexpr operator TImageDescriptor<const Byte>() const requires(!std::is_const_v<Byte>) {
+        return {*this, {planes[0], planes[1], planes[2], planes[3]}, {strides[0], strides[1], strides[2], strides[3]}};
+    }
 };
+using ImageDescriptor = TImageDescriptor<std::uint8_t>;             ///< A picture that may be written.
+using ConstImageDescriptor = TImageDescriptor<const std::uint8_t>;  ///< One that is only read.
 
 /// What engines ask of a format; bits.
 enum FormatTraits : std::uint16_t {
@@ -85,6 +93,7 @@ enum FormatTraits : std::uint16_t {
     FORMAT_MIXED_BY_BYTES = 0x040,    ///< Two pictures are mixed byte by byte.
     FORMAT_RESIZED_DIRECTLY = 0x080,  ///< Both directions in one pass.
     FORMAT_RESIZED_BY_NAME = 0x100,   ///< Known to the resizers, which have no pass for it.
+    FORMAT_LUMA_FIRST = 0x200,        ///< Packed 4:2:2 with luma in the even bytes.
 };
 
 /// Geometry of a format.
@@ -156,7 +165,7 @@ std::span<const PlaneShiftRecord> PlaneShiftTable();
 const PlaneShiftRecord& PlaneShiftsOf(std::uint32_t format);
 
 /// Row of the format, or null when it is unknown. Format 0 has no row.
-const FormatInfo* FormatInfoOf(const ImageDescriptor& desc);
+const FormatInfo* FormatInfoOf(const FormatHead& desc);
 
 /// Whether the format has all of `traits`. False for an unknown format.
 bool HasTraits(std::uint32_t format, unsigned traits);
@@ -171,16 +180,16 @@ constexpr bool IsBottomUp(std::uint32_t format) {
     return format == FMT_BGR || format == FMT_BGRA || format == FMT_BGR8;
 }
 
-std::uint32_t ImageBitsPerPixel(const ImageDescriptor* desc);
-std::uint32_t ImagePlaneCount(const ImageDescriptor* desc);
-std::uint64_t ImagePlaneRowBytes(const ImageDescriptor* desc, std::uint32_t plane);
-std::uint32_t ImagePlaneHeight(const ImageDescriptor* desc, std::uint32_t plane);
+std::uint32_t ImageBitsPerPixel(const FormatHead* desc);
+std::uint32_t ImagePlaneCount(const FormatHead* desc);
+std::uint64_t ImagePlaneRowBytes(const FormatHead* desc, std::uint32_t plane);
+std::uint32_t ImagePlaneHeight(const FormatHead* desc, std::uint32_t plane);
 std::int64_t ImagePlaneStride(const ImageDescriptor* desc, std::uint32_t plane);
 
 /// Bytes of the picture with each line aligned to the larger of `alignment` (a power of two) and the format's own
 /// alignment. 0 for null or unknown.
-std::uint64_t ImageBufferSizeAligned(const ImageDescriptor* desc, std::uint32_t alignment);
-std::uint64_t ImageBufferSize(const ImageDescriptor* desc);
+std::uint64_t ImageBufferSizeAligned(const FormatHead* desc, std::uint32_t alignment);
+std::uint64_t ImageBufferSize(const FormatHead* desc);
 
 /// Lines of temporary pictures are aligned for the widest registers.
 constexpr std::uint32_t kTemporaryAlignment = 64;
@@ -188,24 +197,35 @@ constexpr std::uint32_t kTemporaryAlignment = 64;
 /// Bytes of memory that ImageSetTemporaryPlanes places the picture in: up to the end of its last plane, counting the
 /// chroma line that the last luma line of an odd height belongs to. ImageBufferSize is another number, which an odd
 /// height can make smaller. 0 for null, unknown and an empty picture; UINT64_MAX for one too large to address.
-std::uint64_t ImageTemporarySize(const ImageDescriptor* desc);
+std::uint64_t ImageTemporarySize(const FormatHead* desc);
 /// Places a temporary picture from `base` on, which has room for ImageTemporarySize bytes.
 Status ImageSetTemporaryPlanes(ImageDescriptor* desc, std::uint8_t* base);
 
+// What follows serves pictures of both kinds.
+
 /// Sets plane 0 and stride 0 as given and the rest from them. A failure leaves the descriptor as it was.
-Status ImageSetPlanes(ImageDescriptor* desc, std::uint8_t* base, std::int64_t stride);
+template <class Byte>
+Status ImageSetPlanes(TImageDescriptor<Byte>* desc, std::type_identity_t<Byte>* base, std::int64_t stride);
+/// Fills in whatever planes and strides are zero.
+template <class Byte>
+Status ImageCompletePlanes(TImageDescriptor<Byte>* desc);
+/// Narrows the descriptor to a rectangle counted from the top left of the picture, whatever way it is stored.
+template <class Byte>
+Status ImageCrop(TImageDescriptor<Byte>* desc, const ImageRect& rect);
+/// Fills `field` with a view of one field of `frame`: parity 0 the first line of the picture, 1 the second. The further
+/// planes are taken as the frame has them: complete it first.
+template <class Byte>
+Status ImageFieldView(TImageDescriptor<Byte>* field, const std::type_identity_t<TImageDescriptor<Byte>>* frame,
+                      std::uint32_t parity);
+/// Moves plane 0 to the last line and negates its stride: a top-down RGB buffer as the bottom-up formats see it.
+template <class Byte>
+void FlipFirstPlane(TImageDescriptor<Byte>& desc);
+
 /// Sets the planes with the smallest legal stride. IMG_BUFFER_TOO_SMALL when `size` does not hold the picture; the
 /// planes are set all the same.
 Status ImageSetPlanesTight(ImageDescriptor* desc, std::uint8_t* base, std::uint64_t size);
 /// Derives the stride from the size of the buffer.
 Status ImageSetPlanesFromBuffer(ImageDescriptor* desc, std::uint8_t* base, std::uint64_t size);
-/// Fills in whatever planes and strides are zero.
-Status ImageCompletePlanes(ImageDescriptor* desc);
-/// Narrows the descriptor to a rectangle counted from the top left of the picture, whatever way it is stored.
-Status ImageCrop(ImageDescriptor* desc, const ImageRect& rect);
-/// Fills `field` with a view of one field of `frame`: parity 0 the first line of the picture, 1 the second. The further
-/// planes are taken as the frame has them: complete it first.
-Status ImageFieldView(ImageDescriptor* field, const ImageDescriptor* frame, std::uint32_t parity);
 /// Fills the format head from a bitmap header.
 Status ImageDescriptorFromBitmapInfo(ImageDescriptor* desc, const BitmapInfoHeader* header);
 
@@ -230,8 +250,6 @@ constexpr bool IsTopDownPublicId(std::uint32_t publicId) { return publicId == 17
 
 /// Writes what a public number stands for (format id, matrix, extra bits) into a descriptor. An unknown number leaves
 /// format 0.
-void SetPublicFormat(ImageDescriptor& desc, std::uint32_t publicId);
-/// Moves plane 0 to the last line and negates its stride: a top-down RGB buffer as the bottom-up formats see it.
-void FlipFirstPlane(ImageDescriptor& desc);
+void SetPublicFormat(FormatHead& desc, std::uint32_t publicId);
 
 }  // namespace KorvaneSoftware

@@ -18,6 +18,17 @@ inline constexpr PackedOrder kUyvyOrder{1, 3, 0, 2};
 inline constexpr PackedOrder kYuy2Order{0, 2, 1, 3};
 inline constexpr PackedOrder kYvyuOrder{0, 2, 3, 1};
 
+/// Y41P: the places of 8 luma samples in their group, U0 Y0 V0 Y1 U4 Y2 V4 Y3 Y4 Y5 Y6 Y7, and of the first of its two
+/// chroma pairs.
+struct Y41POrder {
+    static constexpr std::size_t kPixels = 8;
+    static constexpr std::size_t kBytes = 12;
+    static constexpr std::size_t kLuma[kPixels] = {1, 3, 5, 7, 8, 9, 10, 11};
+    static constexpr std::size_t kU = 0;
+    static constexpr std::size_t kV = 2;
+    static constexpr std::size_t kPairStep = 4;  ///< From a chroma pair to the other.
+};
+
 /// Pixels of a block, the group that block formats, runs of titles and field restoration work in.
 inline constexpr std::size_t kGroupPixels = 16;
 

@@ -9,6 +9,7 @@
 #include "foundation/worker_team.h"
 #include "iframe/frame_headers.h"
 #include "iframe/i_frame_format.h"
+#include "iframe/iframe_codecs.h"
 
 namespace KorvaneSoftware {
 
@@ -44,8 +45,5 @@ private:
     // Where each share begins; the last entry is the end of the data.
     const std::uint8_t* shares_[iframe::kMaxThreads + 1] = {};
 };
-
-/// For the codec table. @return null on failure
-IBasicInterface* CreateMMESDecoder();
 
 }  // namespace KorvaneSoftware

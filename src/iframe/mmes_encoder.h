@@ -10,11 +10,9 @@
 #include "iframe/encoder_tables.h"
 #include "iframe/frame_headers.h"
 #include "iframe/i_frame_format.h"
+#include "iframe/iframe_codecs.h"
 
 namespace KorvaneSoftware {
-
-/// Flag of CodecOptions: the elementary flavour, which needs no matrix in the stream. Without it a frame carries one.
-constexpr std::uint32_t kElementaryIFrameFlag = 8;
 
 /// Up to four threads encode runs of rows of macroblocks. A frame's bytes are the same for any number of them. A frame
 /// that does not fit the buffer fails, with nothing written outside.
@@ -48,8 +46,5 @@ private:
     std::unique_ptr<TThreadState<Worker>[]> workers_;  // One for each thread.
     ImageDescriptor image_;                            // The picture of the frame in flight.
 };
-
-/// For the codec table. @return null on failure
-IBasicInterface* CreateMMESEncoder();
 
 }  // namespace KorvaneSoftware

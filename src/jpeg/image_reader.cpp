@@ -8,76 +8,43 @@
 namespace KorvaneSoftware {
 
 template <int Lines, int WholeImage>
-Status CImageReader<Lines, WholeImage>::Prepare(const ImageDescriptor& image, unsigned fieldIndex, bool lineShift,
-                                                unsigned rows, const McuReadFormat& format) {
-    if (format.kernel == nullptr) return IMG_E_BAD_FORMAT;
-    image_ = image;
-    TurnTopDown(image_);
-    format_ = format;
-    columns_ = image.width / 16 + (image.width % 16 != 0);
-    rows_ = rows;
-    secondField_ = fieldIndex != 0;
-    lineShift_ = lineShift;
-    lineHasPair_ = LineHolds(image_.strides[0], format.bytesPer16, std::uint64_t{image.width} + 1);
-    context_ = {};
-    if (lineShift_ && (WholeImage != 0 || secondField_)) {
-        wrappedStride_ = WrapBufferStride(columns_, format.bytesPer16);
-        wrapped_.Reserve(wrappedStride_ * Lines);
-        if (wrapped_.Data() == nullptr) return IMG_E_NO_MEMORY;
-    }
-    return IMG_OK;
-}
-
-template <int Lines, int WholeImage>
 void CImageReader<Lines, WholeImage>::BeginRow(unsigned row) {
-    context_ = {};
-    column_ = 0;
-    row_ = row;
-    const McuRow place = Layout().At(row);
-    if (place.lines == 0) return;
-    context_.lines = place.lines;
-    if (place.throughBuffer && wrapped_.Data() != nullptr) {
-        FillWrapped(place);
-        context_.pixels = wrapped_.Data();
-        context_.stride = static_cast<std::ptrdiff_t>(wrappedStride_);
-    } else {
-        context_.pixels = image_.planes[0] + place.line * image_.strides[0];
-        context_.stride = static_cast<std::ptrdiff_t>(place.step * image_.strides[0]);
-    }
+    const McuRow place = this->StartRow(row);
+    if (place.lines > 0 && place.throughBuffer) FillWrapped(place);
 }
 
 // The lines that follow, then the picture's first.
 template <int Lines, int WholeImage>
 void CImageReader<Lines, WholeImage>::FillWrapped(const McuRow& place) {
-    const std::size_t bytes = format_.bytesPer16 / 16 * std::size_t{image_.width};
-    const std::uint8_t* from = image_.planes[0] + (place.line + 1) * image_.strides[0];
-    std::uint8_t* to = wrapped_.Data();
-    for (unsigned i = 1; i < place.lines; ++i, to += wrappedStride_) {
+    const std::size_t bytes = this->LineBytes();
+    const std::uint8_t* from = this->image_.planes[0] + (place.line + 1) * this->image_.strides[0];
+    std::uint8_t* to = this->wrapped_.Data();
+    for (unsigned i = 1; i < place.lines; ++i, to += this->wrappedStride_) {
         CopySized(to, from, bytes);
-        from += place.step * image_.strides[0];
+        from += place.step * this->image_.strides[0];
     }
-    CopySized(to, image_.planes[0], bytes);
-    lineHasPair_ = false;  // The last row of the image: nothing follows that could want it.
+    CopySized(to, this->image_.planes[0], bytes);
+    this->lineHoldsPair_ = false;  // The last row of the image: nothing follows that could want it.
 }
 
 template <int Lines, int WholeImage>
 void CImageReader<Lines, WholeImage>::SkipMCUs(unsigned count) {
-    column_ += count;
-    if (context_.pixels != nullptr) context_.pixels += std::size_t{count} * format_.bytesPer16;
-    if (context_.alpha != nullptr) context_.alpha += std::size_t{16} * count;
+    this->column_ += count;
+    if (this->context_.pixels != nullptr) this->context_.pixels += std::size_t{count} * this->format_.bytesPer16;
+    if (this->context_.alpha != nullptr) this->context_.alpha += std::size_t{16} * count;
 }
 
 template <int Lines, int WholeImage>
 void CImageReader<Lines, WholeImage>::ReadMCU(std::int16_t* blocks) {
-    if (context_.pixels == nullptr) {
+    if (this->context_.pixels == nullptr) {
         ClearBlocks(blocks, kBlocks);
     } else {
-        context_.blocks = blocks;
-        if (column_ + 1 == columns_) {
-            context_.columns = image_.width - 16 * column_;
-            context_.readable = context_.columns + (lineHasPair_ ? context_.columns % 2 : 0);
+        this->context_.blocks = blocks;
+        if (this->column_ + 1 == this->columns_) {
+            this->context_.columns = this->image_.width - 16 * this->column_;
+            this->context_.readable = this->context_.columns + (this->lineHoldsPair_ ? this->context_.columns % 2 : 0);
         }
-        format_.kernel(context_);
+        this->format_.kernel(this->context_);
     }
     SkipMCUs(1);
 }

@@ -42,10 +42,10 @@ public:
     virtual void End() = 0;
 };
 
-/// A picture to rows of MCUs. Lines is the height of an MCU row, 8 or 16. WholeImage is 1 when it covers as many lines
-/// of the picture, and 0 when it covers twice as many: one field of a frame. A kernel fills `kBlocks` blocks.
+/// A picture to rows of MCUs, see TMcuRows. A kernel fills `kBlocks` blocks.
 template <int Lines, int WholeImage>
-class CImageReader : public IImageReader {
+class CImageReader : public IImageReader,
+                     public TMcuRows<Lines, WholeImage, const std::uint8_t, McuReadContext, McuReadFormat> {
 public:
     /// Blocks of an MCU of 4:2:2.
     static constexpr int kBlocks = Lines / 2;
@@ -61,29 +61,7 @@ public:
     void EndRow() override {}
     void End() override {}
 
-    unsigned Columns() const { return columns_; }
-    unsigned Rows() const { return rows_; }
-
-protected:
-    /// What Init of the derived classes shares. `rows` is the number of MCU rows.
-    Status Prepare(const ImageDescriptor& image, unsigned fieldIndex, bool lineShift, unsigned rows,
-                   const McuReadFormat& format);
-
-    ImageDescriptor image_;  ///< First line first.
-    McuReadFormat format_;
-    unsigned columns_ = 0;
-    unsigned column_ = 0;
-    unsigned rows_ = 0;
-    unsigned row_ = 0;
-    bool secondField_ = false;
-    bool lineShift_ = false;
-    bool lineHasPair_ = false;  ///< The lines have a pixel behind an odd last one.
-    McuReadContext context_;
-    AlignedBuffer wrapped_;
-    std::size_t wrappedStride_ = 0;
-
 private:
-    McuRowLayout Layout() const { return {Lines, WholeImage != 0, secondField_, lineShift_, rows_, image_.height}; }
     void FillWrapped(const McuRow& place);
 };
 

@@ -8,55 +8,17 @@
 namespace KorvaneSoftware {
 
 template <int Lines, int WholeImage>
-Status CImageWriter<Lines, WholeImage>::Prepare(const ImageDescriptor& image, unsigned fieldIndex, bool lineShift,
-                                                unsigned rows, const McuWriteFormat& format) {
-    if (format.kernel == nullptr) return IMG_E_BAD_FORMAT;
-    image_ = image;
-    TurnTopDown(image_);
-    format_ = format;
-    columns_ = image.width / 16 + (image.width % 16 != 0);
-    rows_ = rows;
-    secondField_ = fieldIndex != 0;
-    lineShift_ = lineShift;
-    roomForPair_ = LineHolds(image_.strides[0], format.bytesPer16, std::uint64_t{image.width} + 1);
-    context_ = {};
-    if (lineShift_ && (WholeImage != 0 || secondField_)) {
-        wrappedStride_ = WrapBufferStride(columns_, format.bytesPer16);
-        wrapped_.Reserve(wrappedStride_ * Lines);
-        if (wrapped_.Data() == nullptr) return IMG_E_NO_MEMORY;
-    }
-    return IMG_OK;
-}
-
-template <int Lines, int WholeImage>
-void CImageWriter<Lines, WholeImage>::BeginRow(unsigned row) {
-    context_ = {};
-    column_ = 0;
-    row_ = row;
-    const McuRow place = Layout().At(row);
-    if (place.lines == 0) return;
-    context_.lines = place.lines;
-    if (place.throughBuffer && wrapped_.Data() != nullptr) {
-        context_.pixels = wrapped_.Data();
-        context_.stride = static_cast<std::ptrdiff_t>(wrappedStride_);
-    } else {
-        context_.pixels = image_.planes[0] + place.line * image_.strides[0];
-        context_.stride = static_cast<std::ptrdiff_t>(place.step * image_.strides[0]);
-    }
-}
-
-template <int Lines, int WholeImage>
 void CImageWriter<Lines, WholeImage>::EndRow() {
-    const McuRow place = Layout().At(row_);
-    if (!place.throughBuffer || wrapped_.Data() == nullptr || place.lines == 0) return;
-    const std::size_t bytes = format_.bytesPer16 / 16 * std::size_t{image_.width};
-    std::uint8_t* to = image_.planes[0] + (place.line + 1) * image_.strides[0];
-    const std::uint8_t* from = wrapped_.Data();
-    for (unsigned i = 1; i < place.lines; ++i, from += wrappedStride_) {
+    const McuRow place = this->PlaceOf(this->row_);
+    if (!place.throughBuffer || place.lines == 0) return;
+    const std::size_t bytes = this->LineBytes();
+    std::uint8_t* to = this->image_.planes[0] + (place.line + 1) * this->image_.strides[0];
+    const std::uint8_t* from = this->wrapped_.Data();
+    for (unsigned i = 1; i < place.lines; ++i, from += this->wrappedStride_) {
         CopySized(to, from, bytes);
-        to += place.step * image_.strides[0];
+        to += place.step * this->image_.strides[0];
     }
-    CopySized(image_.planes[0], from, bytes);
+    CopySized(this->image_.planes[0], from, bytes);
 }
 
 template class CImageWriter<8, 0>;

@@ -27,10 +27,9 @@ struct McuWriteFormat {
 McuWriteFormat WriteFormat422(std::uint32_t format);
 McuWriteFormat WriteFormat420(std::uint32_t format);
 
-/// Rows of MCUs to a picture. Lines is the height of an MCU row, 8 or 16. WholeImage is 1 when it covers as many lines
-/// of the picture, and 0 when it covers twice as many: one field of a frame.
+/// Rows of MCUs to a picture, see TMcuRows.
 template <int Lines, int WholeImage>
-class CImageWriter {
+class CImageWriter : public TMcuRows<Lines, WholeImage, std::uint8_t, McuWriteContext, McuWriteFormat> {
 public:
     CImageWriter() = default;
     CImageWriter(const CImageWriter&) = delete;
@@ -41,46 +40,22 @@ public:
     /// @return 0, IMG_E_BAD_FORMAT or IMG_E_NO_MEMORY
     virtual Status Init(const ImageDescriptor& image, unsigned fieldIndex, bool lineShift) = 0;
     virtual void Begin() {}
-    virtual void BeginRow(unsigned row);
+    virtual void BeginRow(unsigned row) { this->StartRow(row); }
     virtual void EndRow();
     virtual void End() {}
 
-    unsigned Columns() const { return columns_; }
-    unsigned Rows() const { return rows_; }
-
     /// Writes the blocks of the next MCU of the row.
     void WriteMCU(const std::int16_t* blocks) {
-        context_.blocks = blocks;
-        if (++column_ == columns_) {
-            context_.columns = image_.width - 16 * (columns_ - 1);
-            context_.room = context_.columns + (roomForPair_ ? context_.columns % 2 : 0);
+        this->context_.blocks = blocks;
+        if (++this->column_ == this->columns_) {
+            this->context_.columns = this->image_.width - 16 * (this->columns_ - 1);
+            this->context_.room = this->context_.columns + (this->lineHoldsPair_ ? this->context_.columns % 2 : 0);
         }
-        if (context_.pixels == nullptr) return;
-        format_.kernel(context_);
-        context_.pixels += format_.bytesPer16;
-        if (context_.alpha != nullptr) context_.alpha += 16;
+        if (this->context_.pixels == nullptr) return;
+        this->format_.kernel(this->context_);
+        this->context_.pixels += this->format_.bytesPer16;
+        if (this->context_.alpha != nullptr) this->context_.alpha += 16;
     }
-
-protected:
-    /// What Init of the derived classes shares. `rows` is the number of MCU rows.
-    Status Prepare(const ImageDescriptor& image, unsigned fieldIndex, bool lineShift, unsigned rows,
-                   const McuWriteFormat& format);
-
-    ImageDescriptor image_;  ///< First line first.
-    McuWriteFormat format_;
-    unsigned columns_ = 0;
-    unsigned column_ = 0;
-    unsigned rows_ = 0;
-    unsigned row_ = 0;
-    bool secondField_ = false;
-    bool lineShift_ = false;
-    bool roomForPair_ = false;  ///< The lines have room for a pixel behind an odd last one.
-    McuWriteContext context_;
-    AlignedBuffer wrapped_;
-    std::size_t wrappedStride_ = 0;
-
-private:
-    McuRowLayout Layout() const { return {Lines, WholeImage != 0, secondField_, lineShift_, rows_, image_.height}; }
 };
 
 /// 4:2:2 of a field of a frame (WholeImage 0) or of an image of its own (1).

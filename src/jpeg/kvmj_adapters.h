@@ -5,6 +5,7 @@
 
 #include "codec/codec_object.h"
 #include "jpeg/kvmj_codec.h"
+#include "jpeg/kvmj_codecs.h"
 
 namespace KorvaneSoftware {
 
@@ -40,9 +41,5 @@ public:
 private:
     std::unique_ptr<IDecoder> decoder_;
 };
-
-/// For the table of codecs.
-IBasicInterface* CreateMJPGEncoder();
-IBasicInterface* CreateMJPGDecoder();
 
 }  // namespace KorvaneSoftware

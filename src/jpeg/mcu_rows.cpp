@@ -24,10 +24,14 @@ McuRow McuRowLayout::At(unsigned row) const {
     return result;
 }
 
-void TurnTopDown(ImageDescriptor& image) {
+template <class Byte>
+void TurnTopDown(TImageDescriptor<Byte>& image) {
     if (image.format != FMT_BGR && image.format != FMT_BGRA) return;
     if (image.height > 0) image.planes[0] += static_cast<std::int64_t>(image.height - 1) * image.strides[0];
     image.strides[0] = -image.strides[0];
 }
+
+template void TurnTopDown(ImageDescriptor&);
+template void TurnTopDown(ConstImageDescriptor&);
 
 }  // namespace KorvaneSoftware

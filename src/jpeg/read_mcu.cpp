@@ -1,3 +1,4 @@
+#include "foundation/sample_order.h"
 #include "jpeg/x86/mcu_pixel_forms.h"
 
 namespace KorvaneSoftware {
@@ -54,19 +55,19 @@ struct RgbPixels {
     }
 };
 
-template <int Y0, int U, int Y1, int V>
+template <PackedOrder kOrder>
 struct PackedPixels {
     static void Load(const std::uint8_t* src, const Line& line) {
         for (int pair = 0; pair < kPixels / 2; ++pair, src += 4) {
-            line.SetY(2 * pair, src[Y0] - 128);
-            line.SetY(2 * pair + 1, src[Y1] - 128);
-            line.SetChroma(pair, src[U] - 128, src[V] - 128);
+            line.SetY(2 * pair, src[kOrder.y0] - 128);
+            line.SetY(2 * pair + 1, src[kOrder.y1] - 128);
+            line.SetChroma(pair, src[kOrder.u] - 128, src[kOrder.v] - 128);
         }
     }
 };
-using UyvyPixels = PackedPixels<1, 0, 3, 2>;
-using Yuy2Pixels = PackedPixels<0, 1, 2, 3>;
-using YvyuPixels = PackedPixels<0, 3, 2, 1>;
+using UyvyPixels = PackedPixels<kUyvyOrder>;
+using Yuy2Pixels = PackedPixels<kYuy2Order>;
+using YvyuPixels = PackedPixels<kYvyuOrder>;
 
 template <bool HasAlpha>
 struct TilePixels {

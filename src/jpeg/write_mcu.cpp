@@ -1,3 +1,4 @@
+#include "foundation/sample_order.h"
 #include "jpeg/x86/mcu_pixel_forms.h"
 
 namespace KorvaneSoftware {
@@ -85,20 +86,20 @@ struct AyuvPixels {
 };
 
 // Pairs of pixels in four bytes, by the place of each.
-template <int Y0, int U, int Y1, int V>
+template <PackedOrder kOrder>
 struct PackedPixels {
     static void Store(std::uint8_t* dst, const Line& line) {
         for (int pair = 0; pair < kPixels / 2; ++pair, dst += 4) {
-            dst[Y0] = Sample(line.Y(2 * pair));
-            dst[U] = Sample(line.cb[pair]);
-            dst[Y1] = Sample(line.Y(2 * pair + 1));
-            dst[V] = Sample(line.cr[pair]);
+            dst[kOrder.y0] = Sample(line.Y(2 * pair));
+            dst[kOrder.u] = Sample(line.cb[pair]);
+            dst[kOrder.y1] = Sample(line.Y(2 * pair + 1));
+            dst[kOrder.v] = Sample(line.cr[pair]);
         }
     }
 };
-using UyvyPixels = PackedPixels<1, 0, 3, 2>;
-using Yuy2Pixels = PackedPixels<0, 1, 2, 3>;
-using YvyuPixels = PackedPixels<0, 3, 2, 1>;
+using UyvyPixels = PackedPixels<kUyvyOrder>;
+using Yuy2Pixels = PackedPixels<kYuy2Order>;
+using YvyuPixels = PackedPixels<kYvyuOrder>;
 
 // 16 Y, then alpha or nothing, 8 Cb, 8 Cr.
 template <bool HasAlpha>

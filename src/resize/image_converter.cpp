@@ -28,34 +28,27 @@ private:
     std::uint8_t* data_;
 };
 
-bool IsSameSize(const ImageDescriptor& a, const ImageDescriptor& b) {
-    return a.width == b.width && a.height == b.height;
-}
-
-// Formats of 16-pixel blocks, which no resizer works on.
-bool IsBlockFormat(std::uint32_t format) { return format >= FMT_Y16 && format <= FMT_Y32AB; }
-
-// Samples in 16-bit words.
-bool IsWordFormat(std::uint32_t format) { return format >= FMT_S400 && format <= FMT_P422; }
+bool IsSameSize(const FormatHead& a, const FormatHead& b) { return a.width == b.width && a.height == b.height; }
 
 // Which step comes first where format and size change: what costs less or keeps more.
-bool IsConvertedFirst(const ImageDescriptor& converted, const ImageDescriptor& resized) {
-    if (IsBlockFormat(converted.format)) return false;
+bool IsConvertedFirst(const FormatHead& converted, const FormatHead& resized) {
+    // No resizer works on blocks.
+    if (HasTraits(converted.format, FORMAT_BLOCKS)) return false;
     if (ImageBufferSizeAligned(&converted, kTemporaryAlignment) <=
         ImageBufferSizeAligned(&resized, kTemporaryAlignment))
         return true;
     // Raising the depth before resizing keeps precision, whatever it costs.
-    return IsWordFormat(converted.format) && !IsWordFormat(resized.format);
+    return HasTraits(converted.format, FORMAT_WORD_PLANES) && !HasTraits(resized.format, FORMAT_WORD_PLANES);
 }
 
-Status CheckResize(const ImageDescriptor& dst, const ImageDescriptor& src) {
+Status CheckResize(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     ResizePlan plan;
     return PlanResize(plan, dst, src);
 }
 
 }  // namespace
 
-Status CheckConvert(const ImageDescriptor& dst, const ImageDescriptor& src) {
+Status CheckConvert(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     if (dst.format == FMT_NONE) return IMG_E_BAD_FORMAT;
     if (dst.planes[0] == nullptr || src.planes[0] == nullptr) return IMG_E_NULL_ARG;
     const bool sameFormat = dst.format == src.format;
@@ -66,7 +59,7 @@ Status CheckConvert(const ImageDescriptor& dst, const ImageDescriptor& src) {
     const bool isConvertedFirst = IsConvertedFirst(converted, resized);
     ImageDescriptor between = isConvertedFirst ? converted : resized;
     // Any plane will do: nothing is written.
-    if (const Status status = ImageSetTemporaryPlanes(&between, src.planes[0]); status != IMG_OK) return status;
+    if (const Status status = ImageSetTemporaryPlanes(&between, dst.planes[0]); status != IMG_OK) return status;
     const Status first = isConvertedFirst ? CheckImageConversion(between, src) : CheckResize(between, src);
     if (first != IMG_OK) return first;
     return isConvertedFirst ? CheckResize(dst, between) : CheckImageConversion(dst, between);
@@ -106,13 +99,20 @@ Status CImageConverter::Convert(ImageDescriptor* dst, const ImageDescriptor* src
             *dst = *src;
             return IMG_OK;
         }
-        const bool sameFormat = dst->format == src->format;
-        if (IsSameSize(*dst, *src)) return sameFormat ? CopyImage(dst, src) : convert_(dst, src);
-        return sameFormat ? Resize(*dst, *src) : ResizeAndConvert(*dst, *src);
+        return ConvertPicture(*dst, *src);
     });
 }
 
-Status CImageConverter::Resize(const ImageDescriptor& dst, const ImageDescriptor& src) {
+Status CImageConverter::ConvertPicture(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
+    return Guarded([&] {
+        const bool sameFormat = dst.format == src.format;
+        if (convert_ == nullptr && !sameFormat) return IMG_E_BAD_FORMAT;
+        if (IsSameSize(dst, src)) return sameFormat ? CopyImage(dst, src) : convert_(dst, src);
+        return sameFormat ? Resize(dst, src) : ResizeAndConvert(dst, src);
+    });
+}
+
+Status CImageConverter::Resize(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     ResizePlan plan;
     if (const Status status = PlanResize(plan, dst, src); status != IMG_OK) return status;
     if (plan.between.format == FMT_NONE) {
@@ -126,7 +126,7 @@ Status CImageConverter::Resize(const ImageDescriptor& dst, const ImageDescriptor
     return IMG_OK;
 }
 
-Status CImageConverter::ResizeAndConvert(const ImageDescriptor& dst, const ImageDescriptor& src) {
+Status CImageConverter::ResizeAndConvert(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     const ImageDescriptor resized = HeadAt(src, dst.width, dst.height);
     const ImageDescriptor converted = HeadAt(dst, src.width, src.height);
     const bool isConvertFirst = IsConvertedFirst(converted, resized);
@@ -135,11 +135,11 @@ Status CImageConverter::ResizeAndConvert(const ImageDescriptor& dst, const Image
     if (!buffer) return IMG_E_NO_MEMORY;
     if (const Status status = buffer.Describe(between); status != IMG_OK) return status;
     if (isConvertFirst) {
-        if (const Status status = convert_(&between, &src); status != IMG_OK) return status;
+        if (const Status status = convert_(between, src); status != IMG_OK) return status;
         return Resize(dst, between);
     }
     if (const Status status = Resize(between, src); status != IMG_OK) return status;
-    return convert_(&dst, &between);
+    return convert_(dst, between);
 }
 
 Status CImageConverter::ConvertRegion(ImageDescriptor* dst, const ImageDescriptor* src, const ImageRect* rect) {
@@ -154,7 +154,7 @@ Status CImageConverter::ConvertRegion(ImageDescriptor* dst, const ImageDescripto
         ImageDescriptor from = *src;
         if (const Status status = ImageCrop(&to, *rect); status != IMG_OK) return status;
         if (const Status status = ImageCrop(&from, *rect); status != IMG_OK) return status;
-        return convert_(&to, &from);
+        return convert_(to, from);
     });
 }
 

@@ -19,7 +19,7 @@ inline constexpr GUID IID_IImageConverter = {
 
 /// Turns `src` into the format of `dst`; the sizes are equal. Passed by value, so that the converter does not depend on
 /// the kernels.
-using ConversionFunction = Status (*)(const ImageDescriptor* dst, const ImageDescriptor* src);
+using ConversionFunction = Status (*)(const ImageDescriptor& dst, const ConstImageDescriptor& src);
 
 /// Operations on pictures; the order of the methods is part of the interface. A null argument gives IMG_E_NULL_ARG.
 class IImageConverter {
@@ -62,6 +62,9 @@ public:
     /// Gives a buffer back for later use; nothing is freed. An unknown pointer is ignored.
     void ReleaseBuffer(const std::uint8_t* buffer) noexcept;
 
+    /// What Convert does between pictures that both have a format: the source is only read.
+    Status ConvertPicture(const ImageDescriptor& dst, const ConstImageDescriptor& src);
+
     std::size_t FreeBufferCount() const { return freeBuffers_.size(); }
     std::size_t UsedBufferCount() const { return usedBuffers_.size(); }
 
@@ -69,9 +72,9 @@ private:
     ~CImageConverter() override = default;
 
     // Within one format; a picture between two passes is kept for the next call.
-    Status Resize(const ImageDescriptor& dst, const ImageDescriptor& src);
+    Status Resize(const ImageDescriptor& dst, const ConstImageDescriptor& src);
     // Format and size through one temporary picture, in the order that costs less or keeps more.
-    Status ResizeAndConvert(const ImageDescriptor& dst, const ImageDescriptor& src);
+    Status ResizeAndConvert(const ImageDescriptor& dst, const ConstImageDescriptor& src);
 
     using ConverterBuffers = std::list<AlignedBuffer>;
 
@@ -84,7 +87,7 @@ private:
 
 /// Whether Convert has a way from `src` to `dst` where its function is ImageConversionDispatch: everything is looked at
 /// but memory, and nothing is converted. A `dst` of format 0 is none.
-Status CheckConvert(const ImageDescriptor& dst, const ImageDescriptor& src);
+Status CheckConvert(const ImageDescriptor& dst, const ConstImageDescriptor& src);
 
 /// A converter with one reference and no conversion function; null when memory is short.
 CImageConverter* CreateImageConverter();

@@ -234,25 +234,13 @@ constexpr std::uint32_t kLargestNarrowSource = 128;
 const LineLayout& LayoutOf(LineKind kind) { return kLayouts[static_cast<int>(kind)]; }
 
 LineKind LineKindOf(std::uint32_t format, std::uint32_t plane) {
-    switch (format) {
-        case FMT_BGR:
-            return LineKind::Bgr;
-        case FMT_BGRA:
-            return LineKind::Bgra;
-        case FMT_UYVY:
-            return LineKind::Uyvy;
-        case FMT_YUY2:
-        case FMT_YVYU:
-            return LineKind::Yuy2;
-        case FMT_S400:
-        case FMT_S420:
-        case FMT_S422:
-            return LineKind::Words;
-        case FMT_NV12:
-            return plane == 0 ? LineKind::Planar : LineKind::Pairs;
-        default:
-            return LineKind::Planar;
-    }
+    if (HasTraits(format, FORMAT_WORD_PLANES)) return LineKind::Words;
+    if (HasTraits(format, FORMAT_PACKED_422))
+        return HasTraits(format, FORMAT_LUMA_FIRST) ? LineKind::Yuy2 : LineKind::Uyvy;
+    const FormatInfo& info = *FormatInfoOf({format});
+    if (plane > 0) return info.planeCount == 2 ? LineKind::Pairs : LineKind::Planar;
+    if (info.plane0Bits == 24) return LineKind::Bgr;
+    return info.plane0Bits == 32 ? LineKind::Bgra : LineKind::Planar;
 }
 
 // With both sizes divided by their common divisor, sums are at most 255 * n for the reduced source size n. In single

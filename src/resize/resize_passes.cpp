@@ -1,6 +1,7 @@
 #include "resize/resize_passes.h"
 
 #include <cstring>
+#include <type_traits>
 
 #include "resize/resample_rows.h"
 
@@ -9,14 +10,20 @@ namespace KorvaneSoftware {
 namespace {
 
 /// One plane of a picture; for packed formats all of it.
-struct Plane {
-    std::uint8_t* data;
+template <class Byte>
+struct PlaneView {
+    Byte* data;
     std::int64_t stride;
     std::uint32_t width;
     std::uint32_t height;
-};
 
-Plane PlaneOf(const ImageDescriptor& desc, std::uint32_t plane) {
+    operator PlaneView<const Byte>() const requires(!std::is_const_v<Byte>) { return {data, stride, width, height}; }
+};
+using Plane = PlaneView<std::uint8_t>;
+using ConstPlane = PlaneView<const std::uint8_t>;
+
+template <class Byte>
+PlaneView<Byte> PlaneOf(const TImageDescriptor<Byte>& desc, std::uint32_t plane) {
     const PlaneShiftRecord::Shift shift = PlaneShiftsOf(desc.format).planes[plane];
     return {desc.planes[plane], desc.strides[plane], desc.width >> shift.width, desc.height >> shift.height};
 }
@@ -83,20 +90,21 @@ private:
     AreaScale area_ = {};
 };
 
-void HorizontalPass(LineKind kind, const Plane& dst, const Plane& src, RowPlans& rowPlans) {
+void HorizontalPass(LineKind kind, const Plane& dst, const ConstPlane& src, RowPlans& rowPlans) {
     const RowPlan plan = rowPlans.Find(kind, src.width, dst.width);
     for (std::int64_t row = 0; row < dst.height; ++row)
         ResampleRow(dst.data + row * dst.stride, src.data + row * src.stride, plan);
 }
 
-void VerticalPass(LineKind kind, const Plane& dst, const Plane& src) {
+void VerticalPass(LineKind kind, const Plane& dst, const ConstPlane& src) {
     const VerticalFilter filter(kind, src.width, src.height, dst.height);
     for (std::uint32_t row = 0; row < dst.height; ++row)
         filter.Run(dst.data + row * dst.stride, src.data, src.stride, row);
 }
 
 /// Vertical, then horizontal; `line` holds a line of the source's width.
-void VerticalThenHorizontal(LineKind kind, const Plane& dst, std::uint8_t* line, const Plane& src, RowPlans& rowPlans) {
+void VerticalThenHorizontal(LineKind kind, const Plane& dst, std::uint8_t* line, const ConstPlane& src,
+                            RowPlans& rowPlans) {
     const RowPlan plan = rowPlans.Find(kind, src.width, dst.width);
     const VerticalFilter filter(kind, src.width, src.height, dst.height);
     for (std::uint32_t row = 0; row < dst.height; ++row) {
@@ -107,7 +115,7 @@ void VerticalThenHorizontal(LineKind kind, const Plane& dst, std::uint8_t* line,
 
 /// Horizontal, then linear vertical: the two lines that a destination line lies between are kept in `lines`, the even
 /// ones of the source in the first. Each source line is resized once.
-void HorizontalThenLinear(LineKind kind, const Plane& dst, const Plane& lines, const Plane& src,
+void HorizontalThenLinear(LineKind kind, const Plane& dst, const Plane& lines, const ConstPlane& src,
                           const VerticalFilter& filter, RowPlans& rowPlans) {
     const RowPlan plan = rowPlans.Find(kind, src.width, dst.width);
     std::uint32_t made = 0;
@@ -121,7 +129,7 @@ void HorizontalThenLinear(LineKind kind, const Plane& dst, const Plane& lines, c
 }
 
 /// Both directions halved in one go.
-void HalvePass(LineKind kind, const Plane& dst, const Plane& src, RowPlans& rowPlans) {
+void HalvePass(LineKind kind, const Plane& dst, const ConstPlane& src, RowPlans& rowPlans) {
     const RowPlan plan = rowPlans.Find(kind, src.width, dst.width);
     for (std::int64_t row = 0; row < dst.height; ++row) {
         const std::uint8_t* const first = src.data + 2 * row * src.stride;
@@ -130,7 +138,7 @@ void HalvePass(LineKind kind, const Plane& dst, const Plane& src, RowPlans& rowP
 }
 
 /// Both directions through the picture between, horizontal first.
-void HorizontalThenVertical(LineKind kind, const Plane& dst, const Plane& between, const Plane& src,
+void HorizontalThenVertical(LineKind kind, const Plane& dst, const Plane& between, const ConstPlane& src,
                             RowPlans& rowPlans) {
     const VerticalFilter filter(kind, dst.width, src.height, dst.height);
     if (filter.Filter() == ResampleFilter::Linear) {
@@ -149,7 +157,7 @@ void RunResize(const ResizePlan& plan, RowPlans& rowPlans) noexcept {
     for (std::uint32_t plane = 0; plane < count; ++plane) {
         const LineKind kind = LineKindOf(plan.src.format, plane);
         const Plane dst = PlaneOf(plan.dst, plane);
-        const Plane src = PlaneOf(plan.src, plane);
+        const ConstPlane src = PlaneOf(plan.src, plane);
         switch (plan.route) {
             case ResizeRoute::Horizontal:
                 HorizontalPass(kind, dst, src, rowPlans);

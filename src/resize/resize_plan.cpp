@@ -9,56 +9,25 @@ namespace {
 // Strides are 32-bit at the surface: no picture has longer lines.
 constexpr std::uint64_t kLargestLine = 0x7FFFFFFF;
 
-constexpr bool IsPacked(std::uint32_t format) { return format == FMT_UYVY || format == FMT_YUY2 || format == FMT_YVYU; }
-
 /// Whether the format can be resized at all. The planar formats outside PlaneShiftTable have passes by name only.
-Status CheckFormat(const ImageDescriptor& desc) {
+Status CheckFormat(const FormatHead& desc) {
     if (FormatInfoOf(desc) != nullptr && PlaneShiftsOf(desc.format).planeCount != 0) return IMG_OK;
-    switch (desc.format) {
-        case FMT_IMC1:
-        case FMT_IMC2:
-        case FMT_IMC3:
-        case FMT_IMC4:
-        case FMT_P420:
-        case FMT_P422:
-            return IMG_E_NO_PATH;
-        default:
-            return IMG_E_UNSUPPORTED;
-    }
+    return HasTraits(desc.format, FORMAT_RESIZED_BY_NAME) ? IMG_E_NO_PATH : IMG_E_UNSUPPORTED;
 }
 
-Status CheckSize(const ImageDescriptor& desc) {
+Status CheckSize(const FormatHead& desc) {
     const FormatInfo& info = *FormatInfoOf(desc);
     if (desc.width == 0 || desc.height == 0 || desc.width % info.xAlign != 0 || desc.height % info.yAlign != 0)
-        return IsPacked(desc.format) ? IMG_E_BAD_SIZE : IMG_E_BAD_ALIGNMENT;
+        return HasTraits(desc.format, FORMAT_PACKED_422) ? IMG_E_BAD_SIZE : IMG_E_BAD_ALIGNMENT;
     const bool tooLarge =
         LineBytes(LineKindOf(desc.format, 0), desc.width) > kLargestLine || desc.height > kLargestLine;
     return tooLarge ? IMG_E_BAD_SIZE : IMG_OK;
 }
 
-/// Formats that are resized in both directions at once where the ratio allows it.
-bool HasFixedRatios(std::uint32_t format) {
-    switch (format) {
-        case FMT_BGRA:
-        case FMT_Y444:
-        case FMT_UYVY:
-        case FMT_YUY2:
-        case FMT_YVYU:
-        case FMT_Y422:
-        case FMT_I420:
-        case FMT_YV12:
-        case FMT_NV12:
-        case FMT_Y400:
-            return true;
-        default:
-            return false;
-    }
-}
-
-ResizeRoute RouteOf(const ImageDescriptor& dst, const ImageDescriptor& src) {
+ResizeRoute RouteOf(const FormatHead& dst, const FormatHead& src) {
     if (dst.height == src.height) return ResizeRoute::Horizontal;
     if (dst.width == src.width) return ResizeRoute::Vertical;
-    if (HasFixedRatios(src.format)) {
+    if (HasTraits(src.format, FORMAT_RESIZED_DIRECTLY)) {
         const auto isRatio = [&](std::uint64_t acrossSrc, std::uint64_t acrossDst, std::uint64_t down) {
             return src.width * acrossDst == dst.width * acrossSrc && src.height == dst.height * down;
         };
@@ -77,18 +46,14 @@ ResizeRoute RouteOf(const ImageDescriptor& dst, const ImageDescriptor& src) {
 
 }  // namespace
 
-ImageDescriptor HeadAt(const ImageDescriptor& picture, std::uint32_t width, std::uint32_t height) {
-    ImageDescriptor head = picture;
+ImageDescriptor HeadAt(const FormatHead& picture, std::uint32_t width, std::uint32_t height) {
+    ImageDescriptor head = {picture};
     head.width = width;
     head.height = height;
-    for (int plane = 0; plane < 4; ++plane) {
-        head.planes[plane] = nullptr;
-        head.strides[plane] = 0;
-    }
     return head;
 }
 
-Status PlanResize(ResizePlan& plan, const ImageDescriptor& dst, const ImageDescriptor& src) noexcept {
+Status PlanResize(ResizePlan& plan, const ImageDescriptor& dst, const ConstImageDescriptor& src) noexcept {
     if (const Status status = CheckFormat(src); status != IMG_OK) return status;
     if (dst.format != src.format) return IMG_E_BAD_FORMAT;
     if (const Status status = CheckSize(dst); status != IMG_OK) return status;

@@ -27,7 +27,8 @@ constexpr std::size_t kResizeLineBytes = 32768;
 struct ResizePlan {
     ResizeRoute route = ResizeRoute::Horizontal;
     /// Both sides, with all planes and strides.
-    ImageDescriptor dst, src;
+    ImageDescriptor dst;
+    ConstImageDescriptor src;
     /// The picture between two passes, without planes: those are placed before the run. Format 0 where there is none.
     ImageDescriptor between;
 };
@@ -36,9 +37,9 @@ struct ResizePlan {
 /// @return 0; IMG_E_NO_PATH or IMG_E_UNSUPPORTED for a format that cannot be resized; IMG_E_BAD_FORMAT for different
 ///         formats; IMG_E_BAD_ALIGNMENT for a size that the format cannot have (packed 4:2:2: IMG_E_BAD_SIZE);
 ///         IMG_E_BAD_SIZE where a line would pass 2 GiB; IMG_E_NULL_ARG without a first plane.
-Status PlanResize(ResizePlan& plan, const ImageDescriptor& dst, const ImageDescriptor& src) noexcept;
+Status PlanResize(ResizePlan& plan, const ImageDescriptor& dst, const ConstImageDescriptor& src) noexcept;
 
 /// The format head of a picture at another size, without planes.
-ImageDescriptor HeadAt(const ImageDescriptor& picture, std::uint32_t width, std::uint32_t height);
+ImageDescriptor HeadAt(const FormatHead& picture, std::uint32_t width, std::uint32_t height);
 
 }  // namespace KorvaneSoftware

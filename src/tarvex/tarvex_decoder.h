@@ -6,6 +6,7 @@
 #include "foundation/worker_team.h"
 #include "tarvex/alpha_image.h"
 #include "tarvex/field_coder.h"
+#include "tarvex/tarvex_codecs.h"
 #include "tarvex/tarvex_format.h"
 #include "tarvex/tarvex_frame.h"
 
@@ -50,9 +51,5 @@ protected:
 private:
     TThreadState<CTRVTImageWriter> alphaWriters_[2];
 };
-
-/// For the table of codecs.
-IBasicInterface* CreateTRVDDecoder();
-IBasicInterface* CreateTRVTDecoder();
 
 }  // namespace KorvaneSoftware

@@ -7,6 +7,7 @@
 #include "foundation/worker_team.h"
 #include "tarvex/alpha_image.h"
 #include "tarvex/field_coder.h"
+#include "tarvex/tarvex_codecs.h"
 #include "tarvex/tarvex_format.h"
 
 namespace KorvaneSoftware {
@@ -59,9 +60,5 @@ protected:
 private:
     TThreadState<CTRVTImageReader> alphaReaders_[2];
 };
-
-/// For the table of codecs.
-IBasicInterface* CreateTRVDEncoder();
-IBasicInterface* CreateTRVTEncoder();
 
 }  // namespace KorvaneSoftware

@@ -11,7 +11,7 @@ namespace {
 
 // Calls `mix(dst, src)` with the first byte of every pixel, rows in memory order. Source and destination may coincide.
 template <class MixPixel>
-void ForEachPixel(const ImageDescriptor& dst, const ImageDescriptor& src, MixPixel mix) {
+void ForEachPixel(const ImageDescriptor& dst, const ConstImageDescriptor& src, MixPixel mix) {
     for (std::int64_t row = 0; row < dst.height; ++row) {
         std::uint8_t* to = dst.planes[0] + row * dst.strides[0];
         const std::uint8_t* from = src.planes[0] + row * src.strides[0];
@@ -21,7 +21,7 @@ void ForEachPixel(const ImageDescriptor& dst, const ImageDescriptor& src, MixPix
 
 }  // namespace
 
-void plain::MovTitleBgra(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+void plain::MovTitleBgra(const ImageDescriptor& dst, const ConstImageDescriptor& src, const TitleMix& mix) {
     const std::uint32_t factor = mix.regionAlpha + 1;
     ForEachPixel(dst, src, [factor](std::uint8_t* d, const std::uint8_t* s) {
         const std::uint32_t m = s[3] * factor;
@@ -30,7 +30,7 @@ void plain::MovTitleBgra(const ImageDescriptor& dst, const ImageDescriptor& src,
     });
 }
 
-void plain::NPTitleBgra(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+void plain::NPTitleBgra(const ImageDescriptor& dst, const ConstImageDescriptor& src, const TitleMix& mix) {
     const std::uint32_t factor = mix.regionAlpha + 1;
     ForEachPixel(dst, src, [factor](std::uint8_t* d, const std::uint8_t* s) {
         for (int c = 0; c < 3; ++c) d[c] = s[c];
@@ -38,7 +38,7 @@ void plain::NPTitleBgra(const ImageDescriptor& dst, const ImageDescriptor& src, 
     });
 }
 
-void plain::AddTitleBgra(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+void plain::AddTitleBgra(const ImageDescriptor& dst, const ConstImageDescriptor& src, const TitleMix& mix) {
     const std::uint32_t factor = mix.regionAlpha + 1;
     ForEachPixel(dst, src, [factor](std::uint8_t* d, const std::uint8_t* s) {
         const std::uint32_t alpha = s[3];
@@ -49,7 +49,7 @@ void plain::AddTitleBgra(const ImageDescriptor& dst, const ImageDescriptor& src,
     });
 }
 
-void plain::TitleToImage(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix&) {
+void plain::TitleToImage(const ImageDescriptor& dst, const ConstImageDescriptor& src, const TitleMix&) {
     ForEachPixel(dst, src, [](std::uint8_t* d, const std::uint8_t* s) {
         const std::uint32_t alpha = s[3];
         for (int c = 0; c < 3; ++c) {

@@ -108,7 +108,7 @@ struct BgraSource {
         w.second = (row[8 * pair + 7] + 1u) * w.factor;
         return ReadRgbPair<4>(row, pair, matrix);
     }
-    static std::int32_t Black(const ImageDescriptor& frame) { return (frame.colorMatrix & 3) == 3 ? 0 : 16; }
+    static std::int32_t Black(const FormatHead& frame) { return (frame.colorMatrix & 3) == 3 ? 0 : 16; }
     using Move = MoveWeighted;
     using Add = AddWeighted;
 };
@@ -120,7 +120,7 @@ struct BgrSource {
     static Pair Read(const std::uint8_t* row, std::size_t pair, const RgbToYuvRow& matrix, Weights&) {
         return ReadRgbPair<3>(row, pair, matrix);
     }
-    static std::int32_t Black(const ImageDescriptor& frame) { return BgraSource::Black(frame); }
+    static std::int32_t Black(const FormatHead& frame) { return BgraSource::Black(frame); }
     using Move = MoveBlended;
     using Add = AddBlended;
 };
@@ -133,13 +133,13 @@ struct PackedSource {
         return ReadPair<Samples>(row, pair);
     }
     // Video levels whatever the frame's matrix.
-    static std::int32_t Black(const ImageDescriptor&) { return 16; }
+    static std::int32_t Black(const FormatHead&) { return 16; }
     using Move = MoveBlended;
     using Add = AddBlended;
 };
 
 template <class Mixing, class Source, class FrameSamples>
-void Lay(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+void Lay(const ImageDescriptor& dst, const ConstImageDescriptor& src, const TitleMix& mix) {
     const RgbToYuvRow& matrix = RgbToYuvOf(dst.colorMatrix);
     const std::size_t pairs = Source::PairCount(dst.width);
     Weights weights{0, 0, mix.regionAlpha + 1, Source::Black(dst)};
@@ -154,12 +154,12 @@ void Lay(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix&
 }
 
 template <class Source, class FrameSamples>
-void Move(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+void Move(const ImageDescriptor& dst, const ConstImageDescriptor& src, const TitleMix& mix) {
     Lay<typename Source::Move, Source, FrameSamples>(dst, src, mix);
 }
 
 template <class Source, class FrameSamples>
-void Add(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+void Add(const ImageDescriptor& dst, const ConstImageDescriptor& src, const TitleMix& mix) {
     Lay<typename Source::Add, Source, FrameSamples>(dst, src, mix);
 }
 
@@ -169,64 +169,64 @@ using YvyuSource = PackedSource<YvyuSamples>;
 
 }  // namespace
 
-void plain::MoveBgraToUyvy(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+void plain::MoveBgraToUyvy(const ImageDescriptor& dst, const ConstImageDescriptor& src, const TitleMix& mix) {
     Move<BgraSource, UyvySamples>(dst, src, mix);
 }
-void plain::MoveBgraToYuy2(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+void plain::MoveBgraToYuy2(const ImageDescriptor& dst, const ConstImageDescriptor& src, const TitleMix& mix) {
     Move<BgraSource, Yuy2Samples>(dst, src, mix);
 }
-void plain::MoveBgrToUyvy(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+void plain::MoveBgrToUyvy(const ImageDescriptor& dst, const ConstImageDescriptor& src, const TitleMix& mix) {
     Move<BgrSource, UyvySamples>(dst, src, mix);
 }
-void plain::MoveBgrToYuy2(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+void plain::MoveBgrToYuy2(const ImageDescriptor& dst, const ConstImageDescriptor& src, const TitleMix& mix) {
     Move<BgrSource, Yuy2Samples>(dst, src, mix);
 }
-void plain::MoveUyvyToUyvy(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+void plain::MoveUyvyToUyvy(const ImageDescriptor& dst, const ConstImageDescriptor& src, const TitleMix& mix) {
     Move<UyvySource, UyvySamples>(dst, src, mix);
 }
-void plain::MoveUyvyToYuy2(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+void plain::MoveUyvyToYuy2(const ImageDescriptor& dst, const ConstImageDescriptor& src, const TitleMix& mix) {
     Move<UyvySource, Yuy2Samples>(dst, src, mix);
 }
-void plain::MoveYuy2ToUyvy(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+void plain::MoveYuy2ToUyvy(const ImageDescriptor& dst, const ConstImageDescriptor& src, const TitleMix& mix) {
     Move<Yuy2Source, UyvySamples>(dst, src, mix);
 }
-void plain::MoveYuy2ToYuy2(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+void plain::MoveYuy2ToYuy2(const ImageDescriptor& dst, const ConstImageDescriptor& src, const TitleMix& mix) {
     Move<Yuy2Source, Yuy2Samples>(dst, src, mix);
 }
-void plain::MoveYvyuToUyvy(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+void plain::MoveYvyuToUyvy(const ImageDescriptor& dst, const ConstImageDescriptor& src, const TitleMix& mix) {
     Move<YvyuSource, UyvySamples>(dst, src, mix);
 }
-void plain::MoveYvyuToYuy2(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+void plain::MoveYvyuToYuy2(const ImageDescriptor& dst, const ConstImageDescriptor& src, const TitleMix& mix) {
     Move<YvyuSource, Yuy2Samples>(dst, src, mix);
 }
-void plain::AddBgraToUyvy(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+void plain::AddBgraToUyvy(const ImageDescriptor& dst, const ConstImageDescriptor& src, const TitleMix& mix) {
     Add<BgraSource, UyvySamples>(dst, src, mix);
 }
-void plain::AddBgraToYuy2(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+void plain::AddBgraToYuy2(const ImageDescriptor& dst, const ConstImageDescriptor& src, const TitleMix& mix) {
     Add<BgraSource, Yuy2Samples>(dst, src, mix);
 }
-void plain::AddBgrToUyvy(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+void plain::AddBgrToUyvy(const ImageDescriptor& dst, const ConstImageDescriptor& src, const TitleMix& mix) {
     Add<BgrSource, UyvySamples>(dst, src, mix);
 }
-void plain::AddBgrToYuy2(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+void plain::AddBgrToYuy2(const ImageDescriptor& dst, const ConstImageDescriptor& src, const TitleMix& mix) {
     Add<BgrSource, Yuy2Samples>(dst, src, mix);
 }
-void plain::AddUyvyToUyvy(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+void plain::AddUyvyToUyvy(const ImageDescriptor& dst, const ConstImageDescriptor& src, const TitleMix& mix) {
     Add<UyvySource, UyvySamples>(dst, src, mix);
 }
-void plain::AddUyvyToYuy2(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+void plain::AddUyvyToYuy2(const ImageDescriptor& dst, const ConstImageDescriptor& src, const TitleMix& mix) {
     Add<UyvySource, Yuy2Samples>(dst, src, mix);
 }
-void plain::AddYuy2ToUyvy(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+void plain::AddYuy2ToUyvy(const ImageDescriptor& dst, const ConstImageDescriptor& src, const TitleMix& mix) {
     Add<Yuy2Source, UyvySamples>(dst, src, mix);
 }
-void plain::AddYuy2ToYuy2(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+void plain::AddYuy2ToYuy2(const ImageDescriptor& dst, const ConstImageDescriptor& src, const TitleMix& mix) {
     Add<Yuy2Source, Yuy2Samples>(dst, src, mix);
 }
-void plain::AddYvyuToUyvy(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+void plain::AddYvyuToUyvy(const ImageDescriptor& dst, const ConstImageDescriptor& src, const TitleMix& mix) {
     Add<YvyuSource, UyvySamples>(dst, src, mix);
 }
-void plain::AddYvyuToYuy2(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+void plain::AddYvyuToYuy2(const ImageDescriptor& dst, const ConstImageDescriptor& src, const TitleMix& mix) {
     Add<YvyuSource, Yuy2Samples>(dst, src, mix);
 }
 

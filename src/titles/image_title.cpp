@@ -39,7 +39,7 @@ struct PackedRow {
 
 // Calls `mix(dst, colour)` for every pixel. Titles are bottom-up, so a top-down source meets them with its rows turned.
 template <class Row, class MixPixel>
-void ForEachPixel(const ImageDescriptor& dst, const ImageDescriptor& src, MixPixel mix) {
+void ForEachPixel(const ImageDescriptor& dst, const ConstImageDescriptor& src, MixPixel mix) {
     const YuvToRgbRow& matrix = YuvToRgbOf(src.colorMatrix);
     for (std::int64_t row = 0; row < src.height; ++row) {
         std::uint8_t* const to = Row::kTopDown ? BottomUpLine(dst, row) : PlaneLine(dst, 0, row);
@@ -49,7 +49,7 @@ void ForEachPixel(const ImageDescriptor& dst, const ImageDescriptor& src, MixPix
 }
 
 template <class Row>
-void MovTitle(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+void MovTitle(const ImageDescriptor& dst, const ConstImageDescriptor& src, const TitleMix& mix) {
     const std::uint32_t factor = mix.regionAlpha + 1;
     ForEachPixel<Row>(dst, src, [&](std::uint8_t* d, const Bgr& colour) {
         d[0] = static_cast<std::uint8_t>((colour.b * factor) >> 8);
@@ -60,7 +60,7 @@ void MovTitle(const ImageDescriptor& dst, const ImageDescriptor& src, const Titl
 }
 
 template <class Row>
-void NPTitle(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+void NPTitle(const ImageDescriptor& dst, const ConstImageDescriptor& src, const TitleMix& mix) {
     ForEachPixel<Row>(dst, src, [&](std::uint8_t* d, const Bgr& colour) {
         d[0] = colour.b;
         d[1] = colour.g;
@@ -70,7 +70,7 @@ void NPTitle(const ImageDescriptor& dst, const ImageDescriptor& src, const Title
 }
 
 template <class Row>
-void AddTitle(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+void AddTitle(const ImageDescriptor& dst, const ConstImageDescriptor& src, const TitleMix& mix) {
     const std::uint32_t factor = mix.regionAlpha + 1;
     ForEachPixel<Row>(dst, src, [factor](std::uint8_t* d, const Bgr& colour) {
         const std::uint32_t k = (255u - d[3]) * factor;
@@ -87,37 +87,37 @@ using YvyuRow = PackedRow<YvyuSamples>;
 
 }  // namespace
 
-void plain::MovTitleBgr(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+void plain::MovTitleBgr(const ImageDescriptor& dst, const ConstImageDescriptor& src, const TitleMix& mix) {
     MovTitle<BgrRow>(dst, src, mix);
 }
-void plain::MovTitleUyvy(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+void plain::MovTitleUyvy(const ImageDescriptor& dst, const ConstImageDescriptor& src, const TitleMix& mix) {
     MovTitle<UyvyRow>(dst, src, mix);
 }
-void plain::MovTitleYuy2(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+void plain::MovTitleYuy2(const ImageDescriptor& dst, const ConstImageDescriptor& src, const TitleMix& mix) {
     MovTitle<Yuy2Row>(dst, src, mix);
 }
-void plain::MovTitleYvyu(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+void plain::MovTitleYvyu(const ImageDescriptor& dst, const ConstImageDescriptor& src, const TitleMix& mix) {
     MovTitle<YvyuRow>(dst, src, mix);
 }
-void plain::NPTitleUyvy(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+void plain::NPTitleUyvy(const ImageDescriptor& dst, const ConstImageDescriptor& src, const TitleMix& mix) {
     NPTitle<UyvyRow>(dst, src, mix);
 }
-void plain::NPTitleYuy2(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+void plain::NPTitleYuy2(const ImageDescriptor& dst, const ConstImageDescriptor& src, const TitleMix& mix) {
     NPTitle<Yuy2Row>(dst, src, mix);
 }
-void plain::NPTitleYvyu(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+void plain::NPTitleYvyu(const ImageDescriptor& dst, const ConstImageDescriptor& src, const TitleMix& mix) {
     NPTitle<YvyuRow>(dst, src, mix);
 }
-void plain::AddTitleBgr(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+void plain::AddTitleBgr(const ImageDescriptor& dst, const ConstImageDescriptor& src, const TitleMix& mix) {
     AddTitle<BgrRow>(dst, src, mix);
 }
-void plain::AddTitleUyvy(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+void plain::AddTitleUyvy(const ImageDescriptor& dst, const ConstImageDescriptor& src, const TitleMix& mix) {
     AddTitle<UyvyRow>(dst, src, mix);
 }
-void plain::AddTitleYuy2(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+void plain::AddTitleYuy2(const ImageDescriptor& dst, const ConstImageDescriptor& src, const TitleMix& mix) {
     AddTitle<Yuy2Row>(dst, src, mix);
 }
-void plain::AddTitleYvyu(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+void plain::AddTitleYvyu(const ImageDescriptor& dst, const ConstImageDescriptor& src, const TitleMix& mix) {
     AddTitle<YvyuRow>(dst, src, mix);
 }
 

@@ -15,6 +15,6 @@ struct TitleMix {
     Stores stores = Stores::Cached;
 };
 
-using TitleSignature = void(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix);
+using TitleSignature = void(const ImageDescriptor& dst, const ConstImageDescriptor& src, const TitleMix& mix);
 
 }  // namespace KorvaneSoftware

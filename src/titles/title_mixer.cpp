@@ -11,13 +11,13 @@ namespace KorvaneSoftware {
 namespace {
 
 // What every operation asks of its pictures once their formats are known to be good.
-Status CheckPictures(const ImageDescriptor& dst, const ImageDescriptor& src) {
+Status CheckPictures(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     if (dst.width != src.width || dst.height != src.height) return IMG_E_BAD_SIZE;
     if (HasTraits(src.format, FORMAT_PACKED_422) && src.width % 2 != 0) return IMG_E_BAD_ALIGNMENT;
     return IMG_OK;
 }
 
-bool HasPixels(const ImageDescriptor& desc) { return desc.width != 0 && desc.height != 0; }
+bool HasPixels(const FormatHead& desc) { return desc.width != 0 && desc.height != 0; }
 
 // What is read counts as well as what is written.
 Stores StoresFor(const ImageDescriptor& dst, std::size_t bytesPerPixel) {
@@ -27,16 +27,17 @@ Stores StoresFor(const ImageDescriptor& dst, std::size_t bytesPerPixel) {
 }
 
 // Between pictures of one layout: in place, the lines have just been read into the cache and stay there.
-Stores StoresBetween(const ImageDescriptor& dst, const ImageDescriptor& src, std::size_t bytesPerPixel) {
+Stores StoresBetween(const ImageDescriptor& dst, const ConstImageDescriptor& src, std::size_t bytesPerPixel) {
     return dst.planes[0] == src.planes[0] ? Stores::Cached : StoresFor(dst, bytesPerPixel);
 }
 
-std::size_t BytesPerPixel(const ImageDescriptor& dst, const ImageDescriptor& src) {
+std::size_t BytesPerPixel(const FormatHead& dst, const FormatHead& src) {
     return (ImageBitsPerPixel(&dst) + ImageBitsPerPixel(&src)) / 8;
 }
 
 // Called where pixels are touched: only then are the planes needed.
-Status Run(const TitleSlot& slot, const ImageDescriptor& dst, const ImageDescriptor& src, std::uint32_t regionAlpha) {
+Status Run(const TitleSlot& slot, const ImageDescriptor& dst, const ConstImageDescriptor& src,
+           std::uint32_t regionAlpha) {
     if (dst.planes[0] == nullptr || src.planes[0] == nullptr) return IMG_E_NULL_ARG;
     const TitleMix mix{regionAlpha, StoresBetween(dst, src, BytesPerPixel(dst, src))};
     // Products of a region alpha above 255 wrap 32 bits, which only the plain forms follow.
@@ -82,34 +83,32 @@ constexpr SlotsBySource kAddToUyvy{&AddBgraToUyvy, &AddBgrToUyvy, &AddUyvyToUyvy
 constexpr SlotsBySource kAddToYuy2{&AddBgraToYuy2, &AddBgrToYuy2, &AddUyvyToYuy2, &AddYuy2ToYuy2, &AddYvyuToYuy2};
 
 // An operation whose destination is a title.
-Status RunOnTitle(const SlotsBySource& slots, const ImageDescriptor* title, const ImageDescriptor* image,
+Status RunOnTitle(const SlotsBySource& slots, const ImageDescriptor& title, const ConstImageDescriptor& image,
                   std::uint32_t regionAlpha) noexcept {
     return Guarded([&]() -> Status {
-        if (title == nullptr || image == nullptr) return IMG_E_NULL_ARG;
-        const TitleSlot* const slot = slots.Of(image->format);
-        if (slot == nullptr || title->format != FMT_BGRA) return IMG_E_BAD_FORMAT;
-        if (const Status status = CheckPictures(*title, *image); status != IMG_OK) return status;
-        return HasPixels(*title) ? Run(*slot, *title, *image, regionAlpha) : IMG_OK;
+        const TitleSlot* const slot = slots.Of(image.format);
+        if (slot == nullptr || title.format != FMT_BGRA) return IMG_E_BAD_FORMAT;
+        if (const Status status = CheckPictures(title, image); status != IMG_OK) return status;
+        return HasPixels(title) ? Run(*slot, title, image, regionAlpha) : IMG_OK;
     });
 }
 
 // An operation whose destination is a 4:2:2 frame.
-Status RunOnFrame(const SlotsBySource& toUyvy, const SlotsBySource& toYuy2, const ImageDescriptor* frame,
-                  const ImageDescriptor* image, std::uint32_t regionAlpha) noexcept {
+Status RunOnFrame(const SlotsBySource& toUyvy, const SlotsBySource& toYuy2, const ImageDescriptor& frame,
+                  const ConstImageDescriptor& image, std::uint32_t regionAlpha) noexcept {
     return Guarded([&]() -> Status {
-        if (frame == nullptr || image == nullptr) return IMG_E_NULL_ARG;
-        if (frame->format != FMT_UYVY && frame->format != FMT_YUY2) return IMG_E_BAD_FORMAT;
-        const TitleSlot* const slot = (frame->format == FMT_UYVY ? toUyvy : toYuy2).Of(image->format);
+        if (frame.format != FMT_UYVY && frame.format != FMT_YUY2) return IMG_E_BAD_FORMAT;
+        const TitleSlot* const slot = (frame.format == FMT_UYVY ? toUyvy : toYuy2).Of(image.format);
         if (slot == nullptr) return IMG_E_BAD_FORMAT;
-        if (const Status status = CheckPictures(*frame, *image); status != IMG_OK) return status;
+        if (const Status status = CheckPictures(frame, image); status != IMG_OK) return status;
         // A pair of a BGR row is reached only where another pixel follows, see the kernels.
-        const bool touched = frame->height != 0 && frame->width >= (image->format == FMT_BGR ? 3u : 2u);
-        return touched ? Run(*slot, *frame, *image, regionAlpha) : IMG_OK;
+        const bool touched = frame.height != 0 && frame.width >= (image.format == FMT_BGR ? 3u : 2u);
+        return touched ? Run(*slot, frame, image, regionAlpha) : IMG_OK;
     });
 }
 
 // Row by row, so that the gaps between rows stay as they are.
-Status CopyRows(const ImageDescriptor& dst, const ImageDescriptor& src) {
+Status CopyRows(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     if (dst.planes[0] == nullptr || src.planes[0] == nullptr) return IMG_E_NULL_ARG;
     const std::size_t bytes = std::size_t{dst.width} * 4;
     for (std::int64_t row = 0; row < dst.height; ++row) {
@@ -122,40 +121,39 @@ Status CopyRows(const ImageDescriptor& dst, const ImageDescriptor& src) {
 
 }  // namespace
 
-Status PutImageIntoTitle(const ImageDescriptor* title, const ImageDescriptor* image,
+Status PutImageIntoTitle(const ImageDescriptor& title, const ConstImageDescriptor& image,
                          std::uint32_t regionAlpha) noexcept {
     return RunOnTitle(kMovTitle, title, image, regionAlpha);
 }
 
-Status PutImageIntoNPTitle(const ImageDescriptor* title, const ImageDescriptor* image,
+Status PutImageIntoNPTitle(const ImageDescriptor& title, const ConstImageDescriptor& image,
                            std::uint32_t regionAlpha) noexcept {
-    const bool isCopy = title != nullptr && image != nullptr && title->format == FMT_BGRA &&
-                        image->format == FMT_BGRA && regionAlpha == 255;
+    const bool isCopy = title.format == FMT_BGRA && image.format == FMT_BGRA && regionAlpha == 255;
     if (!isCopy) return RunOnTitle(kNPTitle, title, image, regionAlpha);
     return Guarded([&]() -> Status {
-        if (const Status status = CheckPictures(*title, *image); status != IMG_OK) return status;
+        if (const Status status = CheckPictures(title, image); status != IMG_OK) return status;
         // The same first byte counts as the same picture, whatever the strides.
-        if (title->planes[0] == image->planes[0] || !HasPixels(*title)) return IMG_OK;
-        return CopyRows(*title, *image);
+        if (title.planes[0] == image.planes[0] || !HasPixels(title)) return IMG_OK;
+        return CopyRows(title, image);
     });
 }
 
-Status AddImageBeneathTitle(const ImageDescriptor* title, const ImageDescriptor* image,
+Status AddImageBeneathTitle(const ImageDescriptor& title, const ConstImageDescriptor& image,
                             std::uint32_t regionAlpha) noexcept {
     return RunOnTitle(kAddTitle, title, image, regionAlpha);
 }
 
-Status TitleToStraightImage(const ImageDescriptor* image, const ImageDescriptor* title) noexcept {
+Status TitleToStraightImage(const ImageDescriptor& image, const ConstImageDescriptor& title) noexcept {
     static constexpr SlotsBySource kSlots{&TitleToImage, nullptr, nullptr, nullptr, nullptr};
     return RunOnTitle(kSlots, image, title, 255);
 }
 
-Status MoveImageOntoFrame(const ImageDescriptor* frame, const ImageDescriptor* image,
+Status MoveImageOntoFrame(const ImageDescriptor& frame, const ConstImageDescriptor& image,
                           std::uint32_t regionAlpha) noexcept {
     return RunOnFrame(kMoveToUyvy, kMoveToYuy2, frame, image, regionAlpha);
 }
 
-Status AddImageOntoFrame(const ImageDescriptor* frame, const ImageDescriptor* image,
+Status AddImageOntoFrame(const ImageDescriptor& frame, const ConstImageDescriptor& image,
                          std::uint32_t regionAlpha) noexcept {
     return RunOnFrame(kAddToUyvy, kAddToYuy2, frame, image, regionAlpha);
 }

@@ -28,7 +28,7 @@ void TestDispatch(FuzzInput input) {
             desc->lumaExtraBits = static_cast<std::uint8_t>((colors >> 2) % 9);
             desc->chromaExtraBits = static_cast<std::uint8_t>((colors >> 6) % 9);
         }
-        const Status status = ImageConversionDispatch(&target.Desc(), &source.Desc());
+        const Status status = ImageConversionDispatch(target.Desc(), source.Desc());
         return std::pair(status, std::move(target));
     };
     const auto fastest = run(input);

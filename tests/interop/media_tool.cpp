@@ -10,6 +10,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <map>
 #include <memory>
 
 namespace interop {
@@ -31,13 +32,25 @@ std::filesystem::path FootageDirectory() {
     return PIXMORPH_DEFAULT_FOOTAGE;
 }
 
-// The tool that comes with ffmpeg for questions about files.
-bool SizeOf(const std::string& path, std::uint32_t& width, std::uint32_t& height) {
+struct Size {
+    std::uint32_t width = 0;
+    std::uint32_t height = 0;
+};
+
+// The tool that comes with ffmpeg for questions about files answers. It is slow to start and every program lists the
+// clips of all suites, so that each file is asked once, and only when it is used.
+Size SizeOf(const Clip& clip) {
+    if (clip.path.empty()) return {clip.width, clip.height};
+    static std::map<std::string, Size> known;
+    const auto [place, isNew] = known.try_emplace(clip.path);
+    Size& size = place->second;
+    if (!isNew) return size;
     const std::string command = std::string(PIXMORPH_FFPROBE) +
                                 " -v error -select_streams v:0 -show_entries stream=width,height -of csv=p=0 " +
-                                Quote(path) + " 2>/dev/null";
+                                Quote(clip.path) + " 2>/dev/null";
     const Pipe pipe(::popen(command.c_str(), "r"));
-    return pipe != nullptr && std::fscanf(pipe.get(), "%u,%u", &width, &height) == 2;
+    EXPECT_TRUE(pipe != nullptr && std::fscanf(pipe.get(), "%u,%u", &size.width, &size.height) == 2) << command;
+    return size;
 }
 
 // Runs a command and reads what it writes to its standard output.
@@ -71,16 +84,16 @@ std::vector<Clip> Clips() {
         const std::string extension = entry.path().extension();
         constexpr const char* kVideo[] = {".mp4", ".webm", ".mov", ".mkv", ".y4m", ".mxf", ".ts"};
         if (std::find(std::begin(kVideo), std::end(kVideo), extension) == std::end(kVideo)) continue;
-        Clip clip{entry.path().stem().string(), "-ss 1 -i " + Quote(entry.path().string()), 0, 0};
-        if (SizeOf(entry.path().string(), clip.width, clip.height)) clips.push_back(clip);
+        const std::string path = entry.path().string();
+        clips.push_back({entry.path().stem().string(), "-ss 1 -i " + Quote(path), 0, 0, path});
     }
     std::sort(clips.begin(), clips.end(), [](const Clip& a, const Clip& b) { return a.name < b.name; });
     if (clips.empty()) clips = DrawnClips();
     return clips;
 }
 
-std::uint32_t CutWidth(const Clip& clip) { return clip.width & ~31u; }
-std::uint32_t CutHeight(const Clip& clip) { return clip.height & ~7u; }
+std::uint32_t CutWidth(const Clip& clip) { return SizeOf(clip).width & ~31u; }
+std::uint32_t CutHeight(const Clip& clip) { return SizeOf(clip).height & ~7u; }
 
 Frames Decode(const Clip& clip, const std::string& filters, const std::string& pixelFormat, std::size_t frameBytes,
               std::size_t frames) {

@@ -13,8 +13,10 @@ namespace interop {
 struct Clip {
     std::string name;
     std::string input;  ///< Options of the tool that name the clip.
-    std::uint32_t width;
-    std::uint32_t height;
+    /// Pixels; 0 for a clip in a file, which is asked for them when they are first wanted.
+    std::uint32_t width = 0;
+    std::uint32_t height = 0;
+    std::string path = {};
 };
 /// How a test that fails names its clip.
 inline void PrintTo(const Clip& clip, std::ostream* out) { *out << clip.name; }
@@ -44,7 +46,7 @@ std::vector<std::uint8_t> Output(const std::string& options, std::string& compla
 /// What a command writes to its standard output. A command that fails is a failure of the test.
 std::vector<std::uint8_t> OutputOf(const std::string& command);
 
-/// Size of the part of a clip that tests work on: multiples of 32 and 8.
+/// Size of the part of a clip that tests work on: multiples of 32 and 8. 0 where the tool cannot tell.
 std::uint32_t CutWidth(const Clip& clip);
 std::uint32_t CutHeight(const Clip& clip);
 

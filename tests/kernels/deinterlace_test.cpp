@@ -4,8 +4,8 @@
 #include <vector>
 
 #include "deinterlace/blend_lines.h"
-#include "deinterlace/field_restoration.h"
 #include "deinterlace/line_filter.h"
+#include "deinterlace/restoration_lines.h"
 #include "kernels/kernel_check.h"
 #include "support/guard_page.h"
 #include "support/picture.h"

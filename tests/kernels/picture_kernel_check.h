@@ -12,7 +12,7 @@
 
 namespace pixmorph_test {
 
-using PictureKernel = void(const km::ImageDescriptor& dst, const km::ImageDescriptor& src);
+using PictureKernel = void(const km::ImageDescriptor& dst, const km::ConstImageDescriptor& src);
 
 struct PictureKernelCase {
     const km::ResolvedSlot<PictureKernel>* slot;

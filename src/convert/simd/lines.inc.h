@@ -7,17 +7,22 @@ namespace KorvaneSoftware::PIXMORPH_SIMD {
 namespace {
 
 /// First bytes of one picture line in each plane.
-struct Line {
-    std::uint8_t* plane[3];
+template <class Byte>
+struct LineOf {
+    Byte* plane[3];
 };
+using ReadLine = LineOf<const std::uint8_t>;
+using WriteLine = LineOf<std::uint8_t>;
 
-inline std::uint8_t* LineOfPlane(const ImageDescriptor& desc, int plane, std::int64_t row) {
+template <class Byte>
+inline Byte* LineOfPlane(const TImageDescriptor<Byte>& desc, int plane, std::int64_t row) {
     return desc.planes[plane] + row * desc.strides[plane];
 }
 
 /// Line `row` with chroma line `chromaRow`. Planes that the format lacks are null or anything else, and are not used.
-inline Line LineOfPicture(const ImageDescriptor& desc, std::int64_t row, std::int64_t chromaRow) {
-    Line line = {{LineOfPlane(desc, 0, row), nullptr, nullptr}};
+template <class Byte>
+inline LineOf<Byte> LineOfPicture(const TImageDescriptor<Byte>& desc, std::int64_t row, std::int64_t chromaRow) {
+    LineOf<Byte> line = {{LineOfPlane(desc, 0, row), nullptr, nullptr}};
     for (int plane = 1; plane < 3; ++plane)
         if (desc.planes[plane] != nullptr) line.plane[plane] = LineOfPlane(desc, plane, chromaRow);
     return line;

@@ -11,7 +11,8 @@ namespace {
 constexpr std::size_t kPixels = kVecBytes;
 
 /// Line `row` of a bottom-up picture, counted from the top.
-inline std::uint8_t* PixelsAt(const ImageDescriptor& desc, std::int64_t row) {
+template <class Byte>
+inline Byte* PixelsAt(const TImageDescriptor<Byte>& desc, std::int64_t row) {
     return LineOfPlane(desc, 0, static_cast<std::int64_t>(desc.height) - 1 - row);
 }
 

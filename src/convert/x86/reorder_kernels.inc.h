@@ -38,7 +38,7 @@ struct Reorder422To422 {
     static constexpr std::size_t kStep = kLayoutUnit* Out::template kUnits<Dst>;
 
     template <class Out>
-    static void Convert(const Line (&to)[1], const Line (&from)[1], std::size_t width) {
+    static void Convert(const WriteLine (&to)[1], const ReadLine (&from)[1], std::size_t width) {
         constexpr std::size_t kUnits = Out::template kUnits<Dst>;
         WalkLine<kStep<Out>>(0, width, [&](std::size_t x) {
             Luma luma[kUnits];
@@ -64,7 +64,7 @@ struct Reorder422To422<PackedLayout<kTo>, PackedLayout<kFrom>> {
     static constexpr std::size_t kStep = kVecBytes / 2;
 
     template <class Out>
-    static void Convert(const Line (&to)[1], const Line (&from)[1], std::size_t width) {
+    static void Convert(const WriteLine (&to)[1], const ReadLine (&from)[1], std::size_t width) {
         static constexpr PackedShuffle<kTo, kFrom> kShuffle;
         const Vec shuffle = Repeat128(kShuffle.bytes);
         const std::uint8_t* const in = from[0].plane[0];
@@ -96,7 +96,7 @@ struct Reorder422To422<Y16Layout, PackedLayout<kFrom>> {
     static constexpr std::size_t kStep = kVecBytes;
 
     template <class Out>
-    static void Convert(const Line (&to)[1], const Line (&from)[1], std::size_t width) {
+    static void Convert(const WriteLine (&to)[1], const ReadLine (&from)[1], std::size_t width) {
         static constexpr HalfBlockShuffle<kFrom> kShuffle;
         const Vec shuffle = Repeat128(kShuffle.fromPacked);
         WalkLine<kStep<Out>>(0, width, [&](std::size_t x) {
@@ -118,7 +118,7 @@ struct Reorder422To422<PackedLayout<kTo>, Y16Layout> {
     static constexpr std::size_t kStep = kVecBytes;
 
     template <class Out>
-    static void Convert(const Line (&to)[1], const Line (&from)[1], std::size_t width) {
+    static void Convert(const WriteLine (&to)[1], const ReadLine (&from)[1], std::size_t width) {
         static constexpr HalfBlockShuffle<kTo> kShuffle;
         const Vec shuffle = Repeat128(kShuffle.toPacked);
         WalkLine<kStep<Out>>(0, width, [&](std::size_t x) {
@@ -141,7 +141,7 @@ struct Reorder422To420 {
     static constexpr std::size_t kStep = kLayoutUnit* Out::template kUnits<Dst>;
 
     template <class Out>
-    static void Convert(const Line (&to)[2], const Line (&from)[2], std::size_t width) {
+    static void Convert(const WriteLine (&to)[2], const ReadLine (&from)[2], std::size_t width) {
         constexpr std::size_t kUnits = Out::template kUnits<Dst>;
         WalkLine<kStep<Out>>(0, width, [&](std::size_t x) {
             typename Dst::Chroma chroma[kUnits];
@@ -172,7 +172,7 @@ struct Reorder420To422 {
     static constexpr std::size_t kStep = kLayoutUnit* Out::template kUnits<Dst>;
 
     template <class Out>
-    static void Convert(const Line (&to)[2], const Line (&from)[2], std::size_t width) {
+    static void Convert(const WriteLine (&to)[2], const ReadLine (&from)[2], std::size_t width) {
         constexpr std::size_t kUnits = Out::template kUnits<Dst>;
         WalkLine<kStep<Out>>(0, width, [&](std::size_t x) {
             Luma luma0[kUnits];
@@ -203,7 +203,7 @@ struct Reorder420To420 {
     static constexpr std::size_t kStep = kLayoutUnit* Out::template kUnits<Dst>;
 
     template <class Out>
-    static void Convert(const Line (&to)[2], const Line (&from)[2], std::size_t width) {
+    static void Convert(const WriteLine (&to)[2], const ReadLine (&from)[2], std::size_t width) {
         constexpr std::size_t kUnits = Out::template kUnits<Dst>;
         WalkLine<kStep<Out>>(0, width, [&](std::size_t x) {
             Luma luma0[kUnits];

@@ -11,7 +11,7 @@ namespace {
 
 /// The lines of the step that starts at `row`.
 template <class Kernel>
-inline void SourceLines(const ImageDescriptor& src, std::int64_t row, Line (&lines)[Kernel::kLines]) {
+inline void SourceLines(const ConstImageDescriptor& src, std::int64_t row, ReadLine (&lines)[Kernel::kLines]) {
     const std::int64_t lastChromaRow = static_cast<std::int64_t>(src.height) / 2 - 1;
     for (int i = 0; i < Kernel::kLines; ++i) {
         const std::int64_t chromaRow = row / 2 + i < lastChromaRow ? row / 2 + i : lastChromaRow;
@@ -19,16 +19,16 @@ inline void SourceLines(const ImageDescriptor& src, std::int64_t row, Line (&lin
     }
 }
 template <class Kernel>
-inline void DestinationLines(const ImageDescriptor& dst, std::int64_t row, Line (&lines)[Kernel::kLines]) {
+inline void DestinationLines(const ImageDescriptor& dst, std::int64_t row, WriteLine (&lines)[Kernel::kLines]) {
     for (int i = 0; i < Kernel::kLines; ++i)
         lines[i] = LineOfPicture(dst, row + i, Kernel::kDstIs420 ? row / 2 : row + i);
 }
 
 template <class Kernel, class Out>
-void ConvertPicture(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void ConvertPicture(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     for (std::int64_t row = 0; row < src.height; row += Kernel::kLines) {
-        Line from[Kernel::kLines];
-        Line to[Kernel::kLines];
+        ReadLine from[Kernel::kLines];
+        WriteLine to[Kernel::kLines];
         SourceLines<Kernel>(src, row, from);
         DestinationLines<Kernel>(dst, row, to);
         Kernel::template Convert<Out>(to, from, src.width);
@@ -47,9 +47,9 @@ inline void CopyShort(std::uint8_t* to, const std::uint8_t* from, std::size_t by
 template <class Kernel, class Src>
 class SourceAhead {
 public:
-    SourceAhead(const ImageDescriptor& src, std::int64_t row) {
+    SourceAhead(const ConstImageDescriptor& src, std::int64_t row) {
         if (row >= src.height) return;
-        Line lines[Kernel::kLines];
+        ReadLine lines[Kernel::kLines];
         SourceLines<Kernel>(src, row, lines);
         for (int plane = 0; plane < 3; ++plane) {
             const std::size_t bytes = Src::RowBytes(plane, src.width);
@@ -96,19 +96,19 @@ constexpr std::size_t kLineBufferBytes = 3 * kLongestBufferedLine;
 /// Streams to planes that lie at any address: lines are made in a buffer that stays in the first-level cache, and leave
 /// it whole cache lines at a time.
 template <class Kernel, class Dst, class Src>
-void ConvertPictureBuffered(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void ConvertPictureBuffered(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     alignas(kCacheLine) std::uint8_t buffer[Kernel::kLines * kLineBufferBytes];
-    Line made[Kernel::kLines];
+    WriteLine made[Kernel::kLines];
     std::uint8_t* place = buffer;
-    for (Line& line : made) {
+    for (WriteLine& line : made) {
         for (int plane = 0; plane < 3; ++plane) {
             line.plane[plane] = place;
             place += Dst::RowBytes(plane, kLongestBufferedLine);
         }
     }
     for (std::int64_t row = 0; row < src.height; row += Kernel::kLines) {
-        Line from[Kernel::kLines];
-        Line to[Kernel::kLines];
+        ReadLine from[Kernel::kLines];
+        WriteLine to[Kernel::kLines];
         SourceLines<Kernel>(src, row, from);
         DestinationLines<Kernel>(dst, row, to);
         Kernel::template Convert<CachedStores>(made, from, src.width);
@@ -145,7 +145,7 @@ inline bool IsLarge(const ImageDescriptor& dst) {
 
 /// A picture that is narrower than the kernel's step goes to `narrowPicture`.
 template <template <class, class> class Family, class Dst, class Src>
-void Reorder(const ImageDescriptor& dst, const ImageDescriptor& src, ConvertSignature* narrowPicture) {
+void Reorder(const ImageDescriptor& dst, const ConstImageDescriptor& src, ConvertSignature* narrowPicture) {
     using Kernel = Family<Dst, Src>;
     if (src.width < Kernel::template kStep<CachedStores>) return narrowPicture(dst, src);
     // A last step that overlapped the one before would pull streamed lines back into the cache.

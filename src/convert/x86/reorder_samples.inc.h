@@ -56,7 +56,7 @@ struct PackedLayout {
 
     static constexpr std::size_t RowBytes(int plane, std::size_t width) { return plane == 0 ? 2 * width : 0; }
 
-    static inline void Read(const Line& line, std::size_t x, Luma& luma, Chroma& chroma) {
+    static inline void Read(const ReadLine& line, std::size_t x, Luma& luma, Chroma& chroma) {
         const std::uint8_t* const p = line.plane[0] + 2 * x;
         const Vec a = Load(p);
         const Vec b = Load(p + kVecBytes);
@@ -72,7 +72,7 @@ struct PackedLayout {
     }
 
     template <class Out>
-    static inline void Write(const Line& line, std::size_t x, const Luma (&luma)[1], const Chroma (&chroma)[1]) {
+    static inline void Write(const WriteLine& line, std::size_t x, const Luma (&luma)[1], const Chroma (&chroma)[1]) {
         std::uint8_t* const p = line.plane[0] + 2 * x;
         WriteHalf<Out>(p, luma[0].a, OrderPairs(chroma[0].a));
         WriteHalf<Out>(p + 2 * kVecBytes, luma[0].b, OrderPairs(chroma[0].b));
@@ -141,7 +141,7 @@ struct Y16Layout {
 
     static constexpr std::size_t RowBytes(int plane, std::size_t width) { return plane == 0 ? 2 * width : 0; }
 
-    static inline void Read(const Line& line, std::size_t x, Luma& luma, Chroma& chroma) {
+    static inline void Read(const ReadLine& line, std::size_t x, Luma& luma, Chroma& chroma) {
         const std::uint8_t* const p = line.plane[0] + 2 * x;
         luma.a = Load(p);
         Vec chromaA = Load(p + kVecBytes);
@@ -153,7 +153,7 @@ struct Y16Layout {
     }
 
     template <class Out>
-    static inline void Write(const Line& line, std::size_t x, const Luma (&luma)[1], const Chroma (&chroma)[1]) {
+    static inline void Write(const WriteLine& line, std::size_t x, const Luma (&luma)[1], const Chroma (&chroma)[1]) {
         std::uint8_t* const p = line.plane[0] + 2 * x;
         Vec a = luma[0].a;
         Vec b;
@@ -178,7 +178,7 @@ struct Y16ALayout {
 
     static constexpr std::size_t RowBytes(int plane, std::size_t width) { return plane == 0 ? 3 * width : 0; }
 
-    static inline void Read(const Line& line, std::size_t x, Luma& luma, Chroma& chroma) {
+    static inline void Read(const ReadLine& line, std::size_t x, Luma& luma, Chroma& chroma) {
         const std::uint8_t* const p = line.plane[0] + 3 * x;
         Vec chromaA;
         Vec chromaB;
@@ -188,7 +188,7 @@ struct Y16ALayout {
     }
 
     template <class Out>
-    static inline void Write(const Line& line, std::size_t x, const Luma (&luma)[1], const Chroma (&chroma)[1]) {
+    static inline void Write(const WriteLine& line, std::size_t x, const Luma (&luma)[1], const Chroma (&chroma)[1]) {
         std::uint8_t* const p = line.plane[0] + 3 * x;
         Vec chromaA;
         Vec chromaB;
@@ -215,12 +215,12 @@ private:
     }
 };
 
-inline Luma ReadLumaPlane(const Line& line, std::size_t x) {
+inline Luma ReadLumaPlane(const ReadLine& line, std::size_t x) {
     return {Load(line.plane[0] + x), Load(line.plane[0] + x + kVecBytes)};
 }
 /// Several units are written plane by plane, so that whole cache lines are filled at a time.
 template <class Out, std::size_t kUnits>
-inline void WriteLumaPlane(const Line& line, std::size_t x, const Luma (&luma)[kUnits]) {
+inline void WriteLumaPlane(const WriteLine& line, std::size_t x, const Luma (&luma)[kUnits]) {
     for (std::size_t i = 0; i < kUnits; ++i) {
         Out::Put(line.plane[0] + x + i * kLayoutUnit, luma[i].a);
         Out::Put(line.plane[0] + x + i * kLayoutUnit + kVecBytes, luma[i].b);
@@ -233,21 +233,21 @@ struct PlanarLayout {
     static constexpr std::size_t kUnitRegisters = 1;
     static constexpr std::size_t RowBytes(int plane, std::size_t width) { return plane == 0 ? width : width / 2; }
 
-    static inline Chroma ReadChroma(const Line& line, std::size_t x) {
+    static inline Chroma ReadChroma(const ReadLine& line, std::size_t x) {
         return {Load(line.plane[1] + x / 2), Load(line.plane[2] + x / 2)};
     }
     template <class Out, std::size_t kUnits>
-    static inline void WriteChroma(const Line& line, std::size_t x, const Chroma (&chroma)[kUnits]) {
+    static inline void WriteChroma(const WriteLine& line, std::size_t x, const Chroma (&chroma)[kUnits]) {
         for (std::size_t i = 0; i < kUnits; ++i) Out::Put(line.plane[1] + x / 2 + i * kVecBytes, chroma[i].u);
         for (std::size_t i = 0; i < kUnits; ++i) Out::Put(line.plane[2] + x / 2 + i * kVecBytes, chroma[i].v);
     }
 
-    static inline void Read(const Line& line, std::size_t x, Luma& luma, Chroma& chroma) {
+    static inline void Read(const ReadLine& line, std::size_t x, Luma& luma, Chroma& chroma) {
         luma = ReadLumaPlane(line, x);
         chroma = ReadChroma(line, x);
     }
     template <class Out, std::size_t kUnits>
-    static inline void Write(const Line& line, std::size_t x, const Luma (&luma)[kUnits],
+    static inline void Write(const WriteLine& line, std::size_t x, const Luma (&luma)[kUnits],
                              const Chroma (&chroma)[kUnits]) {
         WriteLumaPlane<Out>(line, x, luma);
         WriteChroma<Out>(line, x, chroma);
@@ -260,11 +260,11 @@ struct SemiPlanarLayout {
     static constexpr std::size_t kUnitRegisters = 2;
     static constexpr std::size_t RowBytes(int plane, std::size_t width) { return plane < 2 ? width : 0; }
 
-    static inline Chroma ReadChroma(const Line& line, std::size_t x) {
+    static inline Chroma ReadChroma(const ReadLine& line, std::size_t x) {
         return {Load(line.plane[1] + x), Load(line.plane[1] + x + kVecBytes)};
     }
     template <class Out, std::size_t kUnits>
-    static inline void WriteChroma(const Line& line, std::size_t x, const Chroma (&chroma)[kUnits]) {
+    static inline void WriteChroma(const WriteLine& line, std::size_t x, const Chroma (&chroma)[kUnits]) {
         for (std::size_t i = 0; i < kUnits; ++i) {
             Out::Put(line.plane[1] + x + i * kLayoutUnit, chroma[i].a);
             Out::Put(line.plane[1] + x + i * kLayoutUnit + kVecBytes, chroma[i].b);

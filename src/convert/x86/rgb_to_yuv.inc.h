@@ -43,7 +43,7 @@ struct PackedTarget {
     static constexpr bool kHasAlpha = false;
 
     template <class Sink>
-    static inline void Write(const Sink& sink, const Line& line, std::size_t x, Vec luma, Vec chroma, Vec) {
+    static inline void Write(const Sink& sink, const WriteLine& line, std::size_t x, Vec luma, Vec chroma, Vec) {
         luma = CollectForUnpack(luma);
         chroma = CollectForUnpack(chroma);
         const Vec first = kOrder.IsLumaFirst() ? luma : chroma;
@@ -66,7 +66,7 @@ struct BlockTarget {
     static constexpr bool kHasAlpha = kOrder.HasAlpha();
     static constexpr std::size_t kBlockBytes = kOrder.bytes;
 
-    static inline void Write(const PlainSink&, const Line& line, std::size_t x, Vec luma, Vec chroma, Vec alpha) {
+    static inline void Write(const PlainSink&, const WriteLine& line, std::size_t x, Vec luma, Vec chroma, Vec alpha) {
         std::uint8_t* const out = line.plane[0] + x / 16 * kBlockBytes;
         StoreLanes(out + kOrder.y, kBlockBytes, CollectLanes(luma));
         if constexpr (kHasAlpha) StoreLanes(out + kOrder.alpha, kBlockBytes, CollectLanes(alpha));
@@ -82,16 +82,16 @@ struct PlanarTarget {
     static constexpr bool kVFirst = false;
     static constexpr bool kHasAlpha = false;
 
-    static inline void WriteLuma(const Line& line, std::size_t x, Vec luma) {
+    static inline void WriteLuma(const WriteLine& line, std::size_t x, Vec luma) {
         Store(line.plane[0] + x, CollectLanes(luma));
     }
-    static inline void WriteChroma(const Line& line, std::size_t x, Vec chroma) {
+    static inline void WriteChroma(const WriteLine& line, std::size_t x, Vec chroma) {
         // Lanes of eight U and eight V: all U to the lower half, all V to the upper one.
         const Vec split = FixPack(Shuffle8(CollectLanes(chroma), Repeat128(kSplitChroma)));
         StoreHalf(line.plane[1] + x / 2, split);
         StoreUpperHalf(line.plane[2] + x / 2, split);
     }
-    static inline void Write(const PlainSink&, const Line& line, std::size_t x, Vec luma, Vec chroma, Vec) {
+    static inline void Write(const PlainSink&, const WriteLine& line, std::size_t x, Vec luma, Vec chroma, Vec) {
         WriteLuma(line, x, luma);
         WriteChroma(line, x, chroma);
     }
@@ -100,10 +100,10 @@ struct PlanarTarget {
 struct SemiPlanarTarget {
     static constexpr bool kVFirst = false;
 
-    static inline void WriteLuma(const Line& line, std::size_t x, Vec luma) {
+    static inline void WriteLuma(const WriteLine& line, std::size_t x, Vec luma) {
         Store(line.plane[0] + x, CollectLanes(luma));
     }
-    static inline void WriteChroma(const Line& line, std::size_t x, Vec chroma) {
+    static inline void WriteChroma(const WriteLine& line, std::size_t x, Vec chroma) {
         Store(line.plane[1] + x, CollectLanes(chroma));
     }
 };
@@ -115,7 +115,7 @@ inline Vec ChromaBytes(const RgbToYuvVectors& m, const BgrVectors& mean) {
 }
 
 template <class Pixels, class Target, class Sink>
-inline void WriteStep422(const Sink& sink, const Line& out, const std::uint8_t* in, std::size_t x,
+inline void WriteStep422(const Sink& sink, const WriteLine& out, const std::uint8_t* in, std::size_t x,
                          const RgbToYuvVectors& m) {
     const PixelBytes pixels = Pixels::Read(in + x * Pixels::kBytes);
     const PairedWords words = SplitPairs(pixels);
@@ -123,12 +123,12 @@ inline void WriteStep422(const Sink& sink, const Line& out, const std::uint8_t* 
 }
 
 template <class Pixels, class Target, bool kStreamed>
-void ConvertLinesTo422(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void ConvertLinesTo422(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     const RgbToYuvVectors m = LoadRgbToYuv(dst.colorMatrix);
     for (std::int64_t row = 0; row < src.height; ++row) {
         const std::uint8_t* const in = PixelsAt(src, row);
         const std::uint8_t* const next = row + 1 < src.height ? PixelsAt(src, row + 1) : in;
-        const Line out = LineOfPicture(dst, row, row);
+        const WriteLine out = LineOfPicture(dst, row, row);
         WalkSteps<typename Target::Streamed, kStreamed>(
             out.plane[0], src.width, [&](const auto& sink, std::size_t x, auto place) {
                 if constexpr (!place.kIsLast) Prefetch<kPixels * Pixels::kBytes>(next + x * Pixels::kBytes);
@@ -139,7 +139,7 @@ void ConvertLinesTo422(const ImageDescriptor& dst, const ImageDescriptor& src) {
 
 // Here and below, a picture that is narrower than a step goes to `narrowPicture`.
 template <class Pixels, class Target>
-void ConvertTo422(const ImageDescriptor& dst, const ImageDescriptor& src, ConvertSignature* narrowPicture) {
+void ConvertTo422(const ImageDescriptor& dst, const ConstImageDescriptor& src, ConvertSignature* narrowPicture) {
     if (src.width < kPixels) return narrowPicture(dst, src);
     if constexpr (Target::kIsStreamed) {
         if (Target::Streamed::IsFor(dst)) {
@@ -157,8 +157,8 @@ struct PixelLinePair {
 };
 
 template <class Pixels, class Target>
-inline void WriteStep420(const Line& outUpper, const Line& outLower, const PixelLinePair& in, const PixelLinePair& next,
-                         std::size_t x, const RgbToYuvVectors& m) {
+inline void WriteStep420(const WriteLine& outUpper, const WriteLine& outLower, const PixelLinePair& in,
+                         const PixelLinePair& next, std::size_t x, const RgbToYuvVectors& m) {
     Prefetch<kPixels * Pixels::kBytes>(next.upper + x * Pixels::kBytes);
     Prefetch<kPixels * Pixels::kBytes>(next.lower + x * Pixels::kBytes);
     const PairedWords upper = SplitPairs(Pixels::Read(in.upper + x * Pixels::kBytes));
@@ -171,7 +171,7 @@ inline void WriteStep420(const Line& outUpper, const Line& outLower, const Pixel
 }
 
 template <class Pixels, class Target>
-void ConvertTo420(const ImageDescriptor& dst, const ImageDescriptor& src, ConvertSignature* narrowPicture) {
+void ConvertTo420(const ImageDescriptor& dst, const ConstImageDescriptor& src, ConvertSignature* narrowPicture) {
     if (src.width < kPixels) return narrowPicture(dst, src);
     const RgbToYuvVectors m = LoadRgbToYuv(dst.colorMatrix);
     const std::int64_t chromaRows = src.height / 2;
@@ -180,8 +180,8 @@ void ConvertTo420(const ImageDescriptor& dst, const ImageDescriptor& src, Conver
         const PixelLinePair in = {PixelsAt(src, row), PixelsAt(src, row + 1)};
         const PixelLinePair next =
             chromaRow + 1 < chromaRows ? PixelLinePair{PixelsAt(src, row + 2), PixelsAt(src, row + 3)} : in;
-        const Line outUpper = LineOfPicture(dst, row, chromaRow);
-        const Line outLower = LineOfPicture(dst, row + 1, chromaRow);
+        const WriteLine outUpper = LineOfPicture(dst, row, chromaRow);
+        const WriteLine outLower = LineOfPicture(dst, row + 1, chromaRow);
         for (std::size_t x = 0; x + kPixels < src.width; x += kPixels)
             WriteStep420<Pixels, Target>(outUpper, outLower, in, next, x, m);
         WriteStep420<Pixels, Target>(outUpper, outLower, in, next, src.width - kPixels, m);
@@ -194,7 +194,7 @@ inline void MoveStep(const Sink& sink, std::uint8_t* out, const std::uint8_t* in
 }
 
 template <class From, class To, bool kStreamed>
-void MoveLines(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void MoveLines(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     for (std::int64_t row = 0; row < src.height; ++row) {
         const std::uint8_t* const in = LineOfPlane(src, 0, row);
         const std::uint8_t* const next = row + 1 < src.height ? LineOfPlane(src, 0, row + 1) : in;
@@ -208,7 +208,7 @@ void MoveLines(const ImageDescriptor& dst, const ImageDescriptor& src) {
 }
 
 template <class From, class To>
-void ConvertPixels(const ImageDescriptor& dst, const ImageDescriptor& src, ConvertSignature* narrowPicture) {
+void ConvertPixels(const ImageDescriptor& dst, const ConstImageDescriptor& src, ConvertSignature* narrowPicture) {
     if (src.width < kPixels) return narrowPicture(dst, src);
     if (StreamedPlane<To::kBytes, 1>::IsFor(dst)) {
         MoveLines<From, To, true>(dst, src);
@@ -221,60 +221,60 @@ void ConvertPixels(const ImageDescriptor& dst, const ImageDescriptor& src, Conve
 }  // namespace
 }  // namespace PIXMORPH_SIMD
 
-void PIXMORPH_SIMD::BgrToUyvy(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void PIXMORPH_SIMD::BgrToUyvy(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     ConvertTo422<BgrPixels, UyvyTarget>(dst, src, plain::BgrToUyvy);
 }
-void PIXMORPH_SIMD::BgraToUyvy(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void PIXMORPH_SIMD::BgraToUyvy(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     ConvertTo422<BgraPixels, UyvyTarget>(dst, src, plain::BgraToUyvy);
 }
-void PIXMORPH_SIMD::BgrToYuy2(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void PIXMORPH_SIMD::BgrToYuy2(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     ConvertTo422<BgrPixels, Yuy2Target>(dst, src, plain::BgrToYuy2);
 }
-void PIXMORPH_SIMD::BgraToYuy2(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void PIXMORPH_SIMD::BgraToYuy2(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     ConvertTo422<BgraPixels, Yuy2Target>(dst, src, plain::BgraToYuy2);
 }
-void PIXMORPH_SIMD::BgrToYvyu(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void PIXMORPH_SIMD::BgrToYvyu(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     ConvertTo422<BgrPixels, YvyuTarget>(dst, src, plain::BgrToYvyu);
 }
-void PIXMORPH_SIMD::BgraToYvyu(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void PIXMORPH_SIMD::BgraToYvyu(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     ConvertTo422<BgraPixels, YvyuTarget>(dst, src, plain::BgraToYvyu);
 }
-void PIXMORPH_SIMD::BgrToY16(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void PIXMORPH_SIMD::BgrToY16(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     ConvertTo422<BgrPixels, Y16Target>(dst, src, plain::BgrToY16);
 }
-void PIXMORPH_SIMD::BgraToY16(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void PIXMORPH_SIMD::BgraToY16(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     ConvertTo422<BgraPixels, Y16Target>(dst, src, plain::BgraToY16);
 }
-void PIXMORPH_SIMD::BgrToY16A(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void PIXMORPH_SIMD::BgrToY16A(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     ConvertTo422<BgrPixels, Y16ATarget>(dst, src, plain::BgrToY16A);
 }
-void PIXMORPH_SIMD::BgraToY16A(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void PIXMORPH_SIMD::BgraToY16A(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     ConvertTo422<BgraPixels, Y16ATarget>(dst, src, plain::BgraToY16A);
 }
-void PIXMORPH_SIMD::BgrToY422(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void PIXMORPH_SIMD::BgrToY422(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     ConvertTo422<BgrPixels, PlanarTarget>(dst, src, plain::BgrToY422);
 }
-void PIXMORPH_SIMD::BgraToY422(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void PIXMORPH_SIMD::BgraToY422(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     ConvertTo422<BgraPixels, PlanarTarget>(dst, src, plain::BgraToY422);
 }
 
-void PIXMORPH_SIMD::BgrToI420(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void PIXMORPH_SIMD::BgrToI420(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     ConvertTo420<BgrPixels, PlanarTarget>(dst, src, plain::BgrToI420);
 }
-void PIXMORPH_SIMD::BgraToI420(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void PIXMORPH_SIMD::BgraToI420(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     ConvertTo420<BgraPixels, PlanarTarget>(dst, src, plain::BgraToI420);
 }
-void PIXMORPH_SIMD::BgrToNv12(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void PIXMORPH_SIMD::BgrToNv12(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     ConvertTo420<BgrPixels, SemiPlanarTarget>(dst, src, plain::BgrToNv12);
 }
-void PIXMORPH_SIMD::BgraToNv12(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void PIXMORPH_SIMD::BgraToNv12(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     ConvertTo420<BgraPixels, SemiPlanarTarget>(dst, src, plain::BgraToNv12);
 }
 
-void PIXMORPH_SIMD::BgrToBgra(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void PIXMORPH_SIMD::BgrToBgra(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     ConvertPixels<BgrPixels, BgraPixels>(dst, src, plain::BgrToBgra);
 }
-void PIXMORPH_SIMD::BgraToBgr(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void PIXMORPH_SIMD::BgraToBgr(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     ConvertPixels<BgraPixels, BgrPixels>(dst, src, plain::BgraToBgr);
 }
 

@@ -214,29 +214,29 @@ void PackRow(std::uint8_t* dst, const SeparateLine& from, const Distances& ahead
 struct PairedWords {
     using Narrow = HighByte;
 
-    static PairedLine LineAt(const ImageDescriptor& src, std::int64_t y, std::int64_t chromaRow, bool hasNext) {
+    static PairedLine LineAt(const ConstImageDescriptor& src, std::int64_t y, std::int64_t chromaRow, bool hasNext) {
         const std::uint8_t* const chroma = LineOfPlane(src, 1, chromaRow);
         return {LineOfPlane(src, 0, y), chroma, hasNext ? chroma + src.strides[1] : chroma};
     }
-    static Narrow LumaOf(const ImageDescriptor&) { return {}; }
-    static Narrow ChromaOf(const ImageDescriptor&) { return {}; }
+    static Narrow LumaOf(const FormatHead&) { return {}; }
+    static Narrow ChromaOf(const FormatHead&) { return {}; }
 };
 struct SeparateWords {
     using Narrow = RoundedShift;
 
-    static SeparateLine LineAt(const ImageDescriptor& src, std::int64_t y, std::int64_t chromaRow, bool hasNext) {
+    static SeparateLine LineAt(const ConstImageDescriptor& src, std::int64_t y, std::int64_t chromaRow, bool hasNext) {
         const std::uint8_t* const u = LineOfPlane(src, 1, chromaRow);
         const std::uint8_t* const v = LineOfPlane(src, 2, chromaRow);
         return {LineOfPlane(src, 0, y), u, v, hasNext ? u + src.strides[1] : u, hasNext ? v + src.strides[2] : v};
     }
-    static Narrow LumaOf(const ImageDescriptor& src) { return Narrow(src.lumaExtraBits); }
-    static Narrow ChromaOf(const ImageDescriptor& src) { return Narrow(src.chromaExtraBits); }
+    static Narrow LumaOf(const FormatHead& src) { return Narrow(src.lumaExtraBits); }
+    static Narrow ChromaOf(const FormatHead& src) { return Narrow(src.chromaExtraBits); }
 };
 
 // kLinesPerChroma picture lines share a chroma line. Where that is two, odd lines but the last take the mean of theirs
 // and the next.
 template <class Order, class Words, int kLinesPerChroma, class Out>
-void PackLines(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void PackLines(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     const typename Words::Narrow luma = Words::LumaOf(src);
     const typename Words::Narrow chroma = Words::ChromaOf(src);
     const Distances ahead = {src.strides[0], src.strides[1], src.strides[2]};
@@ -251,7 +251,7 @@ void PackLines(const ImageDescriptor& dst, const ImageDescriptor& src) {
 }
 
 template <class Order, class Words, int kLinesPerChroma>
-void Pack(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void Pack(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     if (IsStreamed<2 * kVecBytes>(dst, 0, std::size_t{2} * src.width)) {
         PackLines<Order, Words, kLinesPerChroma, StreamingStores>(dst, src);
         StreamFence();
@@ -262,7 +262,7 @@ void Pack(const ImageDescriptor& dst, const ImageDescriptor& src) {
 
 // The rows of a plane, each from kSourceRows rows of the source.
 template <int kSourceRows, class Out, class Narrow>
-void NarrowRows(const ImageDescriptor& dst, const ImageDescriptor& src, int plane, std::size_t samples,
+void NarrowRows(const ImageDescriptor& dst, const ConstImageDescriptor& src, int plane, std::size_t samples,
                 std::int64_t rows, const Narrow& narrow) {
     using Lines = LinesOf<kSourceRows>;
     const std::int64_t stride = src.strides[plane];
@@ -274,7 +274,7 @@ void NarrowRows(const ImageDescriptor& dst, const ImageDescriptor& src, int plan
 }
 
 template <int kSourceRows, class Narrow>
-void NarrowPlane(const ImageDescriptor& dst, const ImageDescriptor& src, int plane, std::size_t samples,
+void NarrowPlane(const ImageDescriptor& dst, const ConstImageDescriptor& src, int plane, std::size_t samples,
                  std::int64_t rows, const Narrow& narrow) {
     if (IsStreamed<kVecBytes>(dst, plane, samples)) {
         NarrowRows<kSourceRows, StreamingStores>(dst, src, plane, samples, rows, narrow);
@@ -284,18 +284,18 @@ void NarrowPlane(const ImageDescriptor& dst, const ImageDescriptor& src, int pla
     }
 }
 
-void NarrowP216(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void NarrowP216(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     NarrowPlane<1>(dst, src, 0, src.width, src.height, HighByte());
     NarrowPlane<2>(dst, src, 1, src.width, src.height / 2, RoundedHighByte());
 }
 
-void NarrowP016(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void NarrowP016(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     NarrowPlane<1>(dst, src, 0, src.width, src.height, HighByte());
     NarrowPlane<1>(dst, src, 1, src.width, src.height / 2, HighByte());
 }
 
 template <int kLinesPerChroma>
-void NarrowPlanes(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void NarrowPlanes(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     const RoundedShift chroma(src.chromaExtraBits);
     NarrowPlane<1>(dst, src, 0, src.width, src.height, RoundedShift(src.lumaExtraBits));
     for (int plane = 1; plane < 3; ++plane)
@@ -304,7 +304,7 @@ void NarrowPlanes(const ImageDescriptor& dst, const ImageDescriptor& src) {
 
 // Depths beyond the registers' 16-bit arithmetic are rare enough for the plain form.
 template <ConvertSignature& kConvert>
-void Rounded(const ImageDescriptor& dst, const ImageDescriptor& src, ConvertSignature* deepPicture) {
+void Rounded(const ImageDescriptor& dst, const ConstImageDescriptor& src, ConvertSignature* deepPicture) {
     const bool fitsWords =
         src.lumaExtraBits <= RoundedShift::kMostExtraBits && src.chromaExtraBits <= RoundedShift::kMostExtraBits;
     (fitsWords ? kConvert : *deepPicture)(dst, src);
@@ -313,37 +313,37 @@ void Rounded(const ImageDescriptor& dst, const ImageDescriptor& src, ConvertSign
 }  // namespace
 }  // namespace PIXMORPH_SIMD
 
-void PIXMORPH_SIMD::P216ToUyvy(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void PIXMORPH_SIMD::P216ToUyvy(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Pack<UyvyWords, PairedWords, 1>(dst, src);
 }
-void PIXMORPH_SIMD::P216ToYuy2(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void PIXMORPH_SIMD::P216ToYuy2(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Pack<Yuy2Words, PairedWords, 1>(dst, src);
 }
-void PIXMORPH_SIMD::P216ToNv12(const ImageDescriptor& dst, const ImageDescriptor& src) { NarrowP216(dst, src); }
-void PIXMORPH_SIMD::P016ToUyvy(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void PIXMORPH_SIMD::P216ToNv12(const ImageDescriptor& dst, const ConstImageDescriptor& src) { NarrowP216(dst, src); }
+void PIXMORPH_SIMD::P016ToUyvy(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Pack<UyvyWords, PairedWords, 2>(dst, src);
 }
-void PIXMORPH_SIMD::P016ToYuy2(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void PIXMORPH_SIMD::P016ToYuy2(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Pack<Yuy2Words, PairedWords, 2>(dst, src);
 }
-void PIXMORPH_SIMD::P016ToNv12(const ImageDescriptor& dst, const ImageDescriptor& src) { NarrowP016(dst, src); }
+void PIXMORPH_SIMD::P016ToNv12(const ImageDescriptor& dst, const ConstImageDescriptor& src) { NarrowP016(dst, src); }
 
-void PIXMORPH_SIMD::S420ToUyvy(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void PIXMORPH_SIMD::S420ToUyvy(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Rounded<Pack<UyvyWords, SeparateWords, 2>>(dst, src, plain::S420ToUyvy);
 }
-void PIXMORPH_SIMD::S420ToYuy2(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void PIXMORPH_SIMD::S420ToYuy2(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Rounded<Pack<Yuy2Words, SeparateWords, 2>>(dst, src, plain::S420ToYuy2);
 }
-void PIXMORPH_SIMD::S420ToI420(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void PIXMORPH_SIMD::S420ToI420(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Rounded<NarrowPlanes<2>>(dst, src, plain::S420ToI420);
 }
-void PIXMORPH_SIMD::S422ToUyvy(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void PIXMORPH_SIMD::S422ToUyvy(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Rounded<Pack<UyvyWords, SeparateWords, 1>>(dst, src, plain::S422ToUyvy);
 }
-void PIXMORPH_SIMD::S422ToYuy2(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void PIXMORPH_SIMD::S422ToYuy2(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Rounded<Pack<Yuy2Words, SeparateWords, 1>>(dst, src, plain::S422ToYuy2);
 }
-void PIXMORPH_SIMD::S422ToY422(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void PIXMORPH_SIMD::S422ToY422(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Rounded<NarrowPlanes<1>>(dst, src, plain::S422ToY422);
 }
 

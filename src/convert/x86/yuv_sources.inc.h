@@ -50,14 +50,16 @@ struct PackedSource {
     static constexpr std::size_t kGranule = 2;
     static constexpr bool kHasAlpha = false;
 
-    static inline void PrefetchLuma(const Line& line, std::size_t x) { Prefetch<2 * kPixels>(line.plane[0] + 2 * x); }
-    static inline void PrefetchChroma(const Line&, std::size_t) {}
-    static inline LumaWords Luma(const Line& line, std::size_t x) {
+    static inline void PrefetchLuma(const ReadLine& line, std::size_t x) {
+        Prefetch<2 * kPixels>(line.plane[0] + 2 * x);
+    }
+    static inline void PrefetchChroma(const ReadLine&, std::size_t) {}
+    static inline LumaWords Luma(const ReadLine& line, std::size_t x) {
         const std::uint8_t* const p = line.plane[0] + 2 * x;
         return {LumaOf(Load(p)), LumaOf(Load(p + kVecBytes))};
     }
     template <bool kLast>
-    static inline ChromaWords Chroma(const Line& line, std::size_t x) {
+    static inline ChromaWords Chroma(const ReadLine& line, std::size_t x) {
         const std::uint8_t* const p = line.plane[0] + 2 * x;
         const std::uint8_t* const second = p + kVecBytes;
         Vec behind;
@@ -102,20 +104,20 @@ struct PlanarSource {
     static constexpr std::size_t kGranule = 2;
     static constexpr bool kHasAlpha = false;
 
-    static inline void PrefetchLuma(const Line& line, std::size_t x) { Prefetch<kPixels>(line.plane[0] + x); }
-    static inline void PrefetchChroma(const Line& line, std::size_t x) {
+    static inline void PrefetchLuma(const ReadLine& line, std::size_t x) { Prefetch<kPixels>(line.plane[0] + x); }
+    static inline void PrefetchChroma(const ReadLine& line, std::size_t x) {
         Prefetch<kPixels / 2>(line.plane[1] + x / 2);
         Prefetch<kPixels / 2>(line.plane[2] + x / 2);
     }
-    static inline LumaWords Luma(const Line& line, std::size_t x) { return WidenLuma(Load(line.plane[0] + x)); }
+    static inline LumaWords Luma(const ReadLine& line, std::size_t x) { return WidenLuma(Load(line.plane[0] + x)); }
     template <bool kLast>
-    static inline ChromaWords Chroma(const Line& line, std::size_t x) {
+    static inline ChromaWords Chroma(const ReadLine& line, std::size_t x) {
         const std::uint8_t* const u = line.plane[1] + x / 2;
         const std::uint8_t* const v = line.plane[2] + x / 2;
         return Interpolate(Widen(LoadWiden8(u)), Widen(LoadWiden8(v)), Next<kLast>(u), Next<kLast>(v));
     }
     template <bool kLast>
-    static inline ChromaWords Between(const ChromaWords& chroma, const Line (&lines)[2], std::size_t x) {
+    static inline ChromaWords Between(const ChromaWords& chroma, const ReadLine (&lines)[2], std::size_t x) {
         return Mean(chroma, Chroma<kLast>(lines[1], x));
     }
 
@@ -139,11 +141,11 @@ struct SemiPlanarSource {
     static constexpr std::size_t kGranule = 2;
     static constexpr bool kHasAlpha = false;
 
-    static inline void PrefetchLuma(const Line& line, std::size_t x) { Prefetch<kPixels>(line.plane[0] + x); }
-    static inline void PrefetchChroma(const Line& line, std::size_t x) { Prefetch<kPixels>(line.plane[1] + x); }
-    static inline LumaWords Luma(const Line& line, std::size_t x) { return WidenLuma(Load(line.plane[0] + x)); }
+    static inline void PrefetchLuma(const ReadLine& line, std::size_t x) { Prefetch<kPixels>(line.plane[0] + x); }
+    static inline void PrefetchChroma(const ReadLine& line, std::size_t x) { Prefetch<kPixels>(line.plane[1] + x); }
+    static inline LumaWords Luma(const ReadLine& line, std::size_t x) { return WidenLuma(Load(line.plane[0] + x)); }
     template <bool kLast>
-    static inline ChromaWords Chroma(const Line& line, std::size_t x) {
+    static inline ChromaWords Chroma(const ReadLine& line, std::size_t x) {
         const std::uint8_t* const p = line.plane[1] + x;
         const Vec pairs = Load(p);
         Vec next;
@@ -155,7 +157,7 @@ struct SemiPlanarSource {
         return Interpolate(ShiftLeft16<8>(pairs), And(pairs, high), ShiftLeft16<8>(next), And(next, high));
     }
     template <bool kLast>
-    static inline ChromaWords Between(const ChromaWords& chroma, const Line (&lines)[2], std::size_t x) {
+    static inline ChromaWords Between(const ChromaWords& chroma, const ReadLine (&lines)[2], std::size_t x) {
         return Mean(chroma, Chroma<kLast>(lines[1], x));
     }
 };
@@ -168,21 +170,21 @@ struct BlockSource {
     static constexpr bool kHasAlpha = kOrder.HasAlpha();
     static constexpr std::size_t kBlockBytes = kOrder.bytes;
 
-    static inline const std::uint8_t* BlockAt(const Line& line, std::size_t x) {
+    static inline const std::uint8_t* BlockAt(const ReadLine& line, std::size_t x) {
         return line.plane[0] + x / 16 * kBlockBytes;
     }
-    static inline void PrefetchLuma(const Line& line, std::size_t x) {
+    static inline void PrefetchLuma(const ReadLine& line, std::size_t x) {
         Prefetch<kPixels / 16 * kBlockBytes>(BlockAt(line, x));
     }
-    static inline void PrefetchChroma(const Line&, std::size_t) {}
-    static inline LumaWords Luma(const Line& line, std::size_t x) {
+    static inline void PrefetchChroma(const ReadLine&, std::size_t) {}
+    static inline LumaWords Luma(const ReadLine& line, std::size_t x) {
         return WidenLuma(LoadLanes(BlockAt(line, x) + kOrder.y, kBlockBytes));
     }
-    static inline Vec Alpha(const Line& line, std::size_t x) {
+    static inline Vec Alpha(const ReadLine& line, std::size_t x) {
         return LoadLanes(BlockAt(line, x) + kOrder.alpha, kBlockBytes);
     }
     template <bool kLast>
-    static inline ChromaWords Chroma(const Line& line, std::size_t x) {
+    static inline ChromaWords Chroma(const ReadLine& line, std::size_t x) {
         const std::uint8_t* const p = BlockAt(line, x) + kOrder.u;
         const Vec chroma = LoadLanes(p, kBlockBytes);
         Vec behind;
@@ -216,21 +218,25 @@ struct WordSource {
     static constexpr std::size_t kGranule = 2;
     static constexpr bool kHasAlpha = false;
 
-    static inline void PrefetchLuma(const Line& line, std::size_t x) { Prefetch<2 * kPixels>(line.plane[0] + 2 * x); }
-    static inline LumaWords Luma(const Line& line, std::size_t x) {
+    static inline void PrefetchLuma(const ReadLine& line, std::size_t x) {
+        Prefetch<2 * kPixels>(line.plane[0] + 2 * x);
+    }
+    static inline LumaWords Luma(const ReadLine& line, std::size_t x) {
         const std::uint8_t* const p = line.plane[0] + 2 * x;
         return {Load(p), Load(p + kVecBytes)};
     }
 };
 
 struct SemiPlanarWordSource : WordSource {
-    static inline void PrefetchChroma(const Line& line, std::size_t x) { Prefetch<2 * kPixels>(line.plane[1] + 2 * x); }
+    static inline void PrefetchChroma(const ReadLine& line, std::size_t x) {
+        Prefetch<2 * kPixels>(line.plane[1] + 2 * x);
+    }
     template <bool kLast>
-    static inline ChromaWords Chroma(const Line& line, std::size_t x) {
+    static inline ChromaWords Chroma(const ReadLine& line, std::size_t x) {
         return Order(Read<kLast>(line, x));
     }
     template <bool kLast>
-    static inline ChromaWords Between(const ChromaWords&, const Line (&lines)[2], std::size_t x) {
+    static inline ChromaWords Between(const ChromaWords&, const ReadLine (&lines)[2], std::size_t x) {
         const Pairs a = Read<kLast>(lines[0], x), b = Read<kLast>(lines[1], x);
         return Order(
             {Avg16(a.low, b.low), Avg16(a.nextLow, b.nextLow), Avg16(a.high, b.high), Avg16(a.nextHigh, b.nextHigh)});
@@ -241,7 +247,7 @@ private:
         Vec low, nextLow, high, nextHigh;
     };
     template <bool kLast>
-    static inline Pairs Read(const Line& line, std::size_t x) {
+    static inline Pairs Read(const ReadLine& line, std::size_t x) {
         const std::uint8_t* const p = line.plane[1] + 2 * x;
         const std::uint8_t* const second = p + kVecBytes;
         Vec behind;
@@ -260,16 +266,16 @@ private:
 };
 
 struct PlanarWordSource : WordSource {
-    static inline void PrefetchChroma(const Line& line, std::size_t x) {
+    static inline void PrefetchChroma(const ReadLine& line, std::size_t x) {
         Prefetch<kPixels>(line.plane[1] + x);
         Prefetch<kPixels>(line.plane[2] + x);
     }
     template <bool kLast>
-    static inline ChromaWords Chroma(const Line& line, std::size_t x) {
+    static inline ChromaWords Chroma(const ReadLine& line, std::size_t x) {
         return Order(Read<kLast>(line, x));
     }
     template <bool kLast>
-    static inline ChromaWords Between(const ChromaWords&, const Line (&lines)[2], std::size_t x) {
+    static inline ChromaWords Between(const ChromaWords&, const ReadLine (&lines)[2], std::size_t x) {
         const Samples a = Read<kLast>(lines[0], x), b = Read<kLast>(lines[1], x);
         return Order({Avg16(a.u, b.u), Avg16(a.v, b.v), Avg16(a.nextU, b.nextU), Avg16(a.nextV, b.nextV)});
     }
@@ -279,7 +285,7 @@ private:
         Vec u, v, nextU, nextV;
     };
     template <bool kLast>
-    static inline Samples Read(const Line& line, std::size_t x) {
+    static inline Samples Read(const ReadLine& line, std::size_t x) {
         const std::uint8_t* const u = line.plane[1] + x;
         const std::uint8_t* const v = line.plane[2] + x;
         if constexpr (kLast)

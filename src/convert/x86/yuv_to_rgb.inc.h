@@ -14,7 +14,7 @@ namespace {
 
 /// One step of one line.
 template <class Source, class Pixels, class Sink>
-inline void WriteStep(const Sink& sink, std::uint8_t* out, const Line& line, std::size_t x, const ChromaWords& c,
+inline void WriteStep(const Sink& sink, std::uint8_t* out, const ReadLine& line, std::size_t x, const ChromaWords& c,
                       const YuvToRgbVectors& m) {
     const LumaWords y = Source::Luma(line, x);
     const BgrVectors low = YuvToBgr(m, y.low, c.lowU, c.lowV);
@@ -30,7 +30,7 @@ inline void WriteStep(const Sink& sink, std::uint8_t* out, const Line& line, std
 template <class Source, class Pixels>
 struct LineConverter {
     std::uint8_t* out;
-    Line line, next;
+    ReadLine line, next;
 
     void Prefetch(std::size_t x) const {
         Source::PrefetchLuma(next, x);
@@ -47,7 +47,7 @@ struct LineConverter {
 template <class Source, class Pixels>
 struct LinePairConverter {
     std::uint8_t* out[2];
-    Line line[2], next[2];
+    ReadLine line[2], next[2];
 
     void Prefetch(std::size_t x) const {
         Source::PrefetchLuma(next[0], x);
@@ -65,7 +65,7 @@ struct LinePairConverter {
 };
 
 template <class Source, class Pixels, bool kStreamed>
-void ConvertLines422(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void ConvertLines422(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     using Streamed = StreamedPlane<Pixels::kBytes, Source::kGranule>;
     const YuvToRgbVectors m = LoadYuvToRgb(src.colorMatrix);
     const std::int64_t height = src.height;
@@ -80,7 +80,7 @@ void ConvertLines422(const ImageDescriptor& dst, const ImageDescriptor& src) {
 }
 
 template <class Source, class Pixels, bool kStreamed>
-void ConvertLines420(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void ConvertLines420(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     using Streamed = StreamedPlane<Pixels::kBytes, Source::kGranule>;
     const YuvToRgbVectors m = LoadYuvToRgb(src.colorMatrix);
     const std::int64_t chromaRows = src.height / 2;
@@ -101,7 +101,7 @@ void ConvertLines420(const ImageDescriptor& dst, const ImageDescriptor& src) {
 
 // A picture that is narrower than a step goes to `narrowPicture`.
 template <class Source, class Pixels>
-void Convert422ToRgb(const ImageDescriptor& dst, const ImageDescriptor& src, ConvertSignature* narrowPicture) {
+void Convert422ToRgb(const ImageDescriptor& dst, const ConstImageDescriptor& src, ConvertSignature* narrowPicture) {
     if (src.width < kPixels) return narrowPicture(dst, src);
     if (StreamedPlane<Pixels::kBytes, Source::kGranule>::IsFor(dst)) {
         ConvertLines422<Source, Pixels, true>(dst, src);
@@ -112,7 +112,7 @@ void Convert422ToRgb(const ImageDescriptor& dst, const ImageDescriptor& src, Con
 }
 
 template <class Source, class Pixels>
-void Convert420ToRgb(const ImageDescriptor& dst, const ImageDescriptor& src, ConvertSignature* narrowPicture) {
+void Convert420ToRgb(const ImageDescriptor& dst, const ConstImageDescriptor& src, ConvertSignature* narrowPicture) {
     if (src.width < kPixels) return narrowPicture(dst, src);
     // The boundaries of two lines that are made together have to coincide.
     const bool coincide = dst.strides[0] % static_cast<std::int64_t>(kCacheLine) == 0;
@@ -127,89 +127,89 @@ void Convert420ToRgb(const ImageDescriptor& dst, const ImageDescriptor& src, Con
 }  // namespace
 }  // namespace PIXMORPH_SIMD
 
-void PIXMORPH_SIMD::UyvyToBgr(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void PIXMORPH_SIMD::UyvyToBgr(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Convert422ToRgb<UyvySource, BgrPixels>(dst, src, plain::UyvyToBgr);
 }
-void PIXMORPH_SIMD::UyvyToBgra(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void PIXMORPH_SIMD::UyvyToBgra(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Convert422ToRgb<UyvySource, BgraPixels>(dst, src, plain::UyvyToBgra);
 }
-void PIXMORPH_SIMD::Yuy2ToBgr(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void PIXMORPH_SIMD::Yuy2ToBgr(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Convert422ToRgb<Yuy2Source, BgrPixels>(dst, src, plain::Yuy2ToBgr);
 }
-void PIXMORPH_SIMD::Yuy2ToBgra(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void PIXMORPH_SIMD::Yuy2ToBgra(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Convert422ToRgb<Yuy2Source, BgraPixels>(dst, src, plain::Yuy2ToBgra);
 }
-void PIXMORPH_SIMD::YvyuToBgr(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void PIXMORPH_SIMD::YvyuToBgr(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Convert422ToRgb<YvyuSource, BgrPixels>(dst, src, plain::YvyuToBgr);
 }
-void PIXMORPH_SIMD::YvyuToBgra(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void PIXMORPH_SIMD::YvyuToBgra(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Convert422ToRgb<YvyuSource, BgraPixels>(dst, src, plain::YvyuToBgra);
 }
-void PIXMORPH_SIMD::Y16ToBgr(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void PIXMORPH_SIMD::Y16ToBgr(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Convert422ToRgb<Y16Source, BgrPixels>(dst, src, plain::Y16ToBgr);
 }
-void PIXMORPH_SIMD::Y16ToBgra(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void PIXMORPH_SIMD::Y16ToBgra(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Convert422ToRgb<Y16Source, BgraPixels>(dst, src, plain::Y16ToBgra);
 }
-void PIXMORPH_SIMD::Y16AToBgr(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void PIXMORPH_SIMD::Y16AToBgr(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Convert422ToRgb<Y16ASource, BgrPixels>(dst, src, plain::Y16AToBgr);
 }
-void PIXMORPH_SIMD::Y16AToBgra(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void PIXMORPH_SIMD::Y16AToBgra(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Convert422ToRgb<Y16ASource, BgraPixels>(dst, src, plain::Y16AToBgra);
 }
-void PIXMORPH_SIMD::Y422ToBgr(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void PIXMORPH_SIMD::Y422ToBgr(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Convert422ToRgb<PlanarSource, BgrPixels>(dst, src, plain::Y422ToBgr);
 }
-void PIXMORPH_SIMD::Y422ToBgra(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void PIXMORPH_SIMD::Y422ToBgra(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Convert422ToRgb<PlanarSource, BgraPixels>(dst, src, plain::Y422ToBgra);
 }
-void PIXMORPH_SIMD::Y32ToBgr(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void PIXMORPH_SIMD::Y32ToBgr(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Convert422ToRgb<Y32Source, BgrPixels>(dst, src, plain::Y32ToBgr);
 }
-void PIXMORPH_SIMD::Y32ToBgra(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void PIXMORPH_SIMD::Y32ToBgra(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Convert422ToRgb<Y32Source, BgraPixels>(dst, src, plain::Y32ToBgra);
 }
-void PIXMORPH_SIMD::Y32AToBgr(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void PIXMORPH_SIMD::Y32AToBgr(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Convert422ToRgb<Y32ASource, BgrPixels>(dst, src, plain::Y32AToBgr);
 }
-void PIXMORPH_SIMD::Y32AToBgra(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void PIXMORPH_SIMD::Y32AToBgra(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Convert422ToRgb<Y32ASource, BgraPixels>(dst, src, plain::Y32AToBgra);
 }
-void PIXMORPH_SIMD::Y32ABToBgr(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void PIXMORPH_SIMD::Y32ABToBgr(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Convert422ToRgb<Y32ABSource, BgrPixels>(dst, src, plain::Y32ABToBgr);
 }
-void PIXMORPH_SIMD::Y32ABToBgra(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void PIXMORPH_SIMD::Y32ABToBgra(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Convert422ToRgb<Y32ABSource, BgraPixels>(dst, src, plain::Y32ABToBgra);
 }
-void PIXMORPH_SIMD::P216ToBgr(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void PIXMORPH_SIMD::P216ToBgr(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Convert422ToRgb<SemiPlanarWordSource, BgrPixels>(dst, src, plain::P216ToBgr);
 }
-void PIXMORPH_SIMD::P216ToBgra(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void PIXMORPH_SIMD::P216ToBgra(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Convert422ToRgb<SemiPlanarWordSource, BgraPixels>(dst, src, plain::P216ToBgra);
 }
 
-void PIXMORPH_SIMD::I420ToBgr(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void PIXMORPH_SIMD::I420ToBgr(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Convert420ToRgb<PlanarSource, BgrPixels>(dst, src, plain::I420ToBgr);
 }
-void PIXMORPH_SIMD::I420ToBgra(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void PIXMORPH_SIMD::I420ToBgra(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Convert420ToRgb<PlanarSource, BgraPixels>(dst, src, plain::I420ToBgra);
 }
-void PIXMORPH_SIMD::Nv12ToBgr(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void PIXMORPH_SIMD::Nv12ToBgr(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Convert420ToRgb<SemiPlanarSource, BgrPixels>(dst, src, plain::Nv12ToBgr);
 }
-void PIXMORPH_SIMD::Nv12ToBgra(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void PIXMORPH_SIMD::Nv12ToBgra(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Convert420ToRgb<SemiPlanarSource, BgraPixels>(dst, src, plain::Nv12ToBgra);
 }
-void PIXMORPH_SIMD::S420ToBgr(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void PIXMORPH_SIMD::S420ToBgr(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Convert420ToRgb<PlanarWordSource, BgrPixels>(dst, src, plain::S420ToBgr);
 }
-void PIXMORPH_SIMD::S420ToBgra(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void PIXMORPH_SIMD::S420ToBgra(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Convert420ToRgb<PlanarWordSource, BgraPixels>(dst, src, plain::S420ToBgra);
 }
-void PIXMORPH_SIMD::P016ToBgr(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void PIXMORPH_SIMD::P016ToBgr(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Convert420ToRgb<SemiPlanarWordSource, BgrPixels>(dst, src, plain::P016ToBgr);
 }
-void PIXMORPH_SIMD::P016ToBgra(const ImageDescriptor& dst, const ImageDescriptor& src) {
+void PIXMORPH_SIMD::P016ToBgra(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
     Convert420ToRgb<SemiPlanarWordSource, BgraPixels>(dst, src, plain::P016ToBgra);
 }
 

@@ -10,8 +10,8 @@ namespace KorvaneSoftware {
 namespace {
 
 /// The converter's function: from the formats of decoded frames, to whatever has a path from there.
-Status ConvertDecoded(const ImageDescriptor* dst, const ImageDescriptor* src) {
-    switch (src->format) {
+Status ConvertDecoded(const ImageDescriptor& dst, const ConstImageDescriptor& src) {
+    switch (src.format) {
         case FMT_IMC4:
         case FMT_I420:
         case FMT_Y422:

@@ -46,9 +46,9 @@ struct RgbReader {
         if (Pixels::kHasAlpha) return width / 2 * 2;
         return width == 0 ? 0 : (width - 1) / 2 * 2;
     }
-    static int BlackLuma(const ImageDescriptor& frame) { return (frame.colorMatrix & 3) == 3 ? 0 : 16; }
+    static int BlackLuma(const FormatHead& frame) { return (frame.colorMatrix & 3) == 3 ? 0 : 16; }
 
-    explicit RgbReader(const ImageDescriptor& frame) : matrix(LoadRgbToYuv(frame.colorMatrix)) {}
+    explicit RgbReader(const FormatHead& frame) : matrix(LoadRgbToYuv(frame.colorMatrix)) {}
 
     template <class Order>
     FramePixels Read(const std::uint8_t* src) const {
@@ -82,9 +82,9 @@ struct PackedReader {
     static constexpr bool kBottomUp = false;
     static std::size_t PixelCount(std::size_t width) { return width; }
     // Video levels whatever the frame's matrix.
-    static int BlackLuma(const ImageDescriptor&) { return 16; }
+    static int BlackLuma(const FormatHead&) { return 16; }
 
-    explicit PackedReader(const ImageDescriptor&) {}
+    explicit PackedReader(const FormatHead&) {}
 
     template <class Order>
     FramePixels Read(const std::uint8_t* src) const {
@@ -170,7 +170,7 @@ struct FrameStep {
 };
 
 template <bool kAdd, class Reader, class Order, class Mixing>
-void LayOntoFrame(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+void LayOntoFrame(const ImageDescriptor& dst, const ConstImageDescriptor& src, const TitleMix& mix) {
     const FrameStep<kAdd, Reader, Order, Mixing> step{Reader(dst), Mixing(mix), Order::Black(Reader::BlackLuma(dst))};
     RunPicture(dst, src, mix, Reader::PixelCount(dst.width), step);
 }
@@ -178,64 +178,64 @@ void LayOntoFrame(const ImageDescriptor& dst, const ImageDescriptor& src, const 
 }  // namespace
 }  // namespace PIXMORPH_SIMD
 
-void PIXMORPH_SIMD::MoveBgraToUyvy(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+void PIXMORPH_SIMD::MoveBgraToUyvy(const ImageDescriptor& dst, const ConstImageDescriptor& src, const TitleMix& mix) {
     LayOntoFrame<false, BgraReader, UyvyOrder, Weighted>(dst, src, mix);
 }
-void PIXMORPH_SIMD::MoveBgraToYuy2(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+void PIXMORPH_SIMD::MoveBgraToYuy2(const ImageDescriptor& dst, const ConstImageDescriptor& src, const TitleMix& mix) {
     LayOntoFrame<false, BgraReader, Yuy2Order, Weighted>(dst, src, mix);
 }
-void PIXMORPH_SIMD::MoveBgrToUyvy(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+void PIXMORPH_SIMD::MoveBgrToUyvy(const ImageDescriptor& dst, const ConstImageDescriptor& src, const TitleMix& mix) {
     LayOntoFrame<false, BgrReader, UyvyOrder, Blended>(dst, src, mix);
 }
-void PIXMORPH_SIMD::MoveBgrToYuy2(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+void PIXMORPH_SIMD::MoveBgrToYuy2(const ImageDescriptor& dst, const ConstImageDescriptor& src, const TitleMix& mix) {
     LayOntoFrame<false, BgrReader, Yuy2Order, Blended>(dst, src, mix);
 }
-void PIXMORPH_SIMD::MoveUyvyToUyvy(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+void PIXMORPH_SIMD::MoveUyvyToUyvy(const ImageDescriptor& dst, const ConstImageDescriptor& src, const TitleMix& mix) {
     LayOntoFrame<false, UyvyReader, UyvyOrder, Blended>(dst, src, mix);
 }
-void PIXMORPH_SIMD::MoveUyvyToYuy2(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+void PIXMORPH_SIMD::MoveUyvyToYuy2(const ImageDescriptor& dst, const ConstImageDescriptor& src, const TitleMix& mix) {
     LayOntoFrame<false, UyvyReader, Yuy2Order, Blended>(dst, src, mix);
 }
-void PIXMORPH_SIMD::MoveYuy2ToUyvy(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+void PIXMORPH_SIMD::MoveYuy2ToUyvy(const ImageDescriptor& dst, const ConstImageDescriptor& src, const TitleMix& mix) {
     LayOntoFrame<false, Yuy2Reader, UyvyOrder, Blended>(dst, src, mix);
 }
-void PIXMORPH_SIMD::MoveYuy2ToYuy2(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+void PIXMORPH_SIMD::MoveYuy2ToYuy2(const ImageDescriptor& dst, const ConstImageDescriptor& src, const TitleMix& mix) {
     LayOntoFrame<false, Yuy2Reader, Yuy2Order, Blended>(dst, src, mix);
 }
-void PIXMORPH_SIMD::MoveYvyuToUyvy(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+void PIXMORPH_SIMD::MoveYvyuToUyvy(const ImageDescriptor& dst, const ConstImageDescriptor& src, const TitleMix& mix) {
     LayOntoFrame<false, YvyuReader, UyvyOrder, Blended>(dst, src, mix);
 }
-void PIXMORPH_SIMD::MoveYvyuToYuy2(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+void PIXMORPH_SIMD::MoveYvyuToYuy2(const ImageDescriptor& dst, const ConstImageDescriptor& src, const TitleMix& mix) {
     LayOntoFrame<false, YvyuReader, Yuy2Order, Blended>(dst, src, mix);
 }
-void PIXMORPH_SIMD::AddBgraToUyvy(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+void PIXMORPH_SIMD::AddBgraToUyvy(const ImageDescriptor& dst, const ConstImageDescriptor& src, const TitleMix& mix) {
     LayOntoFrame<true, BgraReader, UyvyOrder, Weighted>(dst, src, mix);
 }
-void PIXMORPH_SIMD::AddBgraToYuy2(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+void PIXMORPH_SIMD::AddBgraToYuy2(const ImageDescriptor& dst, const ConstImageDescriptor& src, const TitleMix& mix) {
     LayOntoFrame<true, BgraReader, Yuy2Order, Weighted>(dst, src, mix);
 }
-void PIXMORPH_SIMD::AddBgrToUyvy(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+void PIXMORPH_SIMD::AddBgrToUyvy(const ImageDescriptor& dst, const ConstImageDescriptor& src, const TitleMix& mix) {
     LayOntoFrame<true, BgrReader, UyvyOrder, Blended>(dst, src, mix);
 }
-void PIXMORPH_SIMD::AddBgrToYuy2(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+void PIXMORPH_SIMD::AddBgrToYuy2(const ImageDescriptor& dst, const ConstImageDescriptor& src, const TitleMix& mix) {
     LayOntoFrame<true, BgrReader, Yuy2Order, Blended>(dst, src, mix);
 }
-void PIXMORPH_SIMD::AddUyvyToUyvy(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+void PIXMORPH_SIMD::AddUyvyToUyvy(const ImageDescriptor& dst, const ConstImageDescriptor& src, const TitleMix& mix) {
     LayOntoFrame<true, UyvyReader, UyvyOrder, Blended>(dst, src, mix);
 }
-void PIXMORPH_SIMD::AddUyvyToYuy2(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+void PIXMORPH_SIMD::AddUyvyToYuy2(const ImageDescriptor& dst, const ConstImageDescriptor& src, const TitleMix& mix) {
     LayOntoFrame<true, UyvyReader, Yuy2Order, Blended>(dst, src, mix);
 }
-void PIXMORPH_SIMD::AddYuy2ToUyvy(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+void PIXMORPH_SIMD::AddYuy2ToUyvy(const ImageDescriptor& dst, const ConstImageDescriptor& src, const TitleMix& mix) {
     LayOntoFrame<true, Yuy2Reader, UyvyOrder, Blended>(dst, src, mix);
 }
-void PIXMORPH_SIMD::AddYuy2ToYuy2(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+void PIXMORPH_SIMD::AddYuy2ToYuy2(const ImageDescriptor& dst, const ConstImageDescriptor& src, const TitleMix& mix) {
     LayOntoFrame<true, Yuy2Reader, Yuy2Order, Blended>(dst, src, mix);
 }
-void PIXMORPH_SIMD::AddYvyuToUyvy(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+void PIXMORPH_SIMD::AddYvyuToUyvy(const ImageDescriptor& dst, const ConstImageDescriptor& src, const TitleMix& mix) {
     LayOntoFrame<true, YvyuReader, UyvyOrder, Blended>(dst, src, mix);
 }
-void PIXMORPH_SIMD::AddYvyuToYuy2(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+void PIXMORPH_SIMD::AddYvyuToYuy2(const ImageDescriptor& dst, const ConstImageDescriptor& src, const TitleMix& mix) {
     LayOntoFrame<true, YvyuReader, Yuy2Order, Blended>(dst, src, mix);
 }
 

@@ -129,7 +129,7 @@ struct BgraReader {
     static constexpr std::size_t kBytes = 4;
     static constexpr std::size_t kAhead = 0;
     static constexpr bool kTopDown = false;
-    explicit BgraReader(const ImageDescriptor&) {}
+    explicit BgraReader(const FormatHead&) {}
     PixelQuads Read(const std::uint8_t* src) const { return BgraPixels::ReadQuads(src); }
 };
 
@@ -137,7 +137,7 @@ struct BgrReader {
     static constexpr std::size_t kBytes = 3;
     static constexpr std::size_t kAhead = 0;
     static constexpr bool kTopDown = false;
-    explicit BgrReader(const ImageDescriptor&) {}
+    explicit BgrReader(const FormatHead&) {}
     PixelQuads Read(const std::uint8_t* src) const { return BgrPixels::ReadQuads(src); }
 };
 
@@ -146,7 +146,7 @@ struct PackedReader {
     static constexpr std::size_t kBytes = 2;
     static constexpr std::size_t kAhead = 2;
     static constexpr bool kTopDown = true;
-    explicit PackedReader(const ImageDescriptor& src) : matrix(LoadYuvToRgb(src.colorMatrix)) {}
+    explicit PackedReader(const FormatHead& src) : matrix(LoadYuvToRgb(src.colorMatrix)) {}
 
     PixelQuads Read(const std::uint8_t* src) const {
         const BgrVectors low = Convert(src);
@@ -203,13 +203,13 @@ struct TitleStep {
 };
 
 template <class Reader, class Mixing>
-void MixIntoTitle(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+void MixIntoTitle(const ImageDescriptor& dst, const ConstImageDescriptor& src, const TitleMix& mix) {
     RunPicture(dst, src, mix, dst.width, TitleStep<Reader, Mixing>{Reader(src), Mixing(mix)});
 }
 
 /// An opaque source at full opacity: scaling by 256 / 256 leaves the colour alone.
 template <class Reader>
-void MoveIntoTitle(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+void MoveIntoTitle(const ImageDescriptor& dst, const ConstImageDescriptor& src, const TitleMix& mix) {
     if (mix.regionAlpha == 255)
         MixIntoTitle<Reader, SetAlpha>(dst, src, mix);
     else
@@ -219,49 +219,49 @@ void MoveIntoTitle(const ImageDescriptor& dst, const ImageDescriptor& src, const
 }  // namespace
 }  // namespace PIXMORPH_SIMD
 
-void PIXMORPH_SIMD::MovTitleBgra(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+void PIXMORPH_SIMD::MovTitleBgra(const ImageDescriptor& dst, const ConstImageDescriptor& src, const TitleMix& mix) {
     MixIntoTitle<BgraReader, MoveLayer>(dst, src, mix);
 }
-void PIXMORPH_SIMD::MovTitleBgr(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+void PIXMORPH_SIMD::MovTitleBgr(const ImageDescriptor& dst, const ConstImageDescriptor& src, const TitleMix& mix) {
     MoveIntoTitle<BgrReader>(dst, src, mix);
 }
-void PIXMORPH_SIMD::MovTitleUyvy(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+void PIXMORPH_SIMD::MovTitleUyvy(const ImageDescriptor& dst, const ConstImageDescriptor& src, const TitleMix& mix) {
     MoveIntoTitle<UyvyReader>(dst, src, mix);
 }
-void PIXMORPH_SIMD::MovTitleYuy2(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+void PIXMORPH_SIMD::MovTitleYuy2(const ImageDescriptor& dst, const ConstImageDescriptor& src, const TitleMix& mix) {
     MoveIntoTitle<Yuy2Reader>(dst, src, mix);
 }
-void PIXMORPH_SIMD::MovTitleYvyu(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+void PIXMORPH_SIMD::MovTitleYvyu(const ImageDescriptor& dst, const ConstImageDescriptor& src, const TitleMix& mix) {
     MoveIntoTitle<YvyuReader>(dst, src, mix);
 }
-void PIXMORPH_SIMD::NPTitleBgra(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+void PIXMORPH_SIMD::NPTitleBgra(const ImageDescriptor& dst, const ConstImageDescriptor& src, const TitleMix& mix) {
     MixIntoTitle<BgraReader, ScaleAlpha>(dst, src, mix);
 }
-void PIXMORPH_SIMD::NPTitleUyvy(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+void PIXMORPH_SIMD::NPTitleUyvy(const ImageDescriptor& dst, const ConstImageDescriptor& src, const TitleMix& mix) {
     MixIntoTitle<UyvyReader, SetAlpha>(dst, src, mix);
 }
-void PIXMORPH_SIMD::NPTitleYuy2(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+void PIXMORPH_SIMD::NPTitleYuy2(const ImageDescriptor& dst, const ConstImageDescriptor& src, const TitleMix& mix) {
     MixIntoTitle<Yuy2Reader, SetAlpha>(dst, src, mix);
 }
-void PIXMORPH_SIMD::NPTitleYvyu(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+void PIXMORPH_SIMD::NPTitleYvyu(const ImageDescriptor& dst, const ConstImageDescriptor& src, const TitleMix& mix) {
     MixIntoTitle<YvyuReader, SetAlpha>(dst, src, mix);
 }
-void PIXMORPH_SIMD::AddTitleBgra(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+void PIXMORPH_SIMD::AddTitleBgra(const ImageDescriptor& dst, const ConstImageDescriptor& src, const TitleMix& mix) {
     MixIntoTitle<BgraReader, AddLayer>(dst, src, mix);
 }
-void PIXMORPH_SIMD::AddTitleBgr(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+void PIXMORPH_SIMD::AddTitleBgr(const ImageDescriptor& dst, const ConstImageDescriptor& src, const TitleMix& mix) {
     MixIntoTitle<BgrReader, AddOpaque>(dst, src, mix);
 }
-void PIXMORPH_SIMD::AddTitleUyvy(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+void PIXMORPH_SIMD::AddTitleUyvy(const ImageDescriptor& dst, const ConstImageDescriptor& src, const TitleMix& mix) {
     MixIntoTitle<UyvyReader, AddOpaque>(dst, src, mix);
 }
-void PIXMORPH_SIMD::AddTitleYuy2(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+void PIXMORPH_SIMD::AddTitleYuy2(const ImageDescriptor& dst, const ConstImageDescriptor& src, const TitleMix& mix) {
     MixIntoTitle<Yuy2Reader, AddOpaque>(dst, src, mix);
 }
-void PIXMORPH_SIMD::AddTitleYvyu(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+void PIXMORPH_SIMD::AddTitleYvyu(const ImageDescriptor& dst, const ConstImageDescriptor& src, const TitleMix& mix) {
     MixIntoTitle<YvyuReader, AddOpaque>(dst, src, mix);
 }
-void PIXMORPH_SIMD::TitleToImage(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix) {
+void PIXMORPH_SIMD::TitleToImage(const ImageDescriptor& dst, const ConstImageDescriptor& src, const TitleMix& mix) {
     MixIntoTitle<BgraReader, Straighten>(dst, src, mix);
 }
 

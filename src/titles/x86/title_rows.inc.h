@@ -63,7 +63,7 @@ inline void RunRowStreamed(std::uint8_t* dst, const std::uint8_t* src, std::size
 
 /// `pixels` of each row.
 template <class Step>
-void RunPicture(const ImageDescriptor& dst, const ImageDescriptor& src, const TitleMix& mix, std::size_t pixels,
+void RunPicture(const ImageDescriptor& dst, const ConstImageDescriptor& src, const TitleMix& mix, std::size_t pixels,
                 const Step& step) {
     // Where the destination is read its lines are in the cache already: streaming stores would only throw them out.
     const bool streamed = !Step::kMixes && mix.stores == Stores::Streaming && dst.planes[0] != src.planes[0];

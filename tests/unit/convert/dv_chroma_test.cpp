@@ -26,7 +26,7 @@ TEST(Y41P, ChromaIsSpreadOverPairs) {
     const int v[8] = {100, 102, 103, 107, 110, 112, 113, 113};
     for (const PackedOrder& order : kOrders) {
         TestPicture dst(order.format, 16, 1, {8, false, 0});
-        ASSERT_EQ(km::ImageConversionDispatch(&dst.Desc(), &src.Desc()), km::IMG_OK);
+        ASSERT_EQ(km::ImageConversionDispatch(dst.Desc(), src.Desc()), km::IMG_OK);
         for (int x = 0; x < 16; ++x) EXPECT_EQ(dst.Plane(0).Row(0)[2 * x + order.luma], x + 1);
         for (int k = 0; k < 8; ++k) {
             EXPECT_EQ(dst.Plane(0).Row(0)[4 * k + order.u], u[k]) << k;
@@ -35,7 +35,7 @@ TEST(Y41P, ChromaIsSpreadOverPairs) {
         EXPECT_TRUE(dst.GuardsIntact());
     }
     TestPicture blocks(km::FMT_Y16, 16, 1);
-    ASSERT_EQ(km::ImageConversionDispatch(&blocks.Desc(), &src.Desc()), km::IMG_OK);
+    ASSERT_EQ(km::ImageConversionDispatch(blocks.Desc(), src.Desc()), km::IMG_OK);
     for (int x = 0; x < 16; ++x) EXPECT_EQ(blocks.Plane(0).Row(0)[x], x + 1);
     for (int k = 0; k < 8; ++k) {
         EXPECT_EQ(blocks.Plane(0).Row(0)[16 + k], u[k]);
@@ -59,7 +59,7 @@ TEST(Dv12, ChromaLinesAreSitedAsInDv) {
     const int expectedV[6] = {100, 102, 103, 104, 105, 105};
     for (const PackedOrder& order : kOrders) {
         TestPicture dst(order.format, 16, 6, {8, false, 0});
-        ASSERT_EQ(km::ImageConversionDispatch(&dst.Desc(), &src.Desc()), km::IMG_OK);
+        ASSERT_EQ(km::ImageConversionDispatch(dst.Desc(), src.Desc()), km::IMG_OK);
         for (int y = 0; y < 6; ++y) {
             for (int x = 0; x < 16; ++x) EXPECT_EQ(dst.Plane(0).Row(y)[2 * x + order.luma], src.Plane(0).Row(y)[x]);
             for (int k = 0; k < 8; ++k) {
@@ -70,7 +70,7 @@ TEST(Dv12, ChromaLinesAreSitedAsInDv) {
         EXPECT_TRUE(dst.GuardsIntact());
     }
     TestPicture blocks(km::FMT_Y16, 16, 6);
-    ASSERT_EQ(km::ImageConversionDispatch(&blocks.Desc(), &src.Desc()), km::IMG_OK);
+    ASSERT_EQ(km::ImageConversionDispatch(blocks.Desc(), src.Desc()), km::IMG_OK);
     for (int y = 0; y < 6; ++y) {
         EXPECT_EQ(blocks.Plane(0).Row(y)[16 + 3], expectedU[y]);
         EXPECT_EQ(blocks.Plane(0).Row(y)[24 + 3], expectedV[y]);
@@ -80,7 +80,7 @@ TEST(Dv12, ChromaLinesAreSitedAsInDv) {
 TEST(Dv12, APictureOfTwoLinesIsNotFiltered) {
     TestPicture src(km::FMT_DV12, 16, 2), dst(km::FMT_UYVY, 16, 2);
     src.Fill(Fill::Random, 2);
-    ASSERT_EQ(km::ImageConversionDispatch(&dst.Desc(), &src.Desc()), km::IMG_OK);
+    ASSERT_EQ(km::ImageConversionDispatch(dst.Desc(), src.Desc()), km::IMG_OK);
     for (int y = 0; y < 2; ++y)
         for (int i = 0; i < 16; ++i) EXPECT_EQ(dst.Plane(0).Row(y)[2 * i], src.Plane(1).Row(0)[i]);
 }
@@ -89,7 +89,7 @@ TEST(Dv12, APictureOfTwoLinesIsNotFiltered) {
 TEST(Dv12, EverySampleComesFromItsOwnColumn) {
     TestPicture src(km::FMT_DV12, 48, 8, {16, false, 0}), dst(km::FMT_YUY2, 48, 8);
     src.Fill(Fill::Random, 31);
-    ASSERT_EQ(km::ImageConversionDispatch(&dst.Desc(), &src.Desc()), km::IMG_OK);
+    ASSERT_EQ(km::ImageConversionDispatch(dst.Desc(), src.Desc()), km::IMG_OK);
     const auto chroma = [&](int line, int byte) { return static_cast<int>(src.Plane(1).Row(line)[byte]); };
     for (int y = 1; y < 7; ++y) {
         for (int k = 0; k < 24; ++k) {

@@ -70,7 +70,7 @@ TEST_P(RightJustified, WordsAreRoundedToBytes) {
             src.Desc().chromaExtraBits = static_cast<std::uint8_t>(bits + 1);
             TestPicture dst(dstFormat, kWidth, kHeight, {12, false, 4});
             src.Fill(Fill::Random, 100 + bits);
-            ASSERT_EQ(km::ImageConversionDispatch(&dst.Desc(), &src.Desc()), km::IMG_OK);
+            ASSERT_EQ(km::ImageConversionDispatch(dst.Desc(), src.Desc()), km::IMG_OK);
             for (std::uint32_t y = 0; y < kHeight; ++y)
                 for (std::uint32_t x = 0; x < kWidth; ++x)
                     ASSERT_EQ(Byte(dst, 0, y, x), Rounded(WordOf(src.Plane(0), y, x), bits)) << bits;
@@ -109,7 +109,7 @@ TEST_P(LeftJustified, HighBytesAreTaken) {
         TestPicture src(srcFormat, kWidth, kHeight, {4, false, 0}, 0, 2);
         TestPicture dst(dstFormat, kWidth, kHeight, {12, false, 4});
         src.Fill(Fill::Random, level);
-        ASSERT_EQ(km::ImageConversionDispatch(&dst.Desc(), &src.Desc()), km::IMG_OK);
+        ASSERT_EQ(km::ImageConversionDispatch(dst.Desc(), src.Desc()), km::IMG_OK);
         for (std::uint32_t y = 0; y < kHeight; ++y)
             for (std::uint32_t x = 0; x < kWidth; ++x) ASSERT_EQ(Byte(dst, 0, y, x), WordOf(src.Plane(0), y, x) / 256);
         for (std::uint32_t y = 0; y < (to420 ? kHeight / 2 : kHeight); ++y) {
@@ -158,11 +158,11 @@ TEST(SixteenBit, LargeFramesAreTheSameAtEveryLevel) {
             TestPicture expected(dstFormat, kWide, height, layout), actual(dstFormat, kWide, height, layout);
             {
                 const RestrictedFeatures restricted(km::FEATURES_PLAIN);
-                ASSERT_EQ(km::ImageConversionDispatch(&expected.Desc(), &src.Desc()), km::IMG_OK);
+                ASSERT_EQ(km::ImageConversionDispatch(expected.Desc(), src.Desc()), km::IMG_OK);
             }
             for (const std::uint32_t level : FeatureLevels()) {
                 const RestrictedFeatures restricted(level);
-                ASSERT_EQ(km::ImageConversionDispatch(&actual.Desc(), &src.Desc()), km::IMG_OK);
+                ASSERT_EQ(km::ImageConversionDispatch(actual.Desc(), src.Desc()), km::IMG_OK);
                 EXPECT_EQ(actual.FirstDifference(expected), "") << srcFormat << " at level " << level;
                 EXPECT_TRUE(actual.GuardsIntact());
             }
@@ -176,7 +176,7 @@ int ByteOfWord(std::uint32_t srcFormat, std::uint16_t word, std::uint8_t extraBi
     for (TestPlane& plane : src.Planes())
         for (std::size_t row = 0; row < plane.Rows(); ++row)
             for (std::size_t i = 0; i < plane.RowBytes(); i += 2) std::memcpy(plane.Row(row) + i, &word, 2);
-    EXPECT_EQ(km::ImageConversionDispatch(&dst.Desc(), &src.Desc()), km::IMG_OK);
+    EXPECT_EQ(km::ImageConversionDispatch(dst.Desc(), src.Desc()), km::IMG_OK);
     const int byte = dst.Plane(0).Row(0)[0];
     for (std::size_t row = 0; row < 4; ++row)
         for (std::size_t i = 0; i < 8; ++i) EXPECT_EQ(dst.Plane(0).Row(row)[i], byte);
@@ -205,7 +205,7 @@ TEST(SixteenBit, BytesAreWidenedByTheLumaDepth) {
             dst.Desc().lumaExtraBits = static_cast<std::uint8_t>(bits);
             dst.Desc().chromaExtraBits = 5;
             src.Fill(Fill::Random, 3);
-            ASSERT_EQ(km::ImageConversionDispatch(&dst.Desc(), &src.Desc()), km::IMG_OK);
+            ASSERT_EQ(km::ImageConversionDispatch(dst.Desc(), src.Desc()), km::IMG_OK);
             const auto widened = [bits](int byte) { return bits > 16 ? 0 : (byte << bits) & 0xFFFF; };
             for (std::size_t y = 0; y < 6; ++y)
                 for (std::size_t x = 0; x < 14; ++x)
@@ -221,7 +221,7 @@ TEST(SixteenBit, BytesAreWidenedByTheLumaDepth) {
     }
     TestPicture src(km::FMT_Y400, 14, 3), dst(km::FMT_S400, 14, 3, {5, false, 1}, 0, 4);
     src.Fill(Fill::Random, 9);
-    ASSERT_EQ(km::ImageConversionDispatch(&dst.Desc(), &src.Desc()), km::IMG_OK);
+    ASSERT_EQ(km::ImageConversionDispatch(dst.Desc(), src.Desc()), km::IMG_OK);
     for (std::size_t y = 0; y < 3; ++y)
         for (std::size_t x = 0; x < 14; ++x) ASSERT_EQ(WordOf(dst.Plane(0), y, x), src.Plane(0).Row(y)[x] * 16);
     EXPECT_TRUE(dst.GuardsIntact());

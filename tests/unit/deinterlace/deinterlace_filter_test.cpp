@@ -282,7 +282,7 @@ TEST(DeinterlaceFilter, NativeFormatsAreConvertedOnTheWayOut) {
         TestPicture expected(wanted, 64, 32);
         TestPicture actual(wanted, 64, 32);
         ASSERT_EQ(filter->GetFrame(direct.Desc(), 3), km::IMG_OK);
-        ASSERT_EQ(km::ImageConversionDispatch(&expected.Desc(), &direct.Desc()), km::IMG_OK) << format;
+        ASSERT_EQ(km::ImageConversionDispatch(expected.Desc(), direct.Desc()), km::IMG_OK) << format;
         ASSERT_EQ(filter->GetFrame(actual.Desc(), 3), km::IMG_OK) << format;
         EXPECT_EQ(actual.FirstDifference(expected), "") << format;
     }
@@ -294,9 +294,9 @@ TEST(DeinterlaceFilter, OtherFormatsGoThroughUyvy) {
     Filter direct;
     for (TestPicture& frame : scene.frames) {
         TestPicture rgb(km::FMT_BGRA, 64, 32);
-        ASSERT_EQ(km::ImageConversionDispatch(&rgb.Desc(), &frame.Desc()), km::IMG_OK);
+        ASSERT_EQ(km::ImageConversionDispatch(rgb.Desc(), frame.Desc()), km::IMG_OK);
         ASSERT_EQ(filter->SetSourceFrame(rgb.Desc(), 5), km::IMG_OK);
-        ASSERT_EQ(km::ImageConversionDispatch(&frame.Desc(), &rgb.Desc()), km::IMG_OK);
+        ASSERT_EQ(km::ImageConversionDispatch(frame.Desc(), rgb.Desc()), km::IMG_OK);
         ASSERT_EQ(direct->SetSourceFrame(frame.Desc(), 5), km::IMG_OK);
     }
     TestPicture expected(km::FMT_UYVY, 64, 32);
@@ -307,7 +307,7 @@ TEST(DeinterlaceFilter, OtherFormatsGoThroughUyvy) {
     for (const std::uint32_t format : {+km::FMT_BGR, +km::FMT_YUY2, +km::FMT_NV12, +km::FMT_Y16}) {
         TestPicture converted(format, 64, 32);
         TestPicture output(format, 64, 32);
-        ASSERT_EQ(km::ImageConversionDispatch(&converted.Desc(), &expected.Desc()), km::IMG_OK);
+        ASSERT_EQ(km::ImageConversionDispatch(converted.Desc(), expected.Desc()), km::IMG_OK);
         ASSERT_EQ(filter->GetFrame(output.Desc(), 0), km::IMG_OK);
         EXPECT_EQ(output.FirstDifference(converted), "") << format;
     }
@@ -329,7 +329,7 @@ TEST(DeinterlaceFilter, ConvertsWithTheMatrixOfTheFrameShown) {
     TestPicture expected(km::FMT_BGRA, 64, 32);
     TestPicture actual(km::FMT_BGRA, 64, 32);
     ASSERT_EQ(plain->GetFrame(uyvy.Desc(), 0), km::IMG_OK);
-    ASSERT_EQ(km::ImageConversionDispatch(&expected.Desc(), &uyvy.Desc()), km::IMG_OK);
+    ASSERT_EQ(km::ImageConversionDispatch(expected.Desc(), uyvy.Desc()), km::IMG_OK);
     ASSERT_EQ(filter->GetFrame(actual.Desc(), 0), km::IMG_OK);
     EXPECT_EQ(actual.FirstDifference(expected), "");
 }

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "deinterlace/field_restoration.h"
-#include "deinterlace/field_restorer.h"
+#include "deinterlace/restoration_lines.h"
 #include "support/features.h"
 #include "support/random.h"
 

@@ -75,7 +75,7 @@ TEST(DvDecoder, TheOrderOfFieldsGoesThroughTheStore) {
         ImageDescriptor from[2], to[2];
         ASSERT_EQ(FieldViews(from, store), IMG_OK);
         ASSERT_EQ(FieldViews(to, expected.image), IMG_OK);
-        for (int i = 0; i < 2; ++i) ASSERT_EQ(ImageConversionDispatch(&to[i], &from[i]), IMG_OK);
+        for (int i = 0; i < 2; ++i) ASSERT_EQ(ImageConversionDispatch(to[i], from[i]), IMG_OK);
         Picture actual = Decoded(c.decoder(), format, frame);
         EXPECT_EQ(actual.bytes, expected.bytes) << c.kind << ", " << c.height;
         // Luminance is the same both ways.

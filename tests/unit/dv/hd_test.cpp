@@ -71,7 +71,7 @@ TEST(DvHd, RgbGoesThroughUyvy) {
         for (std::size_t i = 0; i < rgb.bytes.size(); ++i)
             rgb.bytes[i] = static_cast<std::uint8_t>(i % line / 7 + i / line / 3 + i % 3 * 20);
         Picture uyvy(FMT_UYVY, 1440, 1080);
-        ASSERT_EQ(ImageConversionDispatch(&uyvy.image, &rgb.image), IMG_OK);
+        ASSERT_EQ(ImageConversionDispatch(uyvy.image, rgb.image), IMG_OK);
         const CodedFormat format = Format(CODEC_DVCPRO100, 1440, 1080);
         const Bytes frame = Encoded(CreateDVCPRO100Encoder50Hz(), format, rgb.image);
         EXPECT_TRUE(frame == Encoded(CreateDVCPRO100Encoder50Hz(), format, uyvy.image)) << id;
@@ -80,7 +80,7 @@ TEST(DvHd, RgbGoesThroughUyvy) {
         ASSERT_EQ(decoder->Initialize(&format, nullptr), IMG_OK);
         Picture expected(id, 1440, 1080), actual(id, 1440, 1080);
         ASSERT_EQ(Decode(decoder, uyvy.image, frame), IMG_OK);
-        ASSERT_EQ(ImageConversionDispatch(&expected.image, &uyvy.image), IMG_OK);
+        ASSERT_EQ(ImageConversionDispatch(expected.image, uyvy.image), IMG_OK);
         ASSERT_EQ(Decode(decoder, actual.image, frame), IMG_OK);
         EXPECT_TRUE(actual.bytes == expected.bytes) << id;
     }

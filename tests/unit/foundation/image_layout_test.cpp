@@ -317,7 +317,7 @@ TEST(ImageSetPlanes, StopsAfterTheFormatsPlanes) {
 
 TEST(ImageSetPlanes, RefusesNull) {
     ImageDescriptor desc = Shape(FMT_UYVY, 16, 10);
-    EXPECT_EQ(ImageSetPlanes(nullptr, At(kBase), 32), IMG_E_NULL_ARG);
+    EXPECT_EQ(ImageSetPlanes(static_cast<ImageDescriptor*>(nullptr), At(kBase), 32), IMG_E_NULL_ARG);
     EXPECT_EQ(ImageSetPlanes(&desc, nullptr, 32), IMG_E_NULL_ARG);
     EXPECT_EQ(ImageSetPlanesTight(nullptr, At(kBase), 32), IMG_E_NULL_ARG);
     EXPECT_EQ(ImageSetPlanesTight(&desc, nullptr, 32), IMG_E_NULL_ARG);
@@ -431,7 +431,7 @@ TEST(ImageCompletePlanes, AgreesWithSetPlanesInEveryFormat) {
 }
 
 TEST(ImageCompletePlanes, RefusesNull) {
-    EXPECT_EQ(ImageCompletePlanes(nullptr), IMG_E_NULL_ARG);
+    EXPECT_EQ(ImageCompletePlanes(static_cast<ImageDescriptor*>(nullptr)), IMG_E_NULL_ARG);
     ImageDescriptor empty = Shape(FMT_I420, 64, 32);
     EXPECT_EQ(ImageCompletePlanes(&empty), IMG_E_NULL_ARG);
 }

@@ -72,6 +72,7 @@ const TraitRow kTraitRows[] = {
     {FORMAT_MIXED_BY_BYTES, {3, 4, 7, 8, 9, 27}},
     {FORMAT_RESIZED_DIRECTLY, {4, 6, 7, 8, 9, 16, 17, 18, 19, 27}},
     {FORMAT_RESIZED_BY_NAME, {23, 24, 25, 26, 33, 34}},
+    {FORMAT_LUMA_FIRST, {8, 9}},
 };
 
 TEST(FormatTraits, BelongToTheseFormatsAlone) {

@@ -90,7 +90,7 @@ TEST(ImageCrop, RefusesWhatLiesOutside) {
                                   ImageRect{0x7FFFFFFE, 0, 0x7FFFFFFE, 1}, ImageRect{0, 0x7FFFFFFF, 2, 0x7FFFFFFF}})
         EXPECT_EQ(ImageCrop(&desc, rect), IMG_E_BAD_SIZE) << rect.x << " " << rect.y;
     EXPECT_TRUE(Same(desc, before));
-    EXPECT_EQ(ImageCrop(nullptr, {0, 0, 2, 2}), IMG_E_NULL_ARG);
+    EXPECT_EQ(ImageCrop(static_cast<ImageDescriptor*>(nullptr), {0, 0, 2, 2}), IMG_E_NULL_ARG);
 }
 
 TEST(ImageCrop, ChecksTheRectangleBeforeTheFormat) {
@@ -185,7 +185,7 @@ TEST(ImageFieldView, ChecksItsArguments) {
     frame.planes[0] = At(kBase);
     frame.strides[0] = 64;
     ImageDescriptor field;
-    EXPECT_EQ(ImageFieldView(nullptr, &frame, 0), IMG_E_NULL_ARG);
+    EXPECT_EQ(ImageFieldView(static_cast<ImageDescriptor*>(nullptr), &frame, 0), IMG_E_NULL_ARG);
     EXPECT_EQ(ImageFieldView(&field, nullptr, 0), IMG_E_NULL_ARG);
     EXPECT_EQ(ImageFieldView(&field, &frame, 0), IMG_E_BAD_ALIGNMENT);  // 34 is no multiple of 4
     frame.height = 36;

@@ -1,49 +1,11 @@
-// Once frames run, one more costs neither an allocation nor a thread. The program is linked so that the library's calls
-// of malloc, operator new and pthread_create pass through the counters here.
+// Once frames run, one more costs neither an allocation nor a thread.
 #include <gtest/gtest.h>
-#include <pthread.h>
 
-#include <atomic>
-#include <cstdlib>
-#include <new>
 #include <vector>
 
 #include "jpeg/kvmj_decoder.h"
 #include "jpeg/kvmj_encoder.h"
-
-namespace {
-
-std::atomic<unsigned> g_allocations{0};
-std::atomic<unsigned> g_threads{0};
-
-void* CountedNew(std::size_t size) {
-    ++g_allocations;
-    return std::malloc(size);
-}
-
-}  // namespace
-
-extern "C" {
-void* __real_malloc(std::size_t size);
-int __real_pthread_create(pthread_t* thread, const pthread_attr_t* attributes, void* (*function)(void*), void* context);
-
-void* __wrap_malloc(std::size_t size) {
-    ++g_allocations;
-    return __real_malloc(size);
-}
-int __wrap_pthread_create(pthread_t* thread, const pthread_attr_t* attributes, void* (*function)(void*),
-                          void* context) {
-    ++g_threads;
-    return __real_pthread_create(thread, attributes, function, context);
-}
-}
-
-void* operator new(std::size_t size) {
-    if (void* const memory = CountedNew(size)) return memory;
-    throw std::bad_alloc();
-}
-[[gnu::noinline]] void operator delete(void* memory) noexcept { std::free(memory); }
-[[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
+#include "support/call_counters.h"
 
 namespace pixmorph_test {
 namespace {

@@ -16,16 +16,17 @@ namespace {
 
 // What the converter gave its conversion function.
 struct Call {
-    km::ImageDescriptor dst, src;
+    km::ImageDescriptor dst;
+    km::ConstImageDescriptor src;
 };
 std::vector<Call> g_calls;
 km::Status g_status = km::IMG_OK;
 
-km::Status Record(const km::ImageDescriptor* dst, const km::ImageDescriptor* src) {
-    g_calls.push_back({*dst, *src});
+km::Status Record(const km::ImageDescriptor& dst, const km::ConstImageDescriptor& src) {
+    g_calls.push_back({dst, src});
     return g_status;
 }
-km::Status Throw(const km::ImageDescriptor*, const km::ImageDescriptor*) { throw std::runtime_error("refused"); }
+km::Status Throw(const km::ImageDescriptor&, const km::ConstImageDescriptor&) { throw std::runtime_error("refused"); }
 
 class ImageConverter : public testing::Test {
 protected:
@@ -140,8 +141,9 @@ TEST_F(ImageConverter, FormatAndSizeChangeInTheOrderThatPays) {
         ASSERT_EQ(converter_->Convert(&dst.Desc(), &src.Desc()), km::IMG_OK);
         ASSERT_EQ(g_calls.size(), 1u);
         const bool convertFirst = c.order == Order::ConvertFirst;
-        const km::ImageDescriptor& between = convertFirst ? g_calls[0].dst : g_calls[0].src;
-        const km::ImageDescriptor& other = convertFirst ? g_calls[0].src : g_calls[0].dst;
+        const km::ConstImageDescriptor to = g_calls[0].dst;
+        const km::ConstImageDescriptor& between = convertFirst ? to : g_calls[0].src;
+        const km::ConstImageDescriptor& other = convertFirst ? g_calls[0].src : to;
         EXPECT_EQ(other.planes[0], (convertFirst ? src : dst).Desc().planes[0]);
         EXPECT_EQ(between.format, convertFirst ? c.dstFormat : c.srcFormat);
         EXPECT_EQ(between.width, convertFirst ? c.srcWidth : c.dstWidth);
@@ -162,7 +164,7 @@ TEST_F(ImageConverter, FormatAndSizeGiveThePictureOfBothSteps) {
     converter_->SetConverter(km::ImageConversionDispatch);
     ASSERT_EQ(converter_->Convert(&dst.Desc(), &src.Desc()), km::IMG_OK);
     TestPicture converted(km::FMT_UYVY, 40, 24), wide(km::FMT_UYVY, 64, 24), expected(km::FMT_UYVY, 64, 48);
-    ASSERT_EQ(km::ImageConversionDispatch(&converted.Desc(), &src.Desc()), km::IMG_OK);
+    ASSERT_EQ(km::ImageConversionDispatch(converted.Desc(), src.Desc()), km::IMG_OK);
     ASSERT_EQ(Resize(&wide.Desc(), &converted.Desc()), km::IMG_OK);
     ASSERT_EQ(Resize(&expected.Desc(), &wide.Desc()), km::IMG_OK);
     EXPECT_EQ(dst.FirstDifference(expected), "");

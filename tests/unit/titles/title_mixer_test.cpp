@@ -13,7 +13,7 @@
 namespace pixmorph_test {
 namespace {
 
-using Operation = km::Status(const km::ImageDescriptor*, const km::ImageDescriptor*, std::uint32_t) noexcept;
+using Operation = km::Status(const km::ImageDescriptor&, const km::ConstImageDescriptor&, std::uint32_t) noexcept;
 
 constexpr std::uint32_t kSources[] = {km::FMT_BGRA, km::FMT_BGR, km::FMT_UYVY, km::FMT_YUY2, km::FMT_YVYU};
 constexpr std::uint32_t kFrames[] = {km::FMT_UYVY, km::FMT_YUY2};
@@ -22,7 +22,7 @@ constexpr std::uint32_t kRegionAlphas[] = {0, 1, 127, 128, 254, 255, 256, 511, 7
 constexpr std::uint32_t kWidths[] = {2, 4, 6, 14, 16, 18, 34, 50, 66, 130};
 constexpr PictureLayout kLayouts[] = {{0, false, 0}, {20, false, 4}, {6, true, 2}};
 
-km::Status ToImage(const km::ImageDescriptor* image, const km::ImageDescriptor* title, std::uint32_t) noexcept {
+km::Status ToImage(const km::ImageDescriptor& image, const km::ConstImageDescriptor& title, std::uint32_t) noexcept {
     return km::TitleToStraightImage(image, title);
 }
 
@@ -66,7 +66,7 @@ void CheckTitle(TitleOperation operation, std::uint32_t source) {
             title.Fill(Fill::Random, seed + 1000);
             TestPicture expected = title;
             ExpectTitle(operation, expected, image, alpha);
-            ASSERT_EQ(FunctionOf(operation)(&title.Desc(), &image.Desc(), alpha), km::IMG_OK);
+            ASSERT_EQ(FunctionOf(operation)(title.Desc(), image.Desc(), alpha), km::IMG_OK);
             ASSERT_EQ(title.FirstDifference(expected), "") << width << " wide, alpha " << alpha << " seed " << seed;
             ASSERT_TRUE(title.GuardsIntact());
             ASSERT_TRUE(image.GuardsIntact());
@@ -83,7 +83,7 @@ void CheckFrame(bool add, std::uint32_t frameFormat, std::uint32_t source) {
             frame.Fill(seed % 2 == 0 ? Fill::Random : Fill::Extremes, seed + 1000);
             TestPicture expected = frame;
             ExpectFrame(add, expected, image, alpha);
-            ASSERT_EQ((add ? km::AddImageOntoFrame : km::MoveImageOntoFrame)(&frame.Desc(), &image.Desc(), alpha),
+            ASSERT_EQ((add ? km::AddImageOntoFrame : km::MoveImageOntoFrame)(frame.Desc(), image.Desc(), alpha),
                       km::IMG_OK);
             ASSERT_EQ(frame.FirstDifference(expected), "") << width << " wide, alpha " << alpha << " seed " << seed;
             ASSERT_TRUE(frame.GuardsIntact());
@@ -135,7 +135,7 @@ TEST(TitleMixer, EveryColourWithEveryAlpha) {
                 title.Fill(Fill::Random, regionAlpha);
                 TestPicture expected = title;
                 ExpectTitle(operation, expected, image, regionAlpha);
-                ASSERT_EQ(FunctionOf(operation)(&title.Desc(), &image.Desc(), regionAlpha), km::IMG_OK);
+                ASSERT_EQ(FunctionOf(operation)(title.Desc(), image.Desc(), regionAlpha), km::IMG_OK);
                 ASSERT_EQ(title.FirstDifference(expected), "") << static_cast<int>(operation) << ' ' << regionAlpha;
             }
         }
@@ -155,7 +155,7 @@ TEST(TitleMixer, PicturesLargerThanTheCacheGiveTheSameBytes) {
                 title.Fill(Fill::Random, 6);
                 TestPicture expected = title;
                 ExpectTitle(operation, expected, image, 201);
-                ASSERT_EQ(FunctionOf(operation)(&title.Desc(), &image.Desc(), 201), km::IMG_OK);
+                ASSERT_EQ(FunctionOf(operation)(title.Desc(), image.Desc(), 201), km::IMG_OK);
                 ASSERT_EQ(title.FirstDifference(expected), "") << source << ' ' << static_cast<int>(operation);
                 ASSERT_TRUE(title.GuardsIntact());
             }
@@ -164,7 +164,7 @@ TEST(TitleMixer, PicturesLargerThanTheCacheGiveTheSameBytes) {
                 frame.Fill(Fill::Random, 7);
                 TestPicture expected = frame;
                 ExpectFrame(add, expected, image, 201);
-                ASSERT_EQ((add ? km::AddImageOntoFrame : km::MoveImageOntoFrame)(&frame.Desc(), &image.Desc(), 201),
+                ASSERT_EQ((add ? km::AddImageOntoFrame : km::MoveImageOntoFrame)(frame.Desc(), image.Desc(), 201),
                           km::IMG_OK);
                 ASSERT_EQ(frame.FirstDifference(expected), "") << source;
                 ASSERT_TRUE(frame.GuardsIntact());
@@ -183,7 +183,7 @@ TEST(TitleMixer, SourceAndDestinationMayBeOnePicture) {
                 title.Fill(Fill::Random, width);
                 TestPicture expected = title;
                 ExpectTitle(operation, expected, title, 99);
-                ASSERT_EQ(FunctionOf(operation)(&title.Desc(), &title.Desc(), 99), km::IMG_OK);
+                ASSERT_EQ(FunctionOf(operation)(title.Desc(), title.Desc(), 99), km::IMG_OK);
                 ASSERT_EQ(title.FirstDifference(expected), "") << width << ' ' << static_cast<int>(operation);
             }
             for (const std::uint32_t format : kFrames) {
@@ -192,7 +192,7 @@ TEST(TitleMixer, SourceAndDestinationMayBeOnePicture) {
                     frame.Fill(Fill::Random, width);
                     TestPicture expected = frame;
                     ExpectFrame(add, expected, frame, 99);
-                    ASSERT_EQ((add ? km::AddImageOntoFrame : km::MoveImageOntoFrame)(&frame.Desc(), &frame.Desc(), 99),
+                    ASSERT_EQ((add ? km::AddImageOntoFrame : km::MoveImageOntoFrame)(frame.Desc(), frame.Desc(), 99),
                               km::IMG_OK);
                     ASSERT_EQ(frame.FirstDifference(expected), "") << width << ' ' << format;
                 }
@@ -212,7 +212,7 @@ TEST(TitleMixer, OddWidths) {
                 title.Fill(Fill::Random, 3);
                 TestPicture expectedTitle = title;
                 ExpectTitle(TitleOperation::Add, expectedTitle, image, 180);
-                ASSERT_EQ(km::AddImageBeneathTitle(&title.Desc(), &image.Desc(), 180), km::IMG_OK);
+                ASSERT_EQ(km::AddImageBeneathTitle(title.Desc(), image.Desc(), 180), km::IMG_OK);
                 ASSERT_EQ(title.FirstDifference(expectedTitle), "") << width << ' ' << source;
                 ASSERT_TRUE(title.GuardsIntact());
                 // The last pixel of the row has no partner and stays.
@@ -221,7 +221,7 @@ TEST(TitleMixer, OddWidths) {
                     frame.Fill(Fill::Random, 4);
                     TestPicture expected = frame;
                     ExpectFrame(add, expected, image, 180);
-                    ASSERT_EQ((add ? km::AddImageOntoFrame : km::MoveImageOntoFrame)(&frame.Desc(), &image.Desc(), 180),
+                    ASSERT_EQ((add ? km::AddImageOntoFrame : km::MoveImageOntoFrame)(frame.Desc(), image.Desc(), 180),
                               km::IMG_OK);
                     ASSERT_EQ(frame.FirstDifference(expected), "") << width << ' ' << source;
                     ASSERT_TRUE(frame.GuardsIntact());
@@ -238,7 +238,7 @@ std::array<std::uint8_t, 4> OnePixel(TitleOperation operation, std::array<std::u
     km::ImageDescriptor src = dst;
     dst.planes[0] = title.data();
     src.planes[0] = image.data();
-    EXPECT_EQ(FunctionOf(operation)(&dst, &src, alpha), km::IMG_OK);
+    EXPECT_EQ(FunctionOf(operation)(dst, src, alpha), km::IMG_OK);
     return title;
 }
 
@@ -269,29 +269,19 @@ TEST(TitleMixer, FullCopyLeavesGapsAndSkipsTheSamePicture) {
     TestPicture image(km::FMT_BGRA, 9, 4, {12, false, 0});
     TestPicture title(km::FMT_BGRA, 9, 4, {20, true, 4});
     image.Fill(Fill::Random, 1);
-    ASSERT_EQ(km::PutImageIntoNPTitle(&title.Desc(), &image.Desc(), 255), km::IMG_OK);
+    ASSERT_EQ(km::PutImageIntoNPTitle(title.Desc(), image.Desc(), 255), km::IMG_OK);
     EXPECT_EQ(title.FirstDifference(image), "");
     EXPECT_TRUE(title.GuardsIntact());
     // The same first byte with another stride: rows would move, but nothing does.
     const TestPicture before = title;
     km::ImageDescriptor denser = title.Desc();
     denser.strides[0] = -36;
-    ASSERT_EQ(km::PutImageIntoNPTitle(&denser, &title.Desc(), 255), km::IMG_OK);
+    ASSERT_EQ(km::PutImageIntoNPTitle(denser, title.Desc(), 255), km::IMG_OK);
     EXPECT_EQ(title.FirstDifference(before), "");
     EXPECT_TRUE(title.GuardsIntact());
 }
 
 // Statuses.
-
-TEST(TitleMixerStatus, NullDescriptors) {
-    TestPicture picture(km::FMT_BGRA, 2, 2);
-    const km::ImageDescriptor* const good = &picture.Desc();
-    for (Operation* operation : {km::PutImageIntoTitle, km::PutImageIntoNPTitle, km::AddImageBeneathTitle,
-                                 km::MoveImageOntoFrame, km::AddImageOntoFrame, ToImage}) {
-        EXPECT_EQ(operation(nullptr, good, 255), km::IMG_E_NULL_ARG);
-        EXPECT_EQ(operation(good, nullptr, 255), km::IMG_E_NULL_ARG);
-    }
-}
 
 TEST(TitleMixerStatus, Formats) {
     for (std::uint32_t format = 0; format < 44; ++format) {
@@ -307,24 +297,24 @@ TEST(TitleMixerStatus, Formats) {
         frame.format = km::FMT_YUY2;
         const bool known = format == km::FMT_BGRA || format == km::FMT_BGR || IsPacked(format);
         const km::Status expected = known ? km::IMG_OK : km::IMG_E_BAD_FORMAT;
-        EXPECT_EQ(km::PutImageIntoTitle(&title, &src, 9), expected) << format;
-        EXPECT_EQ(km::AddImageBeneathTitle(&title, &src, 9), expected) << format;
-        EXPECT_EQ(km::MoveImageOntoFrame(&frame, &src, 9), expected) << format;
-        EXPECT_EQ(km::AddImageOntoFrame(&frame, &src, 9), expected) << format;
-        EXPECT_EQ(km::PutImageIntoNPTitle(&title, &src, 9),
+        EXPECT_EQ(km::PutImageIntoTitle(title, src, 9), expected) << format;
+        EXPECT_EQ(km::AddImageBeneathTitle(title, src, 9), expected) << format;
+        EXPECT_EQ(km::MoveImageOntoFrame(frame, src, 9), expected) << format;
+        EXPECT_EQ(km::AddImageOntoFrame(frame, src, 9), expected) << format;
+        EXPECT_EQ(km::PutImageIntoNPTitle(title, src, 9),
                   known && format != km::FMT_BGR ? km::IMG_OK : km::IMG_E_BAD_FORMAT)
             << format;
-        EXPECT_EQ(km::TitleToStraightImage(&title, &src), format == km::FMT_BGRA ? km::IMG_OK : km::IMG_E_BAD_FORMAT);
+        EXPECT_EQ(km::TitleToStraightImage(title, src), format == km::FMT_BGRA ? km::IMG_OK : km::IMG_E_BAD_FORMAT);
         if (!known) {
             EXPECT_EQ(a, before) << format;
         }
         // As a destination.
         if (format != km::FMT_BGRA) {
-            EXPECT_EQ(km::PutImageIntoTitle(&src, &title, 9), km::IMG_E_BAD_FORMAT) << format;
-            EXPECT_EQ(km::PutImageIntoNPTitle(&src, &title, 255), km::IMG_E_BAD_FORMAT) << format;
+            EXPECT_EQ(km::PutImageIntoTitle(src, title, 9), km::IMG_E_BAD_FORMAT) << format;
+            EXPECT_EQ(km::PutImageIntoNPTitle(src, title, 255), km::IMG_E_BAD_FORMAT) << format;
         }
         if (format != km::FMT_UYVY && format != km::FMT_YUY2) {
-            EXPECT_EQ(km::MoveImageOntoFrame(&src, &title, 9), km::IMG_E_BAD_FORMAT) << format;
+            EXPECT_EQ(km::MoveImageOntoFrame(src, title, 9), km::IMG_E_BAD_FORMAT) << format;
         }
     }
 }
@@ -333,9 +323,9 @@ TEST(TitleMixerStatus, SizesAndOddWidths) {
     TestPicture title(km::FMT_BGRA, 7, 2);
     TestPicture wider(km::FMT_BGRA, 8, 2);
     TestPicture higher(km::FMT_BGRA, 7, 3);
-    EXPECT_EQ(km::PutImageIntoTitle(&title.Desc(), &wider.Desc(), 1), km::IMG_E_BAD_SIZE);
-    EXPECT_EQ(km::AddImageBeneathTitle(&title.Desc(), &higher.Desc(), 1), km::IMG_E_BAD_SIZE);
-    EXPECT_EQ(km::PutImageIntoNPTitle(&title.Desc(), &wider.Desc(), 255), km::IMG_E_BAD_SIZE);
+    EXPECT_EQ(km::PutImageIntoTitle(title.Desc(), wider.Desc(), 1), km::IMG_E_BAD_SIZE);
+    EXPECT_EQ(km::AddImageBeneathTitle(title.Desc(), higher.Desc(), 1), km::IMG_E_BAD_SIZE);
+    EXPECT_EQ(km::PutImageIntoNPTitle(title.Desc(), wider.Desc(), 255), km::IMG_E_BAD_SIZE);
     for (const std::uint32_t format : {km::FMT_UYVY, km::FMT_YUY2, km::FMT_YVYU}) {
         TestPicture odd(format, 7, 2, {8, false, 0});
         TestPicture frame(km::FMT_UYVY, 7, 2, {8, false, 0});
@@ -343,11 +333,11 @@ TEST(TitleMixerStatus, SizesAndOddWidths) {
         title.Fill(Fill::Ramp, 0);
         const TestPicture titleBefore = title;
         const TestPicture frameBefore = frame;
-        EXPECT_EQ(km::PutImageIntoTitle(&title.Desc(), &odd.Desc(), 1), km::IMG_E_BAD_ALIGNMENT);
-        EXPECT_EQ(km::PutImageIntoNPTitle(&title.Desc(), &odd.Desc(), 1), km::IMG_E_BAD_ALIGNMENT);
-        EXPECT_EQ(km::AddImageBeneathTitle(&title.Desc(), &odd.Desc(), 1), km::IMG_E_BAD_ALIGNMENT);
-        EXPECT_EQ(km::MoveImageOntoFrame(&frame.Desc(), &odd.Desc(), 1), km::IMG_E_BAD_ALIGNMENT);
-        EXPECT_EQ(km::AddImageOntoFrame(&frame.Desc(), &odd.Desc(), 1), km::IMG_E_BAD_ALIGNMENT);
+        EXPECT_EQ(km::PutImageIntoTitle(title.Desc(), odd.Desc(), 1), km::IMG_E_BAD_ALIGNMENT);
+        EXPECT_EQ(km::PutImageIntoNPTitle(title.Desc(), odd.Desc(), 1), km::IMG_E_BAD_ALIGNMENT);
+        EXPECT_EQ(km::AddImageBeneathTitle(title.Desc(), odd.Desc(), 1), km::IMG_E_BAD_ALIGNMENT);
+        EXPECT_EQ(km::MoveImageOntoFrame(frame.Desc(), odd.Desc(), 1), km::IMG_E_BAD_ALIGNMENT);
+        EXPECT_EQ(km::AddImageOntoFrame(frame.Desc(), odd.Desc(), 1), km::IMG_E_BAD_ALIGNMENT);
         EXPECT_EQ(title.FirstDifference(titleBefore), "");
         EXPECT_EQ(frame.FirstDifference(frameBefore), "");
     }
@@ -358,24 +348,24 @@ TEST(TitleMixerStatus, NullPlanesFailOnlyWherePixelsAreTouched) {
     title.Fill(Fill::Ramp, 0);
     const TestPicture before = title;
     km::ImageDescriptor none{{km::FMT_BGRA, 4, 2}};
-    EXPECT_EQ(km::PutImageIntoTitle(&title.Desc(), &none, 1), km::IMG_E_NULL_ARG);
-    EXPECT_EQ(km::PutImageIntoTitle(&none, &title.Desc(), 1), km::IMG_E_NULL_ARG);
-    EXPECT_EQ(km::PutImageIntoNPTitle(&none, &title.Desc(), 255), km::IMG_E_NULL_ARG);
-    EXPECT_EQ(km::PutImageIntoNPTitle(&none, &none, 255), km::IMG_OK);
+    EXPECT_EQ(km::PutImageIntoTitle(title.Desc(), none, 1), km::IMG_E_NULL_ARG);
+    EXPECT_EQ(km::PutImageIntoTitle(none, title.Desc(), 1), km::IMG_E_NULL_ARG);
+    EXPECT_EQ(km::PutImageIntoNPTitle(none, title.Desc(), 255), km::IMG_E_NULL_ARG);
+    EXPECT_EQ(km::PutImageIntoNPTitle(none, none, 255), km::IMG_OK);
     EXPECT_EQ(title.FirstDifference(before), "");
     none.height = 0;
-    EXPECT_EQ(km::PutImageIntoTitle(&none, &none, 1), km::IMG_OK);
-    EXPECT_EQ(km::PutImageIntoNPTitle(&none, &none, 1), km::IMG_OK);
+    EXPECT_EQ(km::PutImageIntoTitle(none, none, 1), km::IMG_OK);
+    EXPECT_EQ(km::PutImageIntoNPTitle(none, none, 1), km::IMG_OK);
     none.height = 2;
     // Two BGR pixels are the last pair of the row, which is never reached.
     km::ImageDescriptor bgr{{km::FMT_BGR, 2, 2}};
     km::ImageDescriptor frame{{km::FMT_UYVY, 2, 2}};
-    EXPECT_EQ(km::AddImageOntoFrame(&frame, &bgr, 1), km::IMG_OK);
+    EXPECT_EQ(km::AddImageOntoFrame(frame, bgr, 1), km::IMG_OK);
     bgr.width = frame.width = 3;
-    EXPECT_EQ(km::AddImageOntoFrame(&frame, &bgr, 1), km::IMG_E_NULL_ARG);
+    EXPECT_EQ(km::AddImageOntoFrame(frame, bgr, 1), km::IMG_E_NULL_ARG);
     km::ImageDescriptor bgra{{km::FMT_BGRA, 1, 2}};
     frame.width = 1;
-    EXPECT_EQ(km::MoveImageOntoFrame(&frame, &bgra, 1), km::IMG_OK);
+    EXPECT_EQ(km::MoveImageOntoFrame(frame, bgra, 1), km::IMG_OK);
 }
 
 }  // namespace

@@ -1,6 +1,6 @@
 // Field restoration over registers of any width. Each 128-bit lane holds one group, in words: the eight even pixels,
 // the eight odd ones, and the eight samples of each chroma, which lie beside the pixels that they belong to.
-#include "deinterlace/x86/field_restoration_forms.h"
+#include "deinterlace/x86/restoration_lines_forms.h"
 
 namespace KorvaneSoftware {
 namespace PIXMORPH_SIMD {

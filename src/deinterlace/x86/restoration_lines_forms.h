@@ -2,7 +2,7 @@
 // ones.
 #pragma once
 
-#include "deinterlace/field_restoration.h"
+#include "deinterlace/restoration_lines.h"
 
 namespace KorvaneSoftware {
 

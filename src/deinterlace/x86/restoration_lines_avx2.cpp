@@ -1,0 +1,3 @@
+#include "foundation/simd/vec_avx2.h"
+
+#include "deinterlace/x86/restoration_lines.inc.h"

@@ -1,0 +1,3 @@
+#include "foundation/simd/vec_avx512.h"
+
+#include "deinterlace/x86/restoration_lines.inc.h"

@@ -1,0 +1,3 @@
+#include "foundation/simd/vec_sse41.h"
+
+#include "deinterlace/x86/restoration_lines.inc.h"
