@@ -91,12 +91,12 @@ std::string LevelName(std::uint32_t features) {
     }
 }
 
-std::vector<Run> PlanRuns(const Options& options) {
-    std::vector<Run> runs;
+std::vector<Way> PlanWays(const Options& options) {
+    std::vector<Way> ways;
     std::vector<unsigned> threadCounts = {1, 2, 4};
     if (options.threads != 0) threadCounts = {options.threads};
     const auto add = [&](const char* name, ClassEntry entry) {
-        for (unsigned threads : threadCounts) runs.push_back({name + std::to_string(threads), entry, threads});
+        for (unsigned threads : threadCounts) ways.push_back({name + std::to_string(threads), entry, threads});
     };
     if (!options.library.empty()) {
         const ClassEntry entry = LoadClassEntry(options.library);
@@ -106,10 +106,10 @@ std::vector<Run> PlanRuns(const Options& options) {
     if (options.inward) add("inward x", nullptr);
     if (options.levels) {
         for (std::uint32_t level : pixmorph_test::FeatureLevels()) {
-            runs.push_back({LevelName(level), LinkedClassEntry(), options.threads != 0 ? options.threads : 1, level});
+            ways.push_back({LevelName(level), LinkedClassEntry(), options.threads != 0 ? options.threads : 1, level});
         }
     }
-    return runs;
+    return ways;
 }
 
 /// Where the first sample differs, in words.
@@ -164,12 +164,12 @@ int Inspect(const Options& options) {
 }
 
 int RunTable(const Options& options) {
-    const std::vector<Run> runs = PlanRuns(options);
-    if (runs.empty()) return 2;
+    const std::vector<Way> ways = PlanWays(options);
+    if (ways.empty()) return 2;
     std::printf("| stream | frames |");
-    for (const Run& run : runs) std::printf(" %s |", run.name.c_str());
+    for (const Way& way : ways) std::printf(" %s |", way.name.c_str());
     std::printf("\n|---|---|");
-    for (std::size_t i = 0; i < runs.size(); ++i) std::printf("---|");
+    for (std::size_t i = 0; i < ways.size(); ++i) std::printf("---|");
     std::printf("\n");
     std::size_t right = 0;
     std::size_t refused = 0;
@@ -178,8 +178,8 @@ int RunTable(const Options& options) {
         const std::size_t expected = check.IsRefused() ? 0 : check.ExpectedFrames();
         bool allRight = true;
         std::string line = "| " + file.filename().string() + " | " + std::to_string(check.ExpectedFrames()) + " |";
-        for (const Run& run : runs) {
-            const Outcome outcome = check.Decode(run);
+        for (const Way& way : ways) {
+            const Outcome outcome = check.Decode(way);
             allRight = allRight && outcome.Matches(expected);
             const bool wasRefused = check.IsRefused() && outcome.Matches(0);
             line.append(" ").append(wasRefused ? "refused" : outcome.Text(expected)).append(" |");

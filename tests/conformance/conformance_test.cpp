@@ -57,16 +57,16 @@ constexpr std::uintmax_t kSmallStream = 20000;
 
 const std::set<std::string> kRefused = {"HPCAMOLQ_BRCM_B_t31.264", "HPCVMOLQ_BRCM_B_t31.264"};
 
-void CheckSelection(const std::vector<Run>& runs) {
+void CheckSelection(const std::vector<Way>& ways) {
     for (const auto& file : StreamFiles()) {
         const std::string name = file.filename().string();
         if (kSelection.count(name) == 0 && std::filesystem::file_size(file) > kSmallStream) continue;
         StreamCheck check(file);
         EXPECT_EQ(check.IsRefused(), kRefused.count(name) != 0) << name;
         const std::size_t expected = check.IsRefused() ? 0 : check.ExpectedFrames();
-        for (const Run& run : runs) {
-            const Outcome outcome = check.Decode(run);
-            EXPECT_TRUE(outcome.Matches(expected)) << name << ", " << run.name << ": " << outcome.Text(expected);
+        for (const Way& way : ways) {
+            const Outcome outcome = check.Decode(way);
+            EXPECT_TRUE(outcome.Matches(expected)) << name << ", " << way.name << ": " << outcome.Text(expected);
         }
     }
 }
@@ -78,11 +78,11 @@ TEST(H264Conformance, LibraryOnOneTwoAndFourThreads) {
 }
 
 TEST(H264Conformance, EachProcessorLevel) {
-    std::vector<Run> runs;
+    std::vector<Way> ways;
     for (std::uint32_t level : pixmorph_test::FeatureLevels()) {
-        runs.push_back({"features " + std::to_string(level), LinkedClassEntry(), 2, level});
+        ways.push_back({"features " + std::to_string(level), LinkedClassEntry(), 2, level});
     }
-    CheckSelection(runs);
+    CheckSelection(ways);
 }
 
 TEST(H264Conformance, AStreamOfTheTestsOwn) {

@@ -6,7 +6,7 @@
 namespace h264 {
 
 /// One way to decode a stream.
-struct Run {
+struct Way {
     std::string name;
     ClassEntry entry = nullptr;  ///< Null for the inward decoder.
     unsigned threads = 1;
@@ -31,7 +31,7 @@ public:
     const PictureShape& Shape() const { return stream_.shape; }
     /// No parameter sets of it are taken; no frame may come.
     bool IsRefused() const { return !stream_.decodable; }
-    Outcome Decode(const Run& run);
+    Outcome Decode(const Way& way);
     const Stream& GetStream() const { return stream_; }
 
 private:
