@@ -215,10 +215,21 @@ void H264Reader::TakeFormat(const std::vector<std::uint8_t>& payload) {
 }
 
 bool H264Reader::Decode(const Range& sample, Picture& picture) {
+    // The library finds the further planes behind the first: a frame without gaps, unlike the picture's planes.
+    frame_.resize(static_cast<std::size_t>(picture.PixelBytes()));
+    std::uint8_t* const planes[] = {frame_.data()};
+    const std::int32_t strides[] = {static_cast<std::int32_t>(picture.RowBytes(0))};
     const std::int32_t size = static_cast<std::int32_t>(sample.end - sample.begin);
     // No frame is due yet: that is how a failure looks too.
-    return decoder_->Decode(picture.Planes(), picture.Strides(), picture.Format(), bytes_.data() + sample.begin,
-                            size) == S_OK;
+    if (decoder_->Decode(planes, strides, picture.Format(), bytes_.data() + sample.begin, size) != S_OK) return false;
+    const std::uint8_t* from = frame_.data();
+    for (std::uint32_t plane = 0; plane < picture.PlaneCount(); ++plane) {
+        for (std::uint32_t row = 0; row < picture.Rows(plane); ++row) {
+            std::memcpy(picture.Row(plane, row), from, picture.RowBytes(plane));
+            from += picture.RowBytes(plane);
+        }
+    }
+    return true;
 }
 
 bool H264Reader::Read(Picture& picture) {

@@ -42,6 +42,7 @@ private:
     std::size_t firstIdr_ = SIZE_MAX;  ///< Its sample.
     std::size_t next_ = 0;
     std::uint64_t delivered_ = 0;
+    std::vector<std::uint8_t> frame_;
     KorvaneSoftware::ComPtr<IVideoDecoder> decoder_;
 };
 
