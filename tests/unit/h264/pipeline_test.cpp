@@ -219,6 +219,37 @@ TEST(H264Frame, LaysPlanesOutWithAnOddStride) {
     EXPECT_EQ(frame.records[4 * 5 - 1].mbType, MB_INTRA_16X16);
 }
 
+TEST(H264Frame, TakesPicturesThatShareAStride) {
+    // 48 and 64 samples have one stride, but three and five records across.
+    CH264Frame frame;
+    for (std::uint32_t across : {3u, 4u, 3u, 4u}) {
+        H264Sps sps;
+        sps.widthInMbs = across;
+        sps.heightInMapUnits = 40;
+        frame.Initialize(sps, H264Pps(), H264SliceHead());
+        ASSERT_EQ(frame.AllocateBuffers(), IMG_OK);
+        ASSERT_EQ(frame.stride, 64);
+        const std::size_t count = 40 * (across | 1);
+        for (std::size_t i = 0; i < count; ++i) ASSERT_EQ(frame.records[i].mbType, MB_INTRA_16X16) << across;
+        for (std::size_t i = 0; i < count; ++i) frame.records[i].mbType = MB_I_PCM;
+    }
+    // 64 lines of 4:2:0 have as many rows as 48 of 4:2:2.
+    H264Sps sps;
+    sps.widthInMbs = 4;
+    sps.heightInMapUnits = 3;
+    sps.chromaFormatIdc = 2;
+    frame.Initialize(sps, H264Pps(), H264SliceHead());
+    ASSERT_EQ(frame.AllocateBuffers(), IMG_OK);
+    sps.heightInMapUnits = 4;
+    sps.chromaFormatIdc = 1;
+    frame.Initialize(sps, H264Pps(), H264SliceHead());
+    ASSERT_EQ(frame.AllocateBuffers(), IMG_OK);
+    for (std::size_t i = 0; i < 20; ++i) {
+        ASSERT_EQ(frame.records[i].mbType, MB_INTRA_16X16);
+        frame.records[i].mbType = MB_I_PCM;
+    }
+}
+
 TEST(H264Dequant, MultipliesNormAdjustByTheWeights) {
     H264ScalingLists lists;
     lists.SetFlat();
