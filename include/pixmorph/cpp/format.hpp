@@ -5,7 +5,9 @@
 
 #include <pixmorph/pixmorph.h>
 
+#include <cstddef>
 #include <cstdint>
+#include <iterator>
 #include <optional>
 
 namespace pixmorph {
@@ -117,21 +119,39 @@ inline constexpr FormatInfo kFormats[] = {
     {"P422", Format::P422, 3, 16, 2, 2, 1, 2, false, 2, 1, false, true, 0x10003C, 0x00001C},
 };
 
-/// The row of a format; null for a number that is no format.
-constexpr const FormatInfo* InfoOf(Format format) noexcept {
+/// A row of kFormats, or none; used like a pointer to the row. It holds a number: under some sanitizers gcc takes no
+/// comparison of an address with null for a constant.
+class FormatRow {
+public:
+    constexpr FormatRow() noexcept = default;
+    explicit constexpr FormatRow(std::size_t index) noexcept : index_(index) {}
+
+    constexpr std::size_t Index() const noexcept { return index_; }
+    constexpr const FormatInfo& operator*() const noexcept { return kFormats[index_]; }
+    constexpr const FormatInfo* operator->() const noexcept { return &kFormats[index_]; }
+    friend constexpr bool operator==(const FormatRow& row, std::nullptr_t) noexcept { return row.index_ == kNone; }
+
+private:
+    static constexpr std::size_t kNone = std::size(kFormats);
+    std::size_t index_ = kNone;
+};
+
+/// The row of a format; none for a number that is no format.
+constexpr FormatRow InfoOf(Format format) noexcept {
     const auto number = static_cast<std::uint32_t>(format);
     const bool isColoured = number >= PIXMORPH_BT709;
     const std::uint32_t colour = number >= PIXMORPH_FULL_RANGE ? static_cast<std::uint32_t>(PIXMORPH_FULL_RANGE)
                                                                : static_cast<std::uint32_t>(PIXMORPH_BT709);
     const std::uint32_t base = isColoured ? number - colour : number;
-    for (const FormatInfo& info : kFormats)
-        if (static_cast<std::uint32_t>(info.base) == base) return isColoured && !info.hasColours ? nullptr : &info;
-    return nullptr;
+    for (std::size_t i = 0; i < std::size(kFormats); ++i)
+        if (static_cast<std::uint32_t>(kFormats[i].base) == base)
+            return isColoured && !kFormats[i].hasColours ? FormatRow() : FormatRow(i);
+    return {};
 }
 
 /// The colour matrix that a format's number stands for.
 constexpr Matrix MatrixOf(Format format) noexcept {
-    const FormatInfo* const info = InfoOf(format);
+    const FormatRow info = InfoOf(format);
     if (info == nullptr || info->isRgb) return Matrix::None;
     const auto number = static_cast<std::uint32_t>(format);
     return number >= PIXMORPH_BT709 && number < PIXMORPH_FULL_RANGE ? Matrix::BT709 : Matrix::BT601;
@@ -139,7 +159,7 @@ constexpr Matrix MatrixOf(Format format) noexcept {
 
 /// The range that a format's number stands for. RGB has the full range.
 constexpr Range RangeOf(Format format) noexcept {
-    const FormatInfo* const info = InfoOf(format);
+    const FormatRow info = InfoOf(format);
     const bool isFull = info == nullptr || info->isRgb || static_cast<std::uint32_t>(format) >= PIXMORPH_FULL_RANGE;
     return isFull ? Range::Full : Range::Video;
 }
@@ -147,7 +167,7 @@ constexpr Range RangeOf(Format format) noexcept {
 /// The number of the same samples with other colours; none where there is no such number: BT.709 at full range, and any
 /// but BT.601 at video levels for the block formats. RGB has Matrix::None and Range::Full.
 constexpr std::optional<Format> WithColours(Format format, Matrix matrix, Range range) noexcept {
-    const FormatInfo* const info = InfoOf(format);
+    const FormatRow info = InfoOf(format);
     if (info == nullptr) return std::nullopt;
     const auto base = static_cast<std::uint32_t>(info->base);
     for (const std::uint32_t colour :
@@ -177,7 +197,7 @@ struct Rect {
 
 /// The largest rectangle within `rect` that a format's subsampling lets be cut out.
 constexpr Rect AlignedInside(Format format, const Rect& rect) noexcept {
-    const FormatInfo* const info = InfoOf(format);
+    const FormatRow info = InfoOf(format);
     if (info == nullptr) return {};
     const auto up = [](std::uint64_t value, std::uint32_t step) { return (value + step - 1) / step * step; };
     const auto down = [](std::uint64_t value, std::uint32_t step) { return value / step * step; };
@@ -192,9 +212,9 @@ constexpr Rect AlignedInside(Format format, const Rect& rect) noexcept {
 /// Whether a picture of one format converts to another. From P422 to a block format the component writes three planes
 /// that no view describes, so these pairs are left out.
 constexpr bool CanConvert(Format from, Format to) noexcept {
-    const FormatInfo* const source = InfoOf(from);
-    const FormatInfo* const destination = InfoOf(to);
-    return source != nullptr && destination != nullptr && (source->conversions >> (destination - kFormats) & 1) != 0;
+    const FormatRow source = InfoOf(from);
+    const FormatRow destination = InfoOf(to);
+    return source != nullptr && destination != nullptr && (source->conversions >> destination.Index() & 1) != 0;
 }
 
 /// What width and height must be multiples of for a conversion; 0 by 0 where there is none.
@@ -215,9 +235,9 @@ constexpr Size ConversionMultiple(Format from, Format to) noexcept {
 
 /// Whether a picture can be resized, and converted on the way where the formats differ, whatever the two sizes are.
 constexpr bool CanResize(Format from, Format to) noexcept {
-    const FormatInfo* const source = InfoOf(from);
-    const FormatInfo* const destination = InfoOf(to);
-    return source != nullptr && destination != nullptr && (source->resizes >> (destination - kFormats) & 1) != 0;
+    const FormatRow source = InfoOf(from);
+    const FormatRow destination = InfoOf(to);
+    return source != nullptr && destination != nullptr && (source->resizes >> destination.Index() & 1) != 0;
 }
 
 /// What the compiler checks: the same, and true where a side is known at run time only.

@@ -61,7 +61,7 @@ constexpr Placement PlacementOf(const FormatInfo& info, std::uint32_t height, st
 
 /// Bytes from a line to the next of a picture without gaps. 0 for an unknown format and a width that no stride reaches.
 constexpr std::int32_t TightStride(Format format, std::uint32_t width) noexcept {
-    const FormatInfo* const info = InfoOf(format);
+    const FormatRow info = InfoOf(format);
     if (info == nullptr) return 0;
     const std::uint64_t stride = detail::TightStride(*info, width);
     return stride <= std::numeric_limits<std::int32_t>::max() ? static_cast<std::int32_t>(stride) : 0;
@@ -71,7 +71,7 @@ constexpr std::int32_t TightStride(Format format, std::uint32_t width) noexcept 
 /// @param stride  of the first plane in bytes; 0 for TightStride. That of chroma follows from it.
 /// @return 0 for an unknown format, an empty size and a stride too short for the width.
 constexpr std::uint64_t MemoryBytes(Format format, Size size, std::int32_t stride = 0) noexcept {
-    const FormatInfo* const info = InfoOf(format);
+    const FormatRow info = InfoOf(format);
     if (stride == 0) stride = TightStride(format, size.width);
     if (info == nullptr || size.width == 0 || size.height == 0 || stride <= 0) return 0;
     if (size.height > static_cast<std::uint32_t>(std::numeric_limits<std::int32_t>::max()) - 1) return 0;
@@ -141,7 +141,7 @@ public:
     /// missing or too small.
     static constexpr BasicView FromPlanes(Format format, std::span<const std::span<Byte>> planes,
                                           std::span<const std::int32_t> strides, pixmorph::Size size) noexcept {
-        const FormatInfo* const info = InfoOf(format);
+        const FormatRow info = InfoOf(format);
         if (info == nullptr || (!kIsDynamic && format != F) || planes.size() < info->planeCount ||
             strides.size() < info->planeCount || size.width == 0 || size.height == 0)
             return {};
@@ -183,7 +183,7 @@ public:
     constexpr std::uint32_t Width() const noexcept { return size_.width; }
     constexpr std::uint32_t Height() const noexcept { return size_.height; }
     constexpr std::uint32_t PlaneCount() const noexcept {
-        const FormatInfo* const info = InfoOf(GetFormat());
+        const FormatRow info = InfoOf(GetFormat());
         return info != nullptr ? info->planeCount : 0;
     }
     /// First byte of the top line of a plane; null past the last plane.
@@ -192,7 +192,7 @@ public:
     constexpr std::int32_t Stride(std::uint32_t plane) const noexcept { return plane < 3 ? strides_[plane] : 0; }
     /// The bytes of line `y` of a plane, counted from the top; empty past the last line.
     constexpr std::span<Byte> Line(std::uint32_t plane, std::uint32_t y) const noexcept {
-        const FormatInfo* const info = InfoOf(GetFormat());
+        const FormatRow info = InfoOf(GetFormat());
         if (IsEmpty() || info == nullptr || plane >= info->planeCount || y >= detail::Lines(*info, plane, size_.height))
             return {};
         return {planes_[plane] + std::int64_t{strides_[plane]} * y,
@@ -210,7 +210,7 @@ public:
     /// A part of the picture. Empty when the rectangle leaves it, is empty, or starts or ends within pixels or lines
     /// that share a chroma sample (AlignedInside gives one that does not).
     constexpr BasicView Crop(const Rect& rect) const noexcept {
-        const FormatInfo* const info = InfoOf(GetFormat());
+        const FormatRow info = InfoOf(GetFormat());
         if (IsEmpty() || info == nullptr || rect.width == 0 || rect.height == 0) return {};
         if (std::uint64_t{rect.x} + rect.width > size_.width || std::uint64_t{rect.y} + rect.height > size_.height)
             return {};
@@ -229,7 +229,7 @@ public:
 
     /// The same memory with the lines in the other order: what was the last is the top.
     constexpr BasicView Flipped() const noexcept {
-        const FormatInfo* const info = InfoOf(GetFormat());
+        const FormatRow info = InfoOf(GetFormat());
         if (IsEmpty() || info == nullptr) return {};
         BasicView flipped = *this;
         for (std::uint32_t i = 0; i < info->planeCount; ++i) {
@@ -243,7 +243,7 @@ public:
     /// Every second line: the field with the top line (`parity` 0) or the other (1). Empty when the two fields would
     /// share lines of chroma.
     constexpr BasicView Field(std::uint32_t parity) const noexcept {
-        const FormatInfo* const info = InfoOf(GetFormat());
+        const FormatRow info = InfoOf(GetFormat());
         if (IsEmpty() || info == nullptr || parity > 1 || size_.height % (2u * info->yAlign) != 0) return {};
         BasicView field = *this;
         field.size_.height /= 2;
@@ -259,7 +259,7 @@ public:
 
     /// Whether the planes lie as they follow from the first: the picture as the codecs take it.
     constexpr bool HasPlanesInSequence() const noexcept {
-        const FormatInfo* const info = InfoOf(GetFormat());
+        const FormatRow info = InfoOf(GetFormat());
         if (IsEmpty() || info == nullptr) return false;
         const detail::Placement place = detail::PlacementOf(*info, size_.height, strides_[0]);
         for (std::uint32_t i = 1; i < info->planeCount; ++i)
