@@ -42,7 +42,7 @@ std::uint8_t TruncatedToByte(double value) {
 std::uint8_t RoundedAndLimited(double value) {
     if (value <= 0.0) return 0;
     if (value >= 255.0) return 255;
-    return static_cast<std::uint8_t>(std::floor(value + 0.5));
+    return static_cast<std::uint8_t>(value + 0.5);
 }
 
 }  // namespace
