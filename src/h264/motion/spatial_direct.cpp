@@ -6,8 +6,6 @@
 namespace KorvaneSoftware {
 namespace {
 
-constexpr unsigned kAllBlocks = 0xFFFF;
-
 /// The smaller one that is a reference at all.
 int LeastReference(int a, int b) { return a >= 0 && b >= 0 ? (a < b ? a : b) : (a > b ? a : b); }
 
@@ -20,6 +18,13 @@ H264Motion PredictWhole(const H264MotionPlaces& places, unsigned list, bool fiel
     const int refIdx = LeastReference(left.refIdx, LeastReference(top.refIdx, corner.refIdx));
     if (refIdx < 0) return {};
     return {static_cast<std::int8_t>(refIdx), -1, MedianPrediction(refIdx, left, top, corner)};
+}
+
+template <bool kMbaff>
+void PredictWhole(const H264Neighbours& neighbours, bool fieldMb, H264Motion (&motion)[2]) {
+    const H264MotionPlaces places = FindMotionPlaces(neighbours);
+    for (unsigned list = 0; list < 2; ++list) motion[list] = PredictWhole<kMbaff>(places, list, fieldMb);
+    if (motion[0].refIdx < 0 && motion[1].refIdx < 0) motion[0].refIdx = motion[1].refIdx = 0;
 }
 
 bool StandsStill(const H264MacroblockRecord& mb, unsigned block) {
@@ -52,13 +57,12 @@ unsigned FindStillBlocks(const H264DirectPlace& place, unsigned parts) {
 
 void PredictDirectSpatial(const H264DirectPlace& place, const H264Neighbours& neighbours, unsigned parts,
                           H264MacroblockRecord& mb) {
-    const H264MotionPlaces places = FindMotionPlaces(mb, neighbours, 0, 4);
     H264Motion motion[2];
-    for (unsigned list = 0; list < 2; ++list) {
-        motion[list] = place.slice.picture->mbaff ? PredictWhole<true>(places, list, mb.fieldMb != 0)
-                                                  : PredictWhole<false>(places, list, mb.fieldMb != 0);
+    if (place.slice.picture->mbaff) {
+        PredictWhole<true>(neighbours, mb.fieldMb != 0, motion);
+    } else {
+        PredictWhole<false>(neighbours, mb.fieldMb != 0, motion);
     }
-    if (motion[0].refIdx < 0 && motion[1].refIdx < 0) motion[0].refIdx = motion[1].refIdx = 0;
 
     const auto& entries = place.slice.references.entries[place.view];
     bool mayStandStill = false;

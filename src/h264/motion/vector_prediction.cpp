@@ -49,51 +49,47 @@ H264BlockPlace CornerPlace(const H264MacroblockRecord& mb, const H264Neighbours&
     return y == 0 ? neighbours.Top(x - 1) : H264BlockPlace{&mb, block - kBlocksAcross - 1};
 }
 
-}  // namespace
-
+/// Of a partition by its upper left block and its width in blocks. Blocks of the macroblock itself that come behind the
+/// partition in decoding order are not available to it.
 H264MotionPlaces FindMotionPlaces(const H264MacroblockRecord& mb, const H264Neighbours& neighbours, unsigned block,
                                   unsigned width) {
     return {LeftPlace(mb, neighbours, block), TopPlace(mb, neighbours, block),
             CornerPlace(mb, neighbours, block, width)};
 }
 
-H264Vector MedianPrediction(int refIdx, const H264MotionNeighbour& left, const H264MotionNeighbour& top,
-                            const H264MotionNeighbour& corner) {
-    const bool isLeft = left.refIdx == refIdx;
-    const bool isTop = top.refIdx == refIdx;
-    const bool isCorner = corner.refIdx == refIdx;
-    if (isLeft + isTop + isCorner == 1) return isLeft ? left.vector : isTop ? top.vector : corner.vector;
-    if (top.refIdx == kH264NoNeighbour && corner.refIdx == kH264NoNeighbour) return left.vector;
-    return MedianOf(left.vector, top.vector, corner.vector);
-}
+}  // namespace
 
 template <bool kMbaff>
 H264Vector PredictVector(const H264MacroblockRecord& mb, const H264Neighbours& neighbours, unsigned list,
                          unsigned block, unsigned width, unsigned height) {
     const int refIdx = mb.refIdx[list][block];
     const auto motionAt = [&](const H264BlockPlace& place) { return MotionAt<kMbaff>(place, list, mb.fieldMb != 0); };
-    if (width + height == 6) {
+    const auto median = [&](const H264MotionPlaces& places) {
+        return MedianPrediction(refIdx, motionAt(places.left), motionAt(places.top), motionAt(places.corner));
+    };
+    if (width + height == 2 * kBlocksAcross) return median(FindMotionPlaces(neighbours));
+    const H264MotionPlaces places = FindMotionPlaces(mb, neighbours, block, width);
+    if (width + height == kBlocksAcross + kBlocksAcross / 2) {
         // Of 16x8 the upper one looks up; of 8x16 the right one looks above right; the other two look left.
-        const H264BlockPlace ahead =
-            width == 4   ? block == 0 ? TopPlace(mb, neighbours, block) : LeftPlace(mb, neighbours, block)
-              : block == 0 ? LeftPlace(mb, neighbours, block)
-                         : CornerPlace(mb, neighbours, block, width);
-        const H264MotionNeighbour preferred = motionAt(ahead);
+        const bool isFirst = block == 0;
+        const bool isWide = width == kBlocksAcross;
+        const H264MotionNeighbour preferred =
+            motionAt(isFirst == isWide ? (isFirst ? places.top : places.corner) : places.left);
         if (preferred.refIdx == refIdx) return preferred.vector;
     }
-    const H264MotionPlaces places = FindMotionPlaces(mb, neighbours, block, width);
-    return MedianPrediction(refIdx, motionAt(places.left), motionAt(places.top), motionAt(places.corner));
+    return median(places);
 }
 
 template <bool kMbaff>
 H264Vector PredictSkipVector(const H264MacroblockRecord& mb, const H264Neighbours& neighbours) {
     if (neighbours.left[0] == nullptr || neighbours.top == nullptr) return {};
     const auto motionAt = [&](const H264BlockPlace& place) { return MotionAt<kMbaff>(place, 0, mb.fieldMb != 0); };
-    const H264MotionNeighbour left = motionAt(neighbours.Left(0));
+    const H264MotionPlaces places = FindMotionPlaces(neighbours);
+    const H264MotionNeighbour left = motionAt(places.left);
     if (left.refIdx == 0 && left.vector.IsZero()) return {};
-    const H264MotionNeighbour top = motionAt(neighbours.Top(0));
+    const H264MotionNeighbour top = motionAt(places.top);
     if (top.refIdx == 0 && top.vector.IsZero()) return {};
-    return MedianPrediction(0, left, top, motionAt(CornerPlace(mb, neighbours, 0, kBlocksAcross)));
+    return MedianPrediction(0, left, top, motionAt(places.corner));
 }
 
 template H264Vector PredictVector<false>(const H264MacroblockRecord& mb, const H264Neighbours& neighbours,

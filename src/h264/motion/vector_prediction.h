@@ -15,11 +15,11 @@ struct H264MotionPlaces {
     H264BlockPlace corner;  ///< C, above right, or where that is not available D, above left.
 };
 
-/// Blocks of the current macroblock that come behind the partition in decoding order are not available to it.
-/// @param block  the partition's upper left block, by place
-/// @param width  of the partition, in blocks
-H264MotionPlaces FindMotionPlaces(const H264MacroblockRecord& mb, const H264Neighbours& neighbours, unsigned block,
-                                  unsigned width);
+/// Those of a whole macroblock.
+inline H264MotionPlaces FindMotionPlaces(const H264Neighbours& neighbours) {
+    return {neighbours.Left(0), neighbours.Top(0),
+            neighbours.topRight != nullptr ? neighbours.TopRight() : neighbours.corners[0]};
+}
 
 /// refIdx of a block that is not available; one that does not use the list has -1.
 constexpr int kH264NoNeighbour = -2;
@@ -50,8 +50,15 @@ H264MotionNeighbour MotionAt(const H264BlockPlace& place, unsigned list, bool fi
 }
 
 /// The prediction of a partition without a direction, from its neighbours.
-H264Vector MedianPrediction(int refIdx, const H264MotionNeighbour& left, const H264MotionNeighbour& top,
-                            const H264MotionNeighbour& corner);
+inline H264Vector MedianPrediction(int refIdx, const H264MotionNeighbour& left, const H264MotionNeighbour& top,
+                                   const H264MotionNeighbour& corner) {
+    const bool isLeft = left.refIdx == refIdx;
+    const bool isTop = top.refIdx == refIdx;
+    const bool isCorner = corner.refIdx == refIdx;
+    if (isLeft + isTop + isCorner == 1) return isLeft ? left.vector : isTop ? top.vector : corner.vector;
+    if (top.refIdx == kH264NoNeighbour && corner.refIdx == kH264NoNeighbour) return left.vector;
+    return MedianOf(left.vector, top.vector, corner.vector);
+}
 
 /// The prediction of a partition whose reference, and those of the whole macroblock, stand in the record. Partitions of
 /// 16x8 and 8x16 prefer the neighbour of their direction.
