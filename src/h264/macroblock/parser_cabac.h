@@ -6,12 +6,12 @@
 #include <cstdlib>
 
 #include "h264/macroblock/cabac_increments.h"
+#include "h264/macroblock/parser_base.h"
 #include "h264/macroblock/residual_readers.h"
 #include "h264/motion/motion_vectors.h"
 #include "h264/parsing/cabac_elements.h"
 #include "h264/parsing/scan_tables.h"
 #include "h264/reconstruction/residual.h"
-#include "h264/sample_types.h"
 
 namespace KorvaneSoftware {
 
@@ -19,13 +19,15 @@ namespace KorvaneSoftware {
 /// contexts need them there.
 /// @tparam P, S, C  as of TH264DecompressorTemplate
 template <unsigned P, unsigned S, unsigned C, class Sample, class Constructor>
-class TH264ParserCABAC : public Constructor {
+class TH264ParserCABAC : public TH264ParserBase<C, Sample, Constructor> {
+    using Base = TH264ParserBase<C, Sample, Constructor>;
+
 protected:
-    using Constructor::mb_;
-    using Constructor::neighbours_;
-    using Constructor::slice_;
-    using Constructor::state_;
-    using Coefficient = typename TH264SampleType<Sample>::Coefficient;
+    using Base::mb_;
+    using Base::neighbours_;
+    using Base::slice_;
+    using Base::state_;
+    using typename Base::Coefficient;
 
     void StartSliceData() {
         const unsigned set = slice_->IsIntra() ? 0 : slice_->header.cabacInitIdc + 1;
@@ -124,7 +126,7 @@ protected:
 private:
     static constexpr unsigned kSkipContextP = 11;
     static constexpr unsigned kSkipContextB = 24;
-    static constexpr unsigned kChromaRows = C == 2 ? 4 : 2;
+    using Base::kChromaRows;
 
     bool SliceIsB() const { return slice_->header.sliceType == SLICE_B; }
     bool IsIntra() const { return (mb_->mbType & kH264InterBits) == 0; }
@@ -158,21 +160,13 @@ private:
         return map;
     }
 
-    template <bool kRaw>
-    auto Target(unsigned component, Coefficient* block, const std::uint8_t* scan) const {
-        if constexpr (kRaw) {
-            return TRawCoefficients<Coefficient>{block, scan};
-        } else {
-            return this->Scaled4x4(component, block, scan);
-        }
-    }
     template <H264CabacBlock kKind>
     void ReadDc(unsigned component, Coefficient* block, const std::uint8_t* scan) {
         if (!CabacCodedBlockFlag<kKind>(bins_, DcIncrement(component))) return;
         mb_->codedDc |= 1u << component;
         ReadCabacResidual<kKind>(bins_, mb_->fieldMb != 0, TRawCoefficients<Coefficient>{block, scan});
     }
-    template <bool kRaw, H264CabacBlock kKind>
+    template <bool kLossless, H264CabacBlock kKind>
     void ReadLuma4x4(const std::uint8_t* scan) {
         H264CodedMap map = LumaMap();
         for (unsigned i = 0; i < 16; ++i) {
@@ -184,46 +178,43 @@ private:
             if (!CabacCodedBlockFlag<kKind>(bins_, map.Increment(place / 4, place % 4))) continue;
             map.Set(place / 4, place % 4);
             mb_->codedLuma |= 1u << place;
-            ReadCabacResidual<kKind>(bins_, mb_->fieldMb != 0, Target<kRaw>(0, this->NextBlock4x4(), scan));
+            ReadCabacResidual<kKind>(bins_, mb_->fieldMb != 0,
+                                     this->template Target4x4<kLossless>(0, this->NextBlock4x4(), scan));
         }
     }
-    template <bool kRaw>
+    template <bool kLossless>
     void ReadLuma8x8() {
         const std::uint8_t* const scan = kH264Scan8x8[mb_->fieldMb];
         for (unsigned i = 0; i < 4; ++i) {
             if ((mb_->codedBlockPattern >> i & 1) == 0) continue;
             mb_->codedLuma |= 0x33u << kH264Places8x8[i];
-            if constexpr (kRaw) {
-                ReadCabacResidual<H264CabacBlock::LUMA_8X8>(bins_, mb_->fieldMb != 0,
-                                                            TRawCoefficients<Coefficient>{this->NextBlock8x8(), scan});
-            } else {
-                ReadCabacResidual<H264CabacBlock::LUMA_8X8>(bins_, mb_->fieldMb != 0,
-                                                            this->Scaled8x8(this->NextBlock8x8(), scan));
-            }
+            ReadCabacResidual<H264CabacBlock::LUMA_8X8>(
+                bins_, mb_->fieldMb != 0, this->template Target8x8<kLossless>(this->NextBlock8x8(), scan));
         }
     }
-    template <bool kRaw>
+    template <bool kLossless>
     void ReadChromaAc(unsigned component, const std::uint8_t* scan) {
         H264CodedMap map = ChromaMap(component);
         for (unsigned i = 0; i < 2 * kChromaRows; ++i) {
             if (!CabacCodedBlockFlag<H264CabacBlock::CHROMA_AC>(bins_, map.Increment(i / 2, i % 2))) continue;
             map.Set(i / 2, i % 2);
             mb_->codedChroma[component] |= 1u << i;
-            ReadCabacResidual<H264CabacBlock::CHROMA_AC>(bins_, mb_->fieldMb != 0,
-                                                         Target<kRaw>(1 + component, this->NextBlock4x4(), scan));
+            ReadCabacResidual<H264CabacBlock::CHROMA_AC>(
+                bins_, mb_->fieldMb != 0,
+                this->template Target4x4<kLossless>(1 + component, this->NextBlock4x4(), scan));
         }
     }
-    template <bool kRaw>
+    template <bool kLossless>
     void ReadBlocks() {
         this->BeginResidual();
         const std::uint8_t* const scan = kH264Scan4x4[mb_->fieldMb];
         if (mb_->mbType == MB_INTRA_16X16) {
             ReadDc<H264CabacBlock::LUMA_DC>(0, this->LumaDc(), scan);
-            ReadLuma4x4<kRaw, H264CabacBlock::LUMA_AC>(scan + 1);
+            ReadLuma4x4<kLossless, H264CabacBlock::LUMA_AC>(scan + 1);
         } else if (P == 3 && mb_->transform8x8 != 0) {
-            if constexpr (P == 3) ReadLuma8x8<kRaw>();
+            if constexpr (P == 3) ReadLuma8x8<kLossless>();
         } else {
-            ReadLuma4x4<kRaw, H264CabacBlock::LUMA_4X4>(scan);
+            ReadLuma4x4<kLossless, H264CabacBlock::LUMA_4X4>(scan);
         }
         const unsigned chroma = mb_->codedBlockPattern >> 4;
         if (chroma == 0) return;
@@ -231,7 +222,7 @@ private:
         const std::uint8_t* const dcScan = C == 2 ? kH264ScanDc422 : kH264ScanDc420;
         for (unsigned i = 0; i < 2; ++i) ReadDc<kChromaDc>(1 + i, this->ChromaDc(i), dcScan);
         if (chroma == 2) {
-            for (unsigned i = 0; i < 2; ++i) ReadChromaAc<kRaw>(i, scan + 1);
+            for (unsigned i = 0; i < 2; ++i) ReadChromaAc<kLossless>(i, scan + 1);
         }
     }
 

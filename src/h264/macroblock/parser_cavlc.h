@@ -6,12 +6,12 @@
 
 #include "h264/macroblock/macroblock_types.h"
 #include "h264/macroblock/neighbours.h"
+#include "h264/macroblock/parser_base.h"
 #include "h264/macroblock/residual_readers.h"
 #include "h264/motion/motion_vectors.h"
 #include "h264/parsing/cavlc_reader.h"
 #include "h264/parsing/scan_tables.h"
 #include "h264/reconstruction/residual.h"
-#include "h264/sample_types.h"
 
 namespace KorvaneSoftware {
 
@@ -41,13 +41,15 @@ private:
 
 /// The sister of TH264ParserCABAC: the same elements, by the same names.
 template <unsigned P, unsigned S, unsigned C, class Sample, class Constructor>
-class TH264ParserCAVLC : public Constructor {
+class TH264ParserCAVLC : public TH264ParserBase<C, Sample, Constructor> {
+    using Base = TH264ParserBase<C, Sample, Constructor>;
+
 protected:
-    using Constructor::mb_;
-    using Constructor::neighbours_;
-    using Constructor::slice_;
-    using Constructor::state_;
-    using Coefficient = typename TH264SampleType<Sample>::Coefficient;
+    using Base::mb_;
+    using Base::neighbours_;
+    using Base::slice_;
+    using Base::state_;
+    using typename Base::Coefficient;
 
     void StartSliceData() {}
     void LoadParser() {}
@@ -113,7 +115,7 @@ protected:
     bool DataEnded(bool) { return CavlcDataEnded(state_.reader); }
 
 private:
-    static constexpr unsigned kChromaRows = C == 2 ? 4 : 2;
+    using Base::kChromaRows;
 
     H264LevelCounts LumaCounts() const {
         H264LevelCounts counts;
@@ -139,20 +141,12 @@ private:
         return counts;
     }
 
-    template <bool kRaw>
-    auto Target(unsigned component, Coefficient* block, const std::uint8_t* scan) const {
-        if constexpr (kRaw) {
-            return TRawCoefficients<Coefficient>{block, scan};
-        } else {
-            return this->Scaled4x4(component, block, scan);
-        }
-    }
     template <H264CavlcBlock kKind>
     void ReadDc(unsigned component, unsigned nC, Coefficient* block, const std::uint8_t* scan) {
         const TRawCoefficients<Coefficient> target = {block, scan};
         if (ReadCavlcResidual<kKind>(state_.reader, nC, target) != 0) mb_->codedDc |= 1u << component;
     }
-    template <bool kRaw, H264CavlcBlock kKind>
+    template <bool kLossless, H264CavlcBlock kKind>
     void ReadLuma4x4(H264LevelCounts& counts, const std::uint8_t* scan) {
         for (unsigned i = 0; i < 16; ++i) {
             if ((mb_->codedBlockPattern >> i / 4 & 1) == 0) {
@@ -160,8 +154,9 @@ private:
                 continue;
             }
             const unsigned place = kH264BlockPlaces[i];
-            const unsigned count = ReadCavlcResidual<kKind>(state_.reader, counts.Predict(place / 4, place % 4),
-                                                            Target<kRaw>(0, this->FreeBlock4x4(), scan));
+            const unsigned count =
+                ReadCavlcResidual<kKind>(state_.reader, counts.Predict(place / 4, place % 4),
+                                         this->template Target4x4<kLossless>(0, this->FreeBlock4x4(), scan));
             if (count == 0) continue;
             this->TakeBlock4x4();
             counts.Set(place / 4, place % 4, count);
@@ -170,7 +165,7 @@ private:
         }
     }
     /// Four blocks make one of 8x8; each has its own count.
-    template <bool kRaw>
+    template <bool kLossless>
     void ReadLuma8x8(H264LevelCounts& counts) {
         for (unsigned i = 0; i < 4; ++i) {
             if ((mb_->codedBlockPattern >> i & 1) == 0) continue;
@@ -180,13 +175,8 @@ private:
                 const unsigned place = kH264BlockPlaces[4 * i + k];
                 const std::uint8_t* const scan = kH264CavlcScans8x8.position[mb_->fieldMb][k];
                 const unsigned nC = counts.Predict(place / 4, place % 4);
-                unsigned count = 0;
-                if constexpr (kRaw) {
-                    const TRawCoefficients<Coefficient> target = {block, scan};
-                    count = ReadCavlcResidual<H264CavlcBlock::FULL>(state_.reader, nC, target);
-                } else {
-                    count = ReadCavlcResidual<H264CavlcBlock::FULL>(state_.reader, nC, this->Scaled8x8(block, scan));
-                }
+                const unsigned count = ReadCavlcResidual<H264CavlcBlock::FULL>(
+                    state_.reader, nC, this->template Target8x8<kLossless>(block, scan));
                 coded |= count != 0;
                 counts.Set(place / 4, place % 4, count);
                 mb_->totalCoeff[0][place] = static_cast<std::uint8_t>(count);
@@ -196,12 +186,13 @@ private:
             mb_->codedLuma |= 0x33u << kH264Places8x8[i];
         }
     }
-    template <bool kRaw>
+    template <bool kLossless>
     void ReadChromaAc(unsigned component, const std::uint8_t* scan) {
         H264LevelCounts counts = ChromaCounts(component);
         for (unsigned i = 0; i < 2 * kChromaRows; ++i) {
             const unsigned count = ReadCavlcResidual<H264CavlcBlock::AC>(
-                state_.reader, counts.Predict(i / 2, i % 2), Target<kRaw>(1 + component, this->FreeBlock4x4(), scan));
+                state_.reader, counts.Predict(i / 2, i % 2),
+                this->template Target4x4<kLossless>(1 + component, this->FreeBlock4x4(), scan));
             if (count == 0) continue;
             this->TakeBlock4x4();
             counts.Set(i / 2, i % 2, count);
@@ -209,18 +200,18 @@ private:
             mb_->totalCoeff[1 + component][i] = static_cast<std::uint8_t>(count);
         }
     }
-    template <bool kRaw>
+    template <bool kLossless>
     void ReadBlocks() {
         this->BeginResidual();
         const std::uint8_t* const scan = kH264Scan4x4[mb_->fieldMb];
         H264LevelCounts counts = LumaCounts();
         if (mb_->mbType == MB_INTRA_16X16) {
             ReadDc<H264CavlcBlock::FULL>(0, counts.Predict(0, 0), this->LumaDc(), scan);
-            ReadLuma4x4<kRaw, H264CavlcBlock::AC>(counts, scan + 1);
+            ReadLuma4x4<kLossless, H264CavlcBlock::AC>(counts, scan + 1);
         } else if (P == 3 && mb_->transform8x8 != 0) {
-            if constexpr (P == 3) ReadLuma8x8<kRaw>(counts);
+            if constexpr (P == 3) ReadLuma8x8<kLossless>(counts);
         } else {
-            ReadLuma4x4<kRaw, H264CavlcBlock::FULL>(counts, scan);
+            ReadLuma4x4<kLossless, H264CavlcBlock::FULL>(counts, scan);
         }
         const unsigned chroma = mb_->codedBlockPattern >> 4;
         if (chroma == 0) return;
@@ -228,7 +219,7 @@ private:
         const std::uint8_t* const dcScan = C == 2 ? kH264ScanDc422 : kH264ScanDc420;
         for (unsigned i = 0; i < 2; ++i) ReadDc<kChromaDc>(1 + i, 0, this->ChromaDc(i), dcScan);
         if (chroma == 2) {
-            for (unsigned i = 0; i < 2; ++i) ReadChromaAc<kRaw>(i, scan + 1);
+            for (unsigned i = 0; i < 2; ++i) ReadChromaAc<kLossless>(i, scan + 1);
         }
     }
 };
