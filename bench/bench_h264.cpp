@@ -117,10 +117,11 @@ void AddIntraPrediction() {
 }
 
 // Thresholds of a middling QP. The frame's content settles after the first runs, the same for every form.
+constexpr km::H264EdgeThresholds kThresholds = {40, 10, 0x03020302};
+
 template <class Sample>
 void AddEdgeFilters() {
     using Slots = km::TH264EdgeFilters<Sample>;
-    static constexpr km::H264EdgeThresholds kThresholds = {40, 10, 0x03020302};
     const auto addLuma = [](const auto& slot) {
         AddBlocks<Sample>(slot, 16, 16, [](auto* form, Sample* samples, Sample*) {
             form(samples, kStride, kThresholds, 4, kDepth<Sample>);
