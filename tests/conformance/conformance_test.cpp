@@ -77,13 +77,12 @@ TEST(H264Conformance, LibraryOnOneTwoAndFourThreads) {
     CheckSelection({{"1 thread", entry, 1}, {"2 threads", entry, 2}, {"4 threads", entry, 4}});
 }
 
-TEST(H264Conformance, EachProcessorLevel) {
-    std::vector<Way> ways;
-    for (std::uint32_t level : pixmorph_test::FeatureLevels()) {
-        ways.push_back({"features " + std::to_string(level), LinkedClassEntry(), 2, level});
-    }
-    CheckSelection(ways);
+class H264ConformanceAtLevel : public testing::TestWithParam<std::uint32_t> {};
+
+TEST_P(H264ConformanceAtLevel, TwoThreads) {
+    CheckSelection({{"features " + std::to_string(GetParam()), LinkedClassEntry(), 2, GetParam()}});
 }
+INSTANTIATE_TEST_SUITE_P(Each, H264ConformanceAtLevel, testing::ValuesIn(pixmorph_test::FeatureLevels()));
 
 TEST(H264Conformance, AStreamOfTheTestsOwn) {
     const GeneratedStream generated;

@@ -82,8 +82,10 @@ public:
 
     /// Starts at a byte: of slice data, and behind the samples of I_PCM. The contexts stay.
     void Start(const std::uint8_t* data, const std::uint8_t* end) {
-        next_ = data;
-        end_ = end;
+        // No data at all: the place moves on behind its end as it does in the padding of a slice.
+        static constexpr std::uint8_t kNone[kMostBehindEnd + 8] = {};
+        next_ = data != nullptr ? data : kNone;
+        end_ = data != nullptr ? end : kNone;
         range_ = 510;
         offset_ = 0;
         for (unsigned i = 0; i < 5; ++i) offset_ = offset_ << 8 | (next_ + i < end_ ? next_[i] : 0xFFu);

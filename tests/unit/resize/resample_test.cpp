@@ -226,7 +226,7 @@ TEST(Resample, FixedRatiosInOneCall) {
     for (const std::uint32_t level : FeatureLevels()) {
         const RestrictedFeatures restricted(level);
         for (const std::uint32_t format : kFormats) {
-            const FormatInfo& info = *FormatInfoOf({{format}});
+            const FormatInfo& info = *FormatInfoOf(FormatHead{format});
             for (const auto& [fromWidth, fromHeight, toWidth, toHeight] : kSizes) {
                 if (toWidth % info.xAlign != 0 || toHeight % info.yAlign != 0) continue;
                 const TestPicture src = Source(format, fromWidth, fromHeight, toWidth);
