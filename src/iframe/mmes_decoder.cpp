@@ -1,6 +1,5 @@
 #include "iframe/mmes_decoder.h"
 
-#include <algorithm>
 #include <new>
 
 #include "iframe/slice_decoder.h"
@@ -29,7 +28,8 @@ Status CMMESDecoder::Initialize(const CodedFormat* format, const CodecOptions* o
         options_ = options != nullptr ? *options : CodecOptions();
         const unsigned threads = WorkerTeam::DecideCount(kMaxThreads, options_.threads);
         decoders_.reset(new (std::nothrow) TThreadState<SliceDecoder>[threads]);
-        if (decoders_ == nullptr) return IMG_E_NO_MEMORY;
+        claims_.reset(new (std::nothrow) RowClaims);
+        if (decoders_ == nullptr || claims_ == nullptr) return IMG_E_NO_MEMORY;
         if (const Status status = team_.Configure(threads); status != IMG_OK) return status;
         ready_ = true;
         return IMG_OK;
@@ -64,6 +64,7 @@ Status CMMESDecoder::DecodePicture(const std::uint8_t* data, std::uint64_t size,
     const unsigned count = team_.Count();
     for (unsigned i = 0; i < count; ++i)
         if (const Status status = decoders_[i].BeginFrame(headers_, image); status != IMG_OK) return status;
+    claims_->BeginFrame(MacroblocksOf(format_.height));
     // Shares are about equal in bytes; a slice belongs to the share in which its start code begins.
     const auto sliceBytes = static_cast<std::uint64_t>(end - slices);
     shares_[0] = slices;
@@ -75,22 +76,13 @@ Status CMMESDecoder::DecodePicture(const std::uint8_t* data, std::uint64_t size,
         return IMG_OK;
     });
     if (status != IMG_OK) return status;
-    // Slices of a sound stream lie side by side. Where they do not the last one counts, as with one thread.
-    if (SharesOverlap(count))
+    if (claims_->TakeLeftRows())
         for (unsigned share = 0; share < count; ++share) (void)DecodeShare(share);
     return IMG_OK;
 }
 
-bool CMMESDecoder::SharesOverlap(unsigned count) const {
-    for (std::uint32_t row = 0; row < MacroblocksOf(format_.height); ++row)
-        for (unsigned i = 1; i < count; ++i)
-            for (unsigned j = 0; j < i; ++j)
-                if (decoders_[i].Columns(row).Overlaps(decoders_[j].Columns(row))) return true;
-    return false;
-}
-
 Status CMMESDecoder::DecodeShare(unsigned share) {
-    return decoders_[share].DecodeShare(shares_[share], shares_[share + 1]);
+    return decoders_[share].DecodeShare(shares_[share], shares_[share + 1], *claims_, share);
 }
 
 Status CMMESDecoder::GetCurrentFormat(CodedFormat* format) {

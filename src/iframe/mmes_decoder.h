@@ -14,12 +14,13 @@
 namespace KorvaneSoftware {
 
 namespace iframe {
+class RowClaims;
 class SliceDecoder;
-}
+}  // namespace iframe
 
 /// Up to four threads decode a frame's slices, each a share of the data. A frame whose headers are damaged fails before
-/// a pixel is written; of a damaged slice the pixels from the damage on keep what they were, and the frame succeeds. Where slices name the same
-/// macroblocks the last one counts: the picture does not depend on the number of threads.
+/// a pixel is written; of a damaged slice the pixels from the damage on keep what they were, and the frame succeeds.
+/// Where slices name the same macroblocks the last one counts: the picture does not depend on the number of threads.
 class CMMESDecoder final : public CDecoderObject {
 public:
     CMMESDecoder();
@@ -34,7 +35,6 @@ public:
 private:
     Status DecodePicture(const std::uint8_t* data, std::uint64_t size, const ImageDescriptor& image);
     Status DecodeShare(unsigned share);
-    bool SharesOverlap(unsigned count) const;
 
     bool ready_ = false;
     CodecOptions options_;
@@ -42,6 +42,7 @@ private:
     WorkerTeam team_;
     iframe::ParsedHeaders headers_ = {};
     std::unique_ptr<TThreadState<iframe::SliceDecoder>[]> decoders_;  // One for each thread.
+    std::unique_ptr<iframe::RowClaims> claims_;
     // Where each share begins; the last entry is the end of the data.
     const std::uint8_t* shares_[iframe::kMaxThreads + 1] = {};
 };

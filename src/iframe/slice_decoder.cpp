@@ -1,6 +1,5 @@
 #include "iframe/slice_decoder.h"
 
-#include <algorithm>
 #include <cstring>
 
 #include "iframe/i_frame_format.h"
@@ -59,14 +58,14 @@ Status SliceDecoder::BeginFrame(const ParsedHeaders& headers, const ImageDescrip
     rows_ = MacroblocksOf(image.height);
     blocksPerMacroblock_ = kBlocksOfChromaFormat[headers.chromaFormat];
     quantiserCode_ = 0;  // The matrix may be another one.
-    std::fill_n(decoded_, rows_, DecodedColumns());
     syntax_.coefficients = &kCoefficientDecoders[headers.vlcFormat];
     syntax_.scan = kTransposedScans.positions[headers.alternateScan];
     syntax_.dcFactor = 8 >> headers.dcPrecision;
     return writer_.Init(image);
 }
 
-Status SliceDecoder::DecodeShare(const std::uint8_t* begin, const std::uint8_t* end) {
+Status SliceDecoder::DecodeShare(const std::uint8_t* begin, const std::uint8_t* end, RowClaims& claims,
+                                 unsigned share) {
     Status status = IMG_OK;
     const std::uint8_t* code = FindStartCode(begin, end);
     while (code != end) {
@@ -74,8 +73,12 @@ Status SliceDecoder::DecodeShare(const std::uint8_t* begin, const std::uint8_t* 
         const std::uint8_t* const next = FindStartCode(data, end);
         // Pictures of other types have slices, but no intra syntax.
         if (headers_->pictureType == kIntraPicture && !headers_->concealmentVectors) {
-            status = IsSliceCode(code[3]) ? DecodeSlice(code[3] - 1u, data, static_cast<std::size_t>(next - data))
-                                          : IMG_E_MALFORMED;
+            const std::uint32_t row = code[3] - 1u;
+            status = IMG_OK;
+            if (!IsSliceCode(code[3]))
+                status = IMG_E_MALFORMED;
+            else if (row < rows_ && claims.Admits(row, share))
+                status = DecodeSlice(row, data, static_cast<std::size_t>(next - data));
         }
         code = next;
     }
@@ -86,7 +89,6 @@ Status SliceDecoder::DecodeShare(const std::uint8_t* begin, const std::uint8_t* 
 static_assert(kMaxHeight <= 2800);
 
 Status SliceDecoder::DecodeSlice(std::uint32_t row, const std::uint8_t* data, std::size_t size) {
-    if (row >= rows_) return IMG_OK;
     BitReader reader(data, size);
     if (!SetQuantiser(reader.Get(5))) return IMG_E_MALFORMED;
     if (reader.Get(1) != 0) {  // intra_slice_flag; otherwise this was extra_bit_slice.
@@ -103,7 +105,6 @@ Status SliceDecoder::DecodeSlice(std::uint32_t row, const std::uint8_t* data, st
             std::memset(coefficients_, 0, sizeof coefficients_);
             return IMG_E_MALFORMED;
         }
-        decoded_[row].Add(column);
         if (++column == columns_) return IMG_OK;
         reader.Fill();
         if (reader.Peek(23) == 0) return IMG_OK;          // A start code or the end.

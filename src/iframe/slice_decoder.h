@@ -10,33 +10,19 @@
 #include "iframe/i_frame_format.h"
 #include "iframe/macroblock.h"
 #include "iframe/mmes_image_writer.h"
+#include "iframe/row_claims.h"
 
 namespace KorvaneSoftware::iframe {
-
-/// Columns of a row of macroblocks that a share has decoded, from the first to the last; none while `end` is 0.
-struct DecodedColumns {
-    std::uint16_t begin = 0;
-    std::uint16_t end = 0;
-
-    void Add(std::uint32_t column) {
-        if (end == 0 || column < begin) begin = static_cast<std::uint16_t>(column);
-        if (column >= end) end = static_cast<std::uint16_t>(column + 1);
-    }
-    bool Overlaps(const DecodedColumns& other) const { return begin < other.end && other.begin < end; }
-};
 
 class SliceDecoder {
 public:
     /// Takes the headers and the picture of a frame. Both stay as they are until its shares are decoded.
     Status BeginFrame(const ParsedHeaders& headers, const ImageDescriptor& image);
 
-    /// Decodes all slices between two places of the data. A damaged slice ends where the damage shows: what was decoded
+    /// Decodes the slices between two places of the data whose rows are admitted. A damaged slice ends where the damage shows: what was decoded
     /// before stays, and the next slice goes on.
     /// @return the status of the last slice
-    Status DecodeShare(const std::uint8_t* begin, const std::uint8_t* end);
-
-    /// What the frame's shares have decoded of a row so far.
-    const DecodedColumns& Columns(std::uint32_t row) const { return decoded_[row]; }
+    Status DecodeShare(const std::uint8_t* begin, const std::uint8_t* end, RowClaims& claims, unsigned share);
 
 private:
     Status DecodeSlice(std::uint32_t row, const std::uint8_t* data, std::size_t size);
@@ -50,7 +36,6 @@ private:
     std::uint32_t quantiserCode_ = 0;
     std::int32_t predictors_[3] = {};  // Y, Cb, Cr
     BlockSyntax syntax_ = {};
-    DecodedColumns decoded_[MacroblocksOf(kMaxHeight)];
     CMMESImageWriter writer_;
     alignas(64) std::int16_t coefficients_[kMostBlocks * kBlockLength] = {};
     alignas(64) std::int16_t samples_[kMostBlocks * kBlockLength];

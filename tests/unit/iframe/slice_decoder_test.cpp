@@ -92,8 +92,29 @@ Decoded Decode(SliceMaker& maker, std::uint32_t chromaFormat = 2) {
     mpeg::SliceDecoder decoder;
     EXPECT_EQ(decoder.BeginFrame(headers, image), km::IMG_OK);
     const std::vector<std::uint8_t> bytes = maker.Bytes();
-    decoded.status = decoder.DecodeShare(bytes.data(), bytes.data() + bytes.size());
+    mpeg::RowClaims claims;
+    claims.BeginFrame(mpeg::MacroblocksOf(kHeight));
+    decoded.status = decoder.DecodeShare(bytes.data(), bytes.data() + bytes.size(), claims, 0);
     return decoded;
+}
+
+TEST(IFrameSlices, RowsBelongToTheFirstShareThatComes) {
+    mpeg::RowClaims claims;
+    claims.BeginFrame(3);
+    EXPECT_TRUE(claims.Admits(0, 0));
+    EXPECT_TRUE(claims.Admits(1, 1));
+    EXPECT_TRUE(claims.Admits(1, 1));
+    EXPECT_FALSE(claims.Admits(1, 0));
+    EXPECT_TRUE(claims.Admits(2, 0));
+    ASSERT_TRUE(claims.TakeLeftRows());
+    for (unsigned share = 0; share < 2; ++share) {
+        EXPECT_FALSE(claims.Admits(0, share));
+        EXPECT_TRUE(claims.Admits(1, share));
+        EXPECT_FALSE(claims.Admits(2, share));
+    }
+    claims.BeginFrame(3);
+    EXPECT_TRUE(claims.Admits(1, 0));
+    EXPECT_FALSE(claims.TakeLeftRows());
 }
 
 TEST(IFrameSlices, FrameMacroblock) {
